@@ -1,0 +1,38 @@
+# Language level, floating-point rules and warnings that every target of the project carries.
+add_library(moktex_settings INTERFACE)
+target_compile_features(moktex_settings INTERFACE cxx_std_20)
+target_compile_options(moktex_settings INTERFACE
+    # The same input gives the same bytes on every machine: no fused multiply and add, no reordering.
+    -ffp-contract=off -fno-fast-math
+    -Wall -Wextra -Wpedantic -Wshadow -Wcast-qual -Wdouble-promotion -Wold-style-cast
+    # g++ 12 warns of the inside of its own std::string.
+    -Wno-restrict)
+if(MOKTEX_WARNINGS_AS_ERRORS)
+    target_compile_options(moktex_settings INTERFACE -Werror)
+endif()
+if(MOKTEX_SANITIZE)
+    target_compile_options(moktex_settings INTERFACE -fsanitize=${MOKTEX_SANITIZE} -fno-sanitize-recover=all
+        -fno-omit-frame-pointer)
+    target_link_options(moktex_settings INTERFACE -fsanitize=${MOKTEX_SANITIZE})
+endif()
+if(MOKTEX_COVERAGE)
+    target_compile_options(moktex_settings INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(moktex_settings INTERFACE --coverage)
+endif()
+
+# Files of fast forms: one instruction set each, chosen at run time.
+#   moktex_kernel(FILE LEVEL)    LEVEL is SSE41 or AVX2
+function(moktex_kernel file level)
+    if(level STREQUAL "AVX2")
+        set(options -mavx2)
+        if(WIN32)
+            # The stack is aligned to 16 bytes only; aligned moves of 32-byte spills would fault.
+            list(APPEND options -Wa,-muse-unaligned-vector-move)
+        endif()
+    elseif(level STREQUAL "SSE41")
+        set(options -msse4.1)
+    else()
+        message(FATAL_ERROR "moktex_kernel: unknown level ${level}")
+    endif()
+    set_source_files_properties(${file} PROPERTIES COMPILE_OPTIONS "${options}")
+endfunction()

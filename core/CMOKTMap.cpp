@@ -1,0 +1,97 @@
+#include "CMOKTMap.h"
+
+#include <utility>
+
+#include "MetaDataBlock.h"
+
+template <class K, class V>
+CMOKTMap<K, V>::CMOKTMap() : size(0) {}
+
+template <class K, class V>
+CMOKTMap<K, V>::CMOKTMap(const CMOKTMap& other) : keys(other.keys), values(other.values), size(other.size) {}
+
+template <class K, class V>
+CMOKTMap<K, V>::~CMOKTMap() {
+    size = 0;
+}
+
+template <class K, class V>
+CMOKTMap<K, V>& CMOKTMap<K, V>::operator=(const CMOKTMap& other) {
+    if (this != &other) {
+        CMOKTMap copy(other);
+        Swap(copy);
+    }
+    return *this;
+}
+
+template <class K, class V>
+V& CMOKTMap<K, V>::operator[](K key) {
+    const unsigned int found = GetIndexOf(key);
+    if (found < size) return values[found];
+    // All that may raise std::bad_alloc comes before the first change.
+    keys.SetCapacity(keys.GetSize() + 1);
+    values.Append(V());
+    // Kept: the key goes behind the stale entries that Remove and Clear leave in the arrays, and is found again only while its
+    // place is below the count.
+    const unsigned int place = keys.Append(key);
+    ++size;
+    return values[place];
+}
+
+template <class K, class V>
+unsigned int CMOKTMap<K, V>::GetSize() const {
+    return size;
+}
+
+template <class K, class V>
+unsigned int CMOKTMap<K, V>::GetIndexOf(K key) const {
+    unsigned int index = 0;
+    while (index < size && keys[index] != key)
+        ++index;
+    return index;
+}
+
+template <class K, class V>
+const V* CMOKTMap<K, V>::GetDataAtIndex(unsigned int index) const {
+    return &values[index];
+}
+
+template <class K, class V>
+bool CMOKTMap<K, V>::Exists(K key) const requires(!std::is_same_v<V, CMOKTMap<K, MetaDataBlock>>) {
+    return GetIndexOf(key) < size;
+}
+
+template <class K, class V>
+EMOKTError CMOKTMap<K, V>::Remove(K key) requires(!std::is_same_v<V, CMOKTMap<K, MetaDataBlock>>) {
+    // Kept: the key, not its place, is compared with the count: a key that equals the count cannot be removed, and an absent key
+    // still lowers the count and reports success.
+    if (key == size || size == 0) return eMOKTFail;
+    const unsigned int newSize = size - 1;
+    const unsigned int index = GetIndexOf(key);
+    // An absent key's place may lie behind the store. The store of keys is never the smaller one.
+    if (newSize > 0 && index < values.GetCapacity()) {
+        // Kept: the place is filled from the entry before the old last one; only the last entry is removed as one would expect.
+        values[index] = values[newSize - 1];
+        keys[index] = keys[newSize - 1];
+    }
+    size = newSize;
+    return eMOKTSuccess;
+}
+
+template <class K, class V>
+void CMOKTMap<K, V>::Clear() {
+    // Kept: the arrays keep their entries, so that the next key goes behind them.
+    size = 0;
+}
+
+template <class K, class V>
+void CMOKTMap<K, V>::Swap(CMOKTMap& other) noexcept {
+    keys.Swap(other.keys);
+    values.Swap(other.values);
+    std::swap(size, other.size);
+}
+
+template class CMOKTMap<unsigned int, MetaDataBlock>;
+template class CMOKTMap<unsigned int, CMOKTMap<unsigned int, MetaDataBlock>>;
+
+static_assert(sizeof(CMOKTMap<unsigned int, MetaDataBlock>) == 56);
