@@ -1,0 +1,11 @@
+#include "core/processor_level.h"
+
+namespace moktexture {
+
+ProcessorLevel detectProcessorLevel() {
+    if (__builtin_cpu_supports("avx2")) return ProcessorLevel::avx2;
+    if (__builtin_cpu_supports("sse4.1")) return ProcessorLevel::sse41;
+    return ProcessorLevel::baseline;
+}
+
+}  // namespace moktexture

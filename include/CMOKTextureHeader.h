@@ -1,0 +1,143 @@
+#pragma once
+
+#include <cstdint>
+
+#include "CMOKTMap.h"
+#include "CMOKTString.h"
+#include "MOKTextureHeaderV3.h"
+#include "MetaDataBlock.h"
+#include "PixelType.h"
+#include "texture_enums.h"
+
+namespace moktexture {
+
+/// What a texture is: the header record and a two-level map of metadata. It answers every question of size.
+///
+/// Nothing is validated: setters store what they get, and all arithmetic on sizes is unsigned, 32 bits wide, and wraps. Raises
+/// `std::bad_alloc` where metadata is copied or written, and no other exception.
+///
+/// Thread safety: one object belongs to one thread at a time. This holds for reading too, since `const` getters of metadata may
+/// insert an empty entry into the map.
+class MOKTEX_API CMOKTextureHeader {
+public:
+    using MetaDataMap = CMOKTMap<unsigned int, CMOKTMap<unsigned int, MetaDataBlock>>;
+
+    /// `getDataSize` and `getTextureSize`: all MIP levels together.
+    static constexpr int allLevels = -1;
+
+    /// The record's defaults (eFmtUnknown, all dimensions 1), no metadata.
+    CMOKTextureHeader();
+    CMOKTextureHeader(const CMOKTextureHeader& other);
+    /// From the values; sizes in pixels. Note that the height comes first.
+    CMOKTextureHeader(std::uint64_t pixelFormat, std::uint32_t height, std::uint32_t width, std::uint32_t depth,
+                      std::uint32_t numMIPLevels, std::uint32_t numArrayMembers, std::uint32_t numFaces,
+                      EMOKTColourSpace colourSpace, EMOKTVariableType channelType, bool preMultiplied);
+    /// From a record and `count` blocks, each of which is added with addMetaData(). The record's `metaDataSize` is kept and the
+    /// blocks' sizes are added to it: pass a record with 0 there unless you want them counted twice. `blocks` may be null.
+    CMOKTextureHeader(MOKTextureHeaderV3 fileHeader, unsigned int count, const MetaDataBlock* blocks);
+    ~CMOKTextureHeader();
+    CMOKTextureHeader& operator=(const CMOKTextureHeader& other);
+
+    /// A copy of the record.
+    MOKTextureHeaderV3 getFileHeader() const;
+    PixelType getPixelType() const;
+    /// Sum of an uncompressed layout's bits, or the compressed format's rate; 0 for formats without a data size.
+    unsigned int getBitsPerPixel() const;
+    EMOKTColourSpace getColourSpace() const;
+    EMOKTVariableType getChannelType() const;
+
+    /// Size of a MIP level in pixels, at least 1. A level equal to getNumMIPLevels() still answers; above it the result is 0.
+    std::uint32_t getWidth(std::uint32_t level = 0) const;
+    std::uint32_t getHeight(std::uint32_t level = 0) const;
+    std::uint32_t getDepth(std::uint32_t level = 0) const;
+    std::uint32_t getNumArrayMembers() const;
+    std::uint32_t getNumFaces() const;
+    std::uint32_t getNumMIPLevels() const;
+
+    /// Bytes of a level, or of all levels.
+    ///
+    /// Dimensions of a compressed format are rounded up to its block first. The bits are summed over the levels, then shifted
+    /// down to bytes once. More than 255 levels give 0 for allLevels. The result wraps at 32 bits.
+    /// @param level  a MIP level, not checked against getNumMIPLevels(), or allLevels
+    /// @param allSurfaces  count all array members, else one
+    /// @param allFaces  count all faces, else one
+    std::uint32_t getDataSize(int level = allLevels, bool allSurfaces = true, bool allFaces = true) const;
+    /// Pixels of a level, or of all levels: getDataSize() times 8, wrapped at 32 bits, over getBitsPerPixel(). So a compressed
+    /// format's rounded-up dimensions are counted. 0 for a format of 0 bits per pixel.
+    std::uint32_t getTextureSize(int level = allLevels, bool allSurfaces = true, bool allFaces = true) const;
+
+    bool isFileCompressed() const;
+    /// Whether the colours are premultiplied by alpha.
+    bool isPreMultiplied() const;
+    /// Bytes of metadata as counted by the setters below; not always what the blocks take in a file.
+    std::uint32_t getMetaDataSize() const;
+
+    /// 0, or the axis's bit of EMOKTOrientation: the axis's stored byte, and 0 beyond what is stored.
+    EMOKTOrientation getOrientation(EMOKTAxis axis) const;
+    bool isBumpMap() const;
+    /// 0 if the texture is not a bump map.
+    float getBumpMapScale() const;
+    /// Letters of the channels that hold x, y, z and height, at most four; "" if the texture is not a bump map.
+    CMOKTString getBumpMapOrder() const;
+    /// Number of floats in the texture atlas. 0 without an atlas, and for a texture of 1 by 1 by 1 pixel.
+    int getNumTextureAtlasMembers() const;
+    /// The stored floats, owned by the header and valid until its metadata changes, or null.
+    const float* getTextureAtlasData() const;
+    /// Letters of the faces in their order, at most six; "" for a texture of one face.
+    CMOKTString getCubeMapOrder() const;
+    /// Border sizes in pixels, all 0 if there is none.
+    void getBorder(unsigned int& x, unsigned int& y, unsigned int& z) const;
+    /// A copy of the block; an all-zero one, which is inserted, if there is none.
+    MetaDataBlock getMetaData(unsigned int fourCC, unsigned int key) const;
+    bool hasMetaData(unsigned int fourCC, unsigned int key) const;
+    /// All metadata, by FourCC and key in order of insertion. Owned by the header.
+    const MetaDataMap& getMetaDataMap() const;
+
+    void setPixelFormat(PixelType format);
+    void setColourSpace(EMOKTColourSpace colourSpace);
+    void setChannelType(EMOKTVariableType channelType);
+    void setWidth(std::uint32_t newWidth);
+    void setHeight(std::uint32_t newHeight);
+    void setDepth(std::uint32_t newDepth);
+    void setNumArrayMembers(std::uint32_t newNumMembers);
+    void setNumMIPLevels(std::uint32_t newNumMIPLevels);
+    void setNumFaces(std::uint32_t newNumFaces);
+    /// False clears both flags, premultiplication too.
+    void setIsFileCompressed(bool isFileCompressed);
+    /// False clears both flags, file compression too.
+    void setIsPreMultiplied(bool isPreMultiplied);
+
+    void setOrientation(EMOKTOrientation orientation);
+    /// @param bumpScale  scale of the normals
+    /// @param bumpOrder  channel letters, of which the first four are kept
+    void setBumpMap(float bumpScale, CMOKTString bumpOrder);
+    /// @param data  `count` floats, which are copied; null stores zeroes. `count` times 4 wraps at 32 bits, and no more bytes
+    /// than
+    ///        that are stored.
+    void setTextureAtlas(const float* data, unsigned int count);
+    /// @param order  face letters, of which the first six are kept. A fresh block is stored under key 2 but carries key 1 into
+    /// files.
+    void setCubeMapOrder(CMOKTString order);
+    /// Sizes in pixels.
+    void setBorder(unsigned int x, unsigned int y, unsigned int z);
+
+    /// Stores a copy of the block under its own FourCC and key and adds 12 + `dataSize` to getMetaDataSize(), without taking off
+    /// what a replaced block had added.
+    void addMetaData(const MetaDataBlock& block);
+    /// Takes 12 + the block's `dataSize` off getMetaDataSize(), also for an absent one, and removes it as CMOKTMap::Remove()
+    /// does.
+    void removeMetaData(const unsigned int& fourCC, const unsigned int& key);
+
+    /// Exchanges the contents with `other`; never fails.
+    void Swap(CMOKTextureHeader& other) noexcept;
+
+private:
+    const MetaDataBlock* findBlock(unsigned int fourCC, unsigned int key) const;
+    const MetaDataBlock* findTopic(unsigned int key) const;
+    void setTopic(unsigned int key, unsigned int storedKey, const void* payload, std::uint32_t payloadSize);
+
+    MOKTextureHeaderV3 record;
+    mutable MetaDataMap metaData;
+};
+
+}  // namespace moktexture

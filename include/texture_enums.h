@@ -1,0 +1,93 @@
+#pragma once
+
+/// @file
+/// Enumerations that describe a texture. Each has a fixed underlying type, so that any number that a file holds is a valid value.
+
+/// Type of one channel value.
+enum EMOKTVariableType : unsigned int {
+    eVarUByteNorm = 0,   ///< unsigned byte, normalised
+    eVarSByteNorm = 1,   ///< signed byte, normalised
+    eVarUByte = 2,       ///< unsigned byte
+    eVarSByte = 3,       ///< signed byte
+    eVarUShortNorm = 4,  ///< unsigned short, normalised
+    eVarSShortNorm = 5,  ///< signed short, normalised
+    eVarUShort = 6,      ///< unsigned short
+    eVarSShort = 7,      ///< signed short
+    eVarUIntNorm = 8,    ///< unsigned int, normalised
+    eVarSIntNorm = 9,    ///< signed int, normalised
+    eVarUInt = 10,       ///< unsigned int
+    eVarSInt = 11,       ///< signed int
+    eVarFloat = 12,      ///< float
+    eVarNone = 13,       ///< no type: what an unknown format of a legacy file has
+};
+
+/// Transfer curve of the colour channels.
+enum EMOKTColourSpace : unsigned int {
+    eColourSpaceLinear = 0,
+    eColourSpaceSRGB = 1,
+};
+
+enum EMOKTAxis : unsigned int {
+    eAxisX = 0,
+    eAxisY = 1,
+    eAxisZ = 2,
+};
+
+/// A set of bits, one for each axis; a cleared bit is the default direction of that axis.
+enum EMOKTOrientation : unsigned int {
+    eOrientRight = 0,
+    eOrientDown = 0,
+    eOrientIn = 0,
+    eOrientLeft = 1,
+    eOrientUp = 2,
+    eOrientOut = 4,
+};
+
+/// Joins directions: `eOrientLeft | eOrientUp`.
+constexpr EMOKTOrientation operator|(EMOKTOrientation a, EMOKTOrientation b) {
+    return static_cast<EMOKTOrientation>(static_cast<unsigned int>(a) | static_cast<unsigned int>(b));
+}
+
+namespace moktexture {
+
+/// Names of channels, for the operations that read or write chosen channels.
+enum EChannelName : unsigned int {
+    eChannelNone = 0,
+    eChannelRed = 1,
+    eChannelGreen = 2,
+    eChannelBlue = 3,
+    eChannelAlpha = 4,
+    eChannelLuminance = 5,    ///< as a destination: channels one, two and three alike
+    eChannelIntensity = 6,    ///< as a destination: channels one, two and three alike
+    eChannelUnspecified = 7,  ///< the fourth channel
+};
+
+/// Effort of an encoder, passed unchanged to it. What a step means is the codec's affair; DXTn takes none.
+enum ECompressorQuality : unsigned int {
+    eCompressorQuality0 = 0,
+    eCompressorQuality1 = 1,
+    eCompressorQuality2 = 2,
+    eCompressorQuality3 = 3,
+    eCompressorQuality4 = 4,
+    eCompressorQuality5 = 5,
+};
+
+/// Filter of Resize() and GenerateMIPMaps().
+enum EResizeMode : unsigned int {
+    eResizeNearest = 0,  ///< nearest, by truncation
+    eResizeLinear = 1,   ///< bilinear, or trilinear if the source's depth is not 1
+    eResizeCubic = 2,    ///< Lagrange cubic over four samples an axis
+};
+
+/// Part of the legacy numbering in which a legacy file names its pixel format. Values of one family behave alike.
+enum ELegacyApi : unsigned int {
+    eLegacyApiGLFamilyA = 1,
+    eLegacyApiGLFamilyB = 2,
+    eLegacyApiD3DFamilyA = 3,
+    eLegacyApiGLFamilyC = 4,
+    eLegacyApiD3DFamilyB = 5,
+    eLegacyApiDXGIFamily = 6,
+    eLegacyApiVGFamily = 7,
+};
+
+}  // namespace moktexture

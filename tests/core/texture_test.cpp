@@ -1,0 +1,125 @@
+// CMOKTexture as an object: constructors, copies, addresses, paths.
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+#include "CMOKTexture.h"
+#include "core/TextureInternals.h"
+#include "native_image.h"
+#include "support/test_images.h"
+#include "texture_io.h"
+
+using namespace moktexture;
+using namespace nativeimage;
+
+namespace {
+
+CMOKTexture sample(std::uint32_t levels = 3, std::uint32_t members = 2, std::uint32_t faces = 6) {
+    const CMOKTextureHeader header(eFmtDXT1, 9, 12, 1, levels, members, faces, eColourSpaceSRGB, eVarUByteNorm, true);
+    CMOKTexture texture(header, testimages::randomBytes(header.getDataSize(), 5).data());
+    texture.setBorder(1, 2, 3);
+    return texture;
+}
+
+TEST(Texture, LevelsLieBeforeMembersBeforeFaces) {
+    const CMOKTexture texture = sample();
+    const auto* next = static_cast<const unsigned char*>(texture.getDataPtr());
+    const unsigned char* const start = next;
+    for (unsigned int level = 0; level < 3; ++level)
+        for (unsigned int member = 0; member < 2; ++member)
+            for (unsigned int face = 0; face < 6; ++face) {
+                EXPECT_EQ(texture.getDataPtr(level, member, face), next);
+                next += texture.getDataSize(static_cast<int>(level), false, false);
+            }
+    EXPECT_EQ(texture.getDataPtr(3, 0, 0), next);
+    EXPECT_EQ(next - start, 8 * (9 + 2 + 1) * 12);
+    EXPECT_EQ(texture.getDataPtr(0xFFFFFFFF, 0, 0), nullptr);
+    EXPECT_EQ(CMOKTexture().getDataPtr(1, 1, 1), nullptr);
+    // Far out of range the levels' sizes go on in turns of 32.
+    std::uint32_t offset = 0;
+    for (int level = 0; level < 100; ++level)
+        offset += texture.getDataSize(level, true, true);
+    EXPECT_EQ(texture.getDataPtr(100, 0, 0), start + offset);
+}
+
+TEST(Texture, CopiesAreDeepAndMovesLeaveADefaultTexture) {
+    const CMOKTexture original = sample();
+    const Contents contents = contentsOf(original);
+    CMOKTexture copy(original), assigned, moved;
+    assigned = copy;
+    CMOKTexture& self = assigned;
+    assigned = self;
+    static_cast<unsigned char*>(copy.getDataPtr())[0] ^= 1;
+    copy.setBorder(7, 7, 7);
+    EXPECT_EQ(contentsOf(original), contents);
+    EXPECT_EQ(contentsOf(assigned), contents);
+    EXPECT_NE(contentsOf(copy), contents);
+    moved = std::move(assigned);
+    EXPECT_EQ(contentsOf(moved), contents);
+    EXPECT_EQ(contentsOf(assigned), contentsOf(CMOKTexture()));
+    EXPECT_EQ(contentsOf(CMOKTexture(std::move(moved))), contents);
+}
+
+TEST(Texture, WithoutABufferStaysWithoutOne) {
+    const TemporaryFolder folder("without_buffer");
+    MOKTextureHeaderV3 record;
+    record.pixelFormat = PixelTypeRGBA8.id;
+    record.metaDataSize = 1;
+    const CMOKTexture halfLoaded(folder.write("half.mok", make(record, {}, {})).c_str());
+    EXPECT_EQ(TextureInternals::dataSize(halfLoaded), 4u);
+    CMOKTexture copy(halfLoaded), assigned = sample();
+    assigned = halfLoaded;
+    EXPECT_EQ(contentsOf(copy), contentsOf(halfLoaded));
+    EXPECT_EQ(contentsOf(assigned), contentsOf(halfLoaded));
+    Bytes image = {9};
+    EXPECT_FALSE(SaveTexture(copy, "mok", image));
+    EXPECT_FALSE(copy.saveFile(folder.path("copy.mok").c_str()));
+    EXPECT_EQ(image, Bytes{9});
+}
+
+TEST(Texture, IsAddressableOnlyWithAllItsPixels) {
+    // Levels and width of the header over a buffer of 3 levels and width 12.
+    const std::tuple<unsigned int, unsigned int, bool> cases[] = {
+        {3, 12, true}, {2, 12, true}, {4, 12, false}, {0, 12, false}, {3, 13, false}, {1, 0xFFFFFFFF, false}, {256, 1, false}};
+    CMOKTexture texture = sample();
+    for (const auto& [levels, width, isAddressable] : cases) {
+        texture.setNumMIPLevels(levels);
+        texture.setWidth(width);
+        EXPECT_EQ(TextureInternals::isAddressable(texture), isAddressable) << levels << ' ' << width;
+    }
+    const CMOKTexture empty(CMOKTextureHeader(), nullptr);
+    EXPECT_NE(empty.getDataPtr(), nullptr);
+    EXPECT_FALSE(TextureInternals::isAddressable(empty));
+}
+
+TEST(Texture, TheExtensionChoosesTheFileThatIsWritten) {
+    const TemporaryFolder folder("extensions");
+    const CMOKTexture texture = sample();
+    Bytes image;
+    ASSERT_TRUE(SaveTexture(texture, "mok", image));
+    const std::pair<const char*, const char*> cases[] = {
+        {"a.mok", "a.mok"}, {"b.x.MoK", "b.x.MoK"}, {"c.tga", "c.tga.mok"}, {"d", "d.mok"}, {"i.mok.", "i.mok..mok"}};
+    for (const auto& [path, written] : cases) {
+        EXPECT_TRUE(texture.saveFile(folder.path(path).c_str())) << path;
+        EXPECT_EQ(folder.read(written), image) << path;
+    }
+    for (const char* path : {"f.ktx", "g.DDS", "h.h", "none/a.mok"}) {
+        EXPECT_FALSE(texture.saveFile(folder.path(path).c_str())) << path;
+        EXPECT_FALSE(std::filesystem::exists(folder.path(path))) << path;
+    }
+    for (const char* extension : {"ktx", ".dds", "h", "tga", "", ".", "a.mok", "mo"})
+        EXPECT_FALSE(SaveTexture(texture, extension, image)) << extension;
+    EXPECT_FALSE(SaveTexture(texture, nullptr, image));
+}
+
+TEST(Texture, WhatIsEmptyIsWrittenButNotCountedAsSaved) {
+    const TemporaryFolder folder("empty");
+    CMOKTexture texture = sample();
+    texture.setCubeMapOrder("");
+    EXPECT_FALSE(texture.saveFile(folder.path("a.mok").c_str()));
+    EXPECT_EQ(folder.read("a.mok").size(), 52u + 24 + 12 + texture.getDataSize());
+    EXPECT_FALSE(CMOKTexture().saveFile(folder.path("b.mok").c_str()));
+    EXPECT_EQ(folder.read("b.mok").size(), 52u);
+}
+
+}  // namespace
