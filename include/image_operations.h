@@ -1,0 +1,69 @@
+#pragma once
+
+#include "CMOKTexture.h"
+
+/// @file
+/// Operations on uncompressed textures, in place.
+///
+/// All of them accept four forms and refuse, with false and the texture unchanged, everything else; Transcode() brings a texture
+/// into one of the forms:
+///
+/// | PixelType       | channel type   | element         |
+/// | --------------- | -------------- | --------------- |
+/// | PixelTypeRGBA8  | eVarUByteNorm  | unsigned 8-bit  |
+/// | PixelTypeRGBA16 | eVarUShortNorm | unsigned 16-bit |
+/// | PixelTypeRGBA32 | eVarUIntNorm   | unsigned 32-bit |
+/// | PixelTypeRGBA32 | eVarFloat      | 32-bit float    |
+///
+/// A texture without a buffer, or whose size does not fit in 32 bits, is refused likewise. Floats become integers by truncation,
+/// with the low bits kept. They raise `std::bad_alloc`, with the texture unchanged. Calls on different textures may run at the
+/// same time.
+
+namespace moktexture {
+
+/// Writes constants to channels of every pixel of every level.
+/// @param count  number of entries; 0 does nothing and gives true
+/// @param channels  `count` destinations; a later entry overrides an earlier one. Luminance and intensity write R, G and B alike.
+/// @param values  `count` values in units of the element, low bits kept; a float texture gets the value as a float (255 is 255.0)
+/// @return false if the texture is refused, or an array is null and `count` is not 0.
+MOKTEX_API bool SetChannels(CMOKTexture& texture, unsigned int count, EChannelName* channels, unsigned int* values);
+
+/// SetChannels() with float values. They are not scaled: 1.0 stores 1 in an 8-bit element.
+MOKTEX_API bool SetChannelsFloat(CMOKTexture& texture, unsigned int count, EChannelName* channels, float* values);
+
+/// Copies channels of every pixel from a texture of equal size, which may be the destination itself and may differ in element
+/// type. All sources are read before any destination is written.
+/// @param count  number of entries; 0 does nothing and gives true
+/// @param destinationChannels  `count` destinations, as in SetChannels()
+/// @param sourceChannels  `count` sources; luminance is 0.2126 R + 0.7152 G + 0.0722 B, intensity the mean of R, G and B. Entries
+///        of eChannelNone or above eChannelUnspecified are skipped.
+/// Values are scaled by the units of the elements in single precision, truncated and not clamped: white becomes 0 in a 32-bit
+/// integer element, and some 16-bit values lose a unit even between 16-bit textures.
+/// @return false if a texture is refused, or width, height, depth or the numbers of members, levels or faces differ.
+MOKTEX_API bool CopyChannels(CMOKTexture& destination, const CMOKTexture& source, unsigned int count,
+                             EChannelName* destinationChannels, EChannelName* sourceChannels);
+
+/// Changes the size in pixels of level 0 and drops all other levels. The border in the metadata is scaled along.
+/// Samples points, and does not average areas: reduce in steps of one half for best quality.
+/// An equal size does nothing, keeps the levels and gives true. An unknown mode gives zeroed pixels.
+/// 32-bit integer elements at white come out as 0 from the linear and cubic filters, and the cubic filter clamps floats to 0
+/// to 1.
+/// @return false if the texture is refused, a new size is 0, or the result does not fit in 32 bits.
+MOKTEX_API bool Resize(CMOKTexture& texture, const unsigned int& newWidth, const unsigned int& newHeight,
+                       const unsigned int& newDepth, EResizeMode mode);
+
+/// GenerateMIPMaps(): the full chain, down to 1 by 1 by 1.
+inline constexpr unsigned int allMIPLevels = 0xFFFFFFFFu;
+
+/// Rebuilds the levels below level 0, each from the one above it.
+/// @param levels  wanted number of levels, level 0 included, or allMIPLevels. A number equal to the present one does nothing and
+///        gives true, even if the levels are stale. More levels than the full chain has are 1 by 1 by 1.
+/// @return false if the texture is refused, `levels` is 0 or above 255, or the result does not fit in 32 bits.
+MOKTEX_API bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int levels = allMIPLevels);
+
+/// Tints each level but level 0 with a colour of its own, so that a viewer shows which level is sampled: green, blue, cyan,
+/// magenta, yellow, red, and again.
+/// @return false if the texture is refused.
+MOKTEX_API bool ColourMIPMaps(CMOKTexture& texture);
+
+}  // namespace moktexture

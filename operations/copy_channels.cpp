@@ -1,0 +1,145 @@
+#include <algorithm>
+#include <array>
+
+#include "image_operations.h"
+#include "operations/channel_elements.h"
+#include "operations/operation_frame.h"
+
+namespace moktexture {
+namespace {
+
+/// Source of each element of a destination pixel; eChannelNone leaves the element as it is.
+using ChannelSources = std::array<EChannelName, channelsPerPixel>;
+
+/// What the entries come to: of those that write an element, the last one with a source counts.
+ChannelSources resolveEntries(unsigned int count, const EChannelName* destinations, const EChannelName* sources) {
+    ChannelSources resolved = {};
+    for (unsigned int i = 0; i < count; ++i) {
+        if (sources[i] == eChannelNone || sources[i] > eChannelUnspecified) continue;
+        const unsigned int written = elementsWrittenBy(destinations[i]);
+        for (std::size_t c = 0; c < channelsPerPixel; ++c) {
+            if ((written >> c & 1) != 0) resolved[c] = sources[i];
+        }
+    }
+    return resolved;
+}
+
+/// A source element in the scale of the destination's. The order of the factors decides the last bit.
+template <typename D, typename S>
+float scaledElement(S element) {
+    float value = static_cast<float>(element);
+    if constexpr (!std::is_same_v<D, float>) value *= channelUnit<D>;
+    if constexpr (std::is_same_v<S, std::uint32_t>) {
+        value *= reciprocalOfUnit32;
+    } else if constexpr (!std::is_same_v<S, float>) {
+        value /= channelUnit<S>;
+    }
+    return value;
+}
+
+// Kept: truncated and neither rounded nor clamped, so white (1.0, 255) becomes 4294967296 and wraps to 0 in a 32-bit element;
+// callers that want white set the element themselves.
+template <typename D, typename S>
+D elementFromScaled(float value) {
+    if constexpr (std::is_same_v<S, float>) {
+        return elementFromFloat<D>(value);
+    } else {
+        return elementFromBounded<D>(value);
+    }
+}
+
+/// Whether scaling gives every element back.
+// Kept: 16-bit elements are not among them: for 512 of them, from 259 on, the product is rounded down and they come out one less,
+// which textures that went through a copy carry.
+template <typename D, typename S>
+constexpr bool isScaledToItself = std::is_same_v<D, S> && (std::is_same_v<S, std::uint8_t> || std::is_same_v<S, float>);
+
+/// Computes one source of a run of pixels, in the destination's elements.
+template <typename D, typename S>
+void computeSource(EChannelName source, const S* pixels, std::size_t count, D* computed) {
+    const auto computeEach = [&](auto valueOf) {
+        for (std::size_t i = 0; i < count; ++i) {
+            computed[i] = elementFromScaled<D, S>(valueOf(pixels + i * channelsPerPixel));
+        }
+    };
+    const auto computeElement = [&](std::size_t c) {
+        if constexpr (isScaledToItself<D, S>) {
+            for (std::size_t i = 0; i < count; ++i)
+                computed[i] = pixels[i * channelsPerPixel + c];
+        } else {
+            computeEach([c](const S* pixel) { return scaledElement<D>(pixel[c]); });
+        }
+    };
+    switch (source) {
+        case eChannelRed:
+            return computeElement(0);
+        case eChannelGreen:
+            return computeElement(1);
+        case eChannelBlue:
+            return computeElement(2);
+        case eChannelLuminance:
+            return computeEach([](const S* pixel) {
+                return 0.2126f * scaledElement<D>(pixel[0]) + 0.7152f * scaledElement<D>(pixel[1]) +
+                       0.0722f * scaledElement<D>(pixel[2]);
+            });
+        case eChannelIntensity:
+            return computeEach([](const S* pixel) {
+                return (scaledElement<D>(pixel[0]) + scaledElement<D>(pixel[1]) + scaledElement<D>(pixel[2])) / 3.0f;
+            });
+        default:
+            return computeElement(3);
+    }
+}
+
+/// Pixels that are copied at a time.
+constexpr std::size_t runLength = 256;
+
+/// Copies channels of a run of pixels. All sources are computed before any element is written, so both runs may be the same.
+template <typename D, typename S>
+void copyRun(const S* source, D* destination, std::size_t count, const ChannelSources& sources) {
+    D columns[channelsPerPixel][runLength];
+    for (std::size_t c = 0; c < channelsPerPixel; ++c) {
+        if (sources[c] != eChannelNone) {
+            computeSource(sources[c], source, count, columns[c]);
+        } else {
+            for (std::size_t i = 0; i < count; ++i)
+                columns[c][i] = destination[i * channelsPerPixel + c];
+        }
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t c = 0; c < channelsPerPixel; ++c)
+            destination[i * channelsPerPixel + c] = columns[c][i];
+    }
+}
+
+template <typename D, typename S>
+bool copyLevel(const S* source, D* destination, std::size_t pixelCount, const ChannelSources& sources) {
+    for (std::size_t first = 0; first < pixelCount; first += runLength) {
+        const std::size_t count = std::min(runLength, pixelCount - first);
+        copyRun(source + first * channelsPerPixel, destination + first * channelsPerPixel, count, sources);
+    }
+    return true;
+}
+
+bool copyLevels(CMOKTexture& destination, const CMOKTexture& source, const ChannelSources& sources) {
+    return withElementType(source.getChannelType(), [&](auto element) {
+        using S = typename decltype(element)::type;
+        return processLevels(destination, [&](auto* pixels, const TexturePiece& piece) {
+            const S* const from = pieceData<const S>(source, piece);
+            return from != nullptr && copyLevel(from, pixels, piece.size.pixelCount(), sources);
+        });
+    });
+}
+
+}  // namespace
+
+bool CopyChannels(CMOKTexture& destination, const CMOKTexture& source, unsigned int count, EChannelName* destinationChannels,
+                  EChannelName* sourceChannels) {
+    if (!isOperable(destination) || !isOperable(source)) return false;
+    if (count == 0) return true;
+    if (!haveEqualShape(destination, source)) return false;
+    if (destinationChannels == nullptr || sourceChannels == nullptr) return false;
+    return copyLevels(destination, source, resolveEntries(count, destinationChannels, sourceChannels));
+}
+
+}  // namespace moktexture

@@ -1,0 +1,135 @@
+#include <array>
+#include <tuple>
+
+#include "operation_textures.h"
+#include "operations/resample_level.h"
+
+using namespace moktexture;
+using namespace operationtextures;
+
+namespace {
+
+using Size = std::array<unsigned int, 3>;
+
+/// The resampled pixels, after a comparison with the bits of the plain form.
+template <typename T>
+std::vector<T> resampled(const std::vector<T>& source, Size from, Size to, EResizeMode mode) {
+    std::vector<T> fast(std::size_t{4} * to[0] * to[1] * to[2], T{77});
+    std::vector<T> plain = fast;
+    EXPECT_TRUE(resampleLevel(source.data(), fast.data(), from[0], from[1], from[2], to[0], to[1], to[2], mode));
+    EXPECT_TRUE(resampleLevelPlain(source.data(), plain.data(), from[0], from[1], from[2], to[0], to[1], to[2], mode));
+    EXPECT_EQ(std::memcmp(fast.data(), plain.data(), fast.size() * sizeof(T)), 0)
+        << testing::PrintToString(from) << " to " << testing::PrintToString(to) << " by filter " << mode;
+    return fast;
+}
+
+/// Resamples a line of pixels, whose four channels are alike, that lies along an axis.
+template <typename T>
+std::vector<T> resampledLine(const std::vector<T>& line, std::size_t newLength, EResizeMode mode, std::size_t axis) {
+    std::vector<T> pixels;
+    for (T element : line)
+        pixels.insert(pixels.end(), 4, element);
+    Size from = {1, 1, 1}, to = {1, 1, 1};
+    from[axis] = static_cast<unsigned int>(line.size());
+    to[axis] = static_cast<unsigned int>(newLength);
+    const std::vector<T> result = resampled<T>(pixels, from, to, mode);
+    std::vector<T> resultLine;
+    for (std::size_t i = 0; i < result.size(); i += 4) {
+        EXPECT_TRUE(result[i] == result[i + 1] && result[i] == result[i + 2] && result[i] == result[i + 3]);
+        resultLine.push_back(result[i]);
+    }
+    return resultLine;
+}
+
+TEST(ResampleLevel, GivesTheHandWorkedValuesAlongEveryAxis) {
+    const struct {
+        EResizeMode mode;
+        std::vector<double> line;
+        std::vector<double> integers;
+        std::vector<double> floats;  // both are over 256 in float textures
+    } rows[] = {
+        {eResizeNearest, {7, 9}, {7, 7, 9, 9}, {7, 7, 9, 9}},
+        {eResizeNearest, {1, 2, 3, 4, 5}, {1, 2, 4}, {1, 2, 4}},     // at 0, 1.67, 3.33
+        {eResizeLinear, {10, 21, 31, 255}, {15, 142}, {15.5, 143}},  // 5 + 10, 15 + 127: each term truncated
+        {eResizeLinear, {10, 21}, {10, 15, 21, 20}, {10, 15.5, 21, 21}},
+        {eResizeLinear, {255, 255, 255}, {254, 254}, {255, 255}},   // flat white darkens
+        {eResizeLinear, {0, 91, 180}, {60, 179}, {60.66667, 180}},  // starts at 2/3, not at 1/4; 149 + 30
+        // Weights at halves are -1/16, 9/16, 9/16, -1/16. Before the first pixel comes the last; after the last, itself.
+        {eResizeCubic, {16, 32, 48, 160}, {16, 14, 32, 34, 48, 105, 160, 167}, {16, 14, 32, 34, 48, 105, 160, 167}},
+    };
+    for (const auto& row : rows) {
+        forEachElementType([&row]<typename T>(T) {
+            const bool isFloat = std::is_same_v<T, float>;
+            std::vector<T> line;
+            for (double value : row.line)
+                line.push_back(static_cast<T>(isFloat ? value / 256 : value));
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                const std::vector<T> result = resampledLine(line, row.integers.size(), row.mode, axis);
+                for (std::size_t i = 0; i < result.size(); ++i) {
+                    const double value = isFloat ? static_cast<double>(result[i]) * 256 : static_cast<double>(result[i]);
+                    EXPECT_NEAR(value, isFloat ? row.floats[i] : row.integers[i], isFloat ? 1e-4 : 0) << row.mode << " " << i;
+                }
+            }
+        });
+    }
+}
+
+TEST(ResampleLevel, TreatsWhiteByElementType) {
+    // Filter, line in units of white, its new length, the pixel looked at; its value for 8, 16 and 32 bits and floats.
+    using Line = std::vector<double>;
+    const std::tuple<EResizeMode, Line, std::size_t, std::size_t, double, double, double, double> rows[] = {
+        {eResizeNearest, {1, 1}, 4, 3, 255, 65535, 4294967295, 1},
+        // 32-bit white is 4294967296 as a float, of which no low bit is left.
+        {eResizeLinear, {1, 1}, 1, 0, 254, 65534, 0, 1},
+        {eResizeLinear, {1, 1}, 4, 0, 255, 65535, 0, 1},
+        {eResizeCubic, {1, 1}, 4, 0, 255, 65535, 0, 1},
+        // Undershoot and overshoot are clamped, and what is between is truncated.
+        {eResizeCubic, {0, 0, 1, 1}, 8, 1, 0, 0, 0, 0},
+        {eResizeCubic, {0, 0, 1, 1}, 8, 3, 127, 32767, 2147483648, 0.5},
+        {eResizeCubic, {0, 0, 1, 1}, 8, 5, 255, 65535, 0, 1},
+    };
+    for (const auto& [mode, line, newLength, pixel, as8, as16, as32, asFloat] : rows) {
+        const auto pixelOf = [&, mode = mode, newLength = newLength, pixel = pixel, &line = line]<typename T>(T white) {
+            std::vector<T> elements;
+            for (double value : line)
+                elements.push_back(static_cast<T>(value * static_cast<double>(white)));
+            return resampledLine(elements, newLength, mode, 0)[pixel];
+        };
+        EXPECT_TRUE(pixelOf(std::uint8_t{255}) == as8 && pixelOf(std::uint16_t{65535}) == as16 && pixelOf(0xFFFFFFFFu) == as32 &&
+                    static_cast<double>(pixelOf(1.0f)) == asFloat)
+            << mode << " " << pixel;
+    }
+    EXPECT_EQ(resampledLine<float>({4, -3}, 2, eResizeLinear, 0), (std::vector<float>{4, -3}));
+    EXPECT_EQ(resampledLine<float>({4, -3}, 2, eResizeCubic, 0), (std::vector<float>{1, 0}));
+}
+
+TEST(ResampleLevel, RefusesNullAndTakesAnEmptySourceAsDone) {
+    const std::vector<float> source(16, 1.0f);
+    std::vector<float> destination(16, 7.0f);
+    EXPECT_TRUE(resampleLevel(source.data(), destination.data(), 0, 2, 1, 1, 2, 1, eResizeLinear));
+    EXPECT_EQ(destination, std::vector<float>(16, 7.0f));
+    EXPECT_FALSE(resampleLevel<float>(nullptr, destination.data(), 2, 2, 1, 1, 2, 1, eResizeLinear) ||
+                 resampleLevel<float>(source.data(), nullptr, 2, 2, 1, 1, 2, 1, eResizeLinear));
+}
+
+TEST(ResampleLevel, GivesTheBitsOfThePlainForm) {
+    testimages::Random random(3);
+    std::vector<std::pair<Size, Size>> sizes = {
+        // Several strips of columns, and lengths whose last position rounds up to the end of the axis.
+        {{200, 3, 1}, {1100, 5, 1}},
+        {{1100, 6, 2}, {550, 3, 1}},
+        {{5, 4200, 1}, {4, 4199, 1}},
+        {{4200, 2, 1}, {4199, 2, 1}}};
+    const auto randomSize = [&random] { return Size{1 + random.below(17), 1 + random.below(17), 1 + random.below(3)}; };
+    for (int i = 0; i < 400; ++i)
+        sizes.emplace_back(randomSize(), randomSize());
+    forEachElementType([&]<typename T>(T) {
+        for (const auto& [from, to] : sizes) {
+            const std::vector<T> source = randomElements<T>(std::size_t{4} * from[0] * from[1] * from[2], random);
+            for (EResizeMode mode : {eResizeNearest, eResizeLinear, eResizeCubic})
+                resampled<T>(source, from, to, mode);
+        }
+    });
+}
+
+}  // namespace
