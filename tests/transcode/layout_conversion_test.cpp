@@ -1,0 +1,222 @@
+#include "transcode/layout_conversion.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/TextureInternals.h"
+#include "support/test_images.h"
+#include "transcode/convert_layout.h"
+
+using namespace moktexture;
+using testimages::Random;
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using Form = LayoutConversion::Form;
+
+struct Layout {
+    PixelType type;
+    EMOKTVariableType variableType;
+    PixelCodec codec() const { return PixelCodec(type, variableType); }
+};
+
+constexpr EMOKTColourSpace spaces[][2] = {
+    {eColourSpaceLinear, eColourSpaceLinear}, {eColourSpaceSRGB, eColourSpaceLinear}, {eColourSpaceLinear, eColourSpaceSRGB}};
+
+std::string describe(const Layout& from, const Layout& to) {
+    std::ostringstream text;
+    text << std::hex << from.type.id << " type " << from.variableType << " to " << to.type.id << " type " << to.variableType;
+    return text.str();
+}
+
+Bytes convertedPlain(const Layout& from, const Layout& to, const EMOKTColourSpace (&space)[2], const Bytes& pixels,
+                     std::size_t count) {
+    PixelCodec fromCodec = from.codec(), toCodec = to.codec();
+    Bytes results(count * toCodec.getBytesPerPixel());
+    LayoutConversion::convertPlain(fromCodec, toCodec, space[0], space[1], pixels.data(), results.data(), count);
+    return results;
+}
+
+/// Runs every form that the pair allows over random pixels and compares with the plain one.
+void expectFormsAgree(const Layout& from, const Layout& to, std::size_t count, std::uint64_t seed,
+                      std::uint64_t announcedPixels = 1000) {
+    const PixelCodec fromCodec = from.codec(), toCodec = to.codec();
+    const Bytes pixels = testimages::randomBytes(count * fromCodec.getBytesPerPixel(), seed);
+    for (const auto& space : spaces) {
+        const Bytes expected = convertedPlain(from, to, space, pixels, count);
+        for (const ProcessorLevel level : {ProcessorLevel::baseline, detectProcessorLevel()}) {
+            LayoutConversion conversion(fromCodec, toCodec, space[0], space[1], announcedPixels, level);
+            Bytes results(expected.size());
+            conversion.convert(pixels.data(), results.data(), count);
+            ASSERT_EQ(results, expected) << describe(from, to) << " form " << static_cast<int>(conversion.form());
+        }
+        if (!areConvertible(fromCodec, toCodec)) continue;
+        Bytes results(expected.size());
+        SettledConversion(fromCodec, toCodec, space[0], space[1], announcedPixels).convert(pixels.data(), results.data(), count);
+        ASSERT_EQ(results, expected) << describe(from, to) << " settled";
+    }
+}
+
+/// A layout of one to four channels; some have errors.
+Layout randomLayout(Random& random) {
+    static constexpr std::uint8_t widths[] = {1, 2, 3, 4, 5, 6, 7, 8, 8, 10, 11, 12, 16, 16, 24, 32, 32, 40};
+    std::string letters = "rgbalix";
+    const bool isUniform = random.below(2) == 0;
+    Layout layout{PixelType(), static_cast<EMOKTVariableType>(random.below(14))};
+    const std::uint32_t channels = 1 + random.below(4);
+    for (std::uint32_t i = 0; i < channels; ++i) {
+        std::swap(letters[i], letters[i + random.below(7 - i)]);
+        layout.type.layout.channelName[i] = static_cast<std::uint8_t>(letters[i]);
+        layout.type.layout.channelBits[i] =
+            isUniform && i > 0 ? layout.type.layout.channelBits[0] : widths[random.below(std::size(widths))];
+    }
+    // Widens the last channel to whole bytes, so that most layouts are free of errors.
+    const unsigned int excess = layout.codec().totalBits % 8u;
+    if (excess != 0)
+        layout.type.layout.channelBits[channels - 1] =
+            static_cast<std::uint8_t>(layout.type.layout.channelBits[channels - 1] + 8 - excess);
+    return layout;
+}
+
+constexpr PixelType rgb565{'r', 'g', 'b', 0, 5, 6, 5, 0};
+constexpr PixelType rgb8{'r', 'g', 'b', 0, 8, 8, 8, 0};
+constexpr PixelType bgra8{'b', 'g', 'r', 'a', 8, 8, 8, 8};
+constexpr PixelType rgba8 = PixelTypeRGBA8;
+constexpr PixelType l8{'l', 0, 0, 0, 8, 0, 0, 0};
+constexpr PixelType rgba4{'r', 'g', 'b', 'a', 4, 4, 4, 4};
+constexpr PixelType abgr2{'a', 'b', 'g', 'r', 2, 10, 10, 10};
+constexpr PixelType floats11{'r', 'g', 'b', 0, 11, 11, 10, 0};
+
+const Layout commonLayouts[] = {
+    {rgba8, eVarUByteNorm},
+    {bgra8, eVarUByteNorm},
+    {rgb8, eVarUByteNorm},
+    {l8, eVarUByteNorm},
+    {rgb565, eVarUShortNorm},
+    {rgba4, eVarUShortNorm},
+    {rgba8, eVarUIntNorm},
+    {rgba8, eVarSByteNorm},
+    {PixelTypeRGBA16, eVarUShortNorm},
+    {PixelTypeRGBA16, eVarFloat},
+    {PixelTypeRGBA32, eVarFloat},
+    {PixelTypeRGBA32, eVarUIntNorm},
+    {PixelTypeRGBA16, eVarSShort},
+    {abgr2, eVarUIntNorm},
+    {floats11, eVarFloat},
+    {{'l', 'a', 0, 0, 8, 8, 0, 0}, eVarUByte},
+    {{'i', 'x', 0, 0, 16, 16, 0, 0}, eVarUShort},
+    {{'r', 'g', 'b', 0, 32, 32, 32, 0}, eVarFloat},
+};
+
+CMOKTexture textureOf(const Layout& layout, std::uint32_t width, std::uint32_t height, std::uint64_t seed) {
+    const CMOKTextureHeader header(layout.type.id, height, width, 1, 3, 2, 6, eColourSpaceLinear, layout.variableType, false);
+    return CMOKTexture(header, testimages::randomBytes(header.getDataSize(), seed).data());
+}
+
+Bytes bytesOf(const CMOKTexture& texture) {
+    const unsigned char* data = TextureInternals::data(texture);
+    return Bytes(data, data + TextureInternals::dataSize(texture));
+}
+
+}  // namespace
+
+TEST(LayoutConversionTest, FastFormsEqualThePlainFormForCommonLayouts) {
+    for (const Layout& from : commonLayouts)
+        for (const Layout& to : commonLayouts)
+            expectFormsAgree(from, to, 150, from.type.id ^ to.type.id);
+    expectFormsAgree({PixelTypeRGBA16, eVarUShortNorm}, {PixelTypeRGBA16, eVarUShortNorm}, 500, 9, 1u << 20);
+}
+
+TEST(LayoutConversionTest, FastFormsEqualThePlainFormForRandomLayouts) {
+    Random random(11);
+    for (int i = 0; i < 1500 && !HasFatalFailure(); ++i) {
+        const Layout from = randomLayout(random);
+        const Layout to = randomLayout(random);
+        expectFormsAgree(from, to, random.below(90), random.next());
+    }
+}
+
+TEST(LayoutConversionTest, EveryTailOfTheByteMovesIsConverted) {
+    for (const PixelType to : {bgra8, rgb8, l8, PixelTypeRGBA16, PixelType{'r', 'g', 0, 0, 8, 8, 0, 0}})
+        for (const PixelType from : {rgba8, rgb8, l8})
+            for (std::size_t count = 0; count < 36; ++count)
+                expectFormsAgree({from, eVarUByteNorm}, {to, to == PixelTypeRGBA16 ? eVarUShortNorm : eVarUByte}, count, count);
+}
+
+TEST(LayoutConversionTest, PicksTheFastestFormOfAPair) {
+    const Layout source{rgba8, eVarUByteNorm};
+    const bool hasVectors = detectProcessorLevel() >= ProcessorLevel::sse41;
+    const Form moves = hasVectors ? Form::byteMovesSSE41 : Form::tables;
+    const struct {
+        Layout from, to;
+        int space;
+        Form form;
+    } rows[] = {
+        {source, {bgra8, eVarUByteNorm}, 0, moves},
+        {source, {rgb8, eVarUByteNorm}, 0, moves},
+        {{rgb8, eVarUByteNorm}, source, 0, moves},
+        {{l8, eVarUByteNorm}, source, 0, moves},
+        {source, {rgba8, eVarUIntNorm}, 0, moves},
+        {source, {PixelTypeRGBA16, eVarUShortNorm}, 0, moves},
+        {source, source, 1, Form::tables},
+        {source, {rgb565, eVarUShortNorm}, 0, Form::tables},
+        {{rgb565, eVarUShortNorm}, source, 0, Form::tables},
+        {source, {PixelTypeRGBA32, eVarFloat}, 1, Form::tables},
+        {{rgba8, eVarSByteNorm}, {rgba8, eVarSByteNorm}, 0, Form::tables},
+        {source, {l8, eVarUByteNorm}, 0, Form::settled},
+        {{PixelTypeRGBA32, eVarFloat}, source, 0, Form::settled},
+        {source, {{'r', 'q', 0, 0, 8, 8, 0, 0}, eVarUByteNorm}, 0, Form::plain},
+    };
+    for (const auto& row : rows) {
+        const auto& space = spaces[row.space];
+        const LayoutConversion conversion(row.from.codec(), row.to.codec(), space[0], space[1], 1000, detectProcessorLevel());
+        EXPECT_EQ(conversion.form(), row.form) << describe(row.from, row.to);
+    }
+}
+
+TEST(LayoutConversionTest, ConvertsEveryLevelMemberAndFace) {
+    const Layout fromLayout{rgba8, eVarUByteNorm}, toLayout{rgb565, eVarUShortNorm};
+    for (const std::uint32_t width : {2u, 37u}) {
+        const CMOKTexture from = textureOf(fromLayout, width, 5, 1);
+        CMOKTexture to = textureOf(toLayout, width, 5, 2);
+        PixelCodec fromCodec = fromLayout.codec(), toCodec = toLayout.codec();
+        const int bytes = convertLayout(from, to, fromCodec, toCodec, eColourSpaceSRGB, eColourSpaceLinear);
+        EXPECT_EQ(bytes, static_cast<int>(to.getDataSize()));
+        // Levels, members and faces follow each other in both buffers, so that the whole converts as one run.
+        EXPECT_EQ(bytesOf(to), convertedPlain(fromLayout, toLayout, spaces[1], bytesOf(from), from.getTextureSize()));
+    }
+}
+
+TEST(LayoutConversionTest, LayoutsWithErrorsGiveZeroedPixels) {
+    const Layout good{rgba8, eVarUByteNorm};
+    for (const PixelType broken : {PixelType{'r', 'q', 0, 0, 8, 8, 0, 0}, PixelType{'r', 'g', 'b', 'a', 48, 48, 48, 48},
+                                   PixelType{'r', 'g', 'b', 'a', 32, 32, 64, 16}, PixelType{'r', 'g', 0, 0, 4, 8, 0, 0}}) {
+        for (const bool isSource : {true, false}) {
+            const Layout fromLayout = isSource ? Layout{broken, eVarFloat} : good;
+            const Layout toLayout = isSource ? Layout{floats11, eVarFloat} : Layout{broken, eVarUByteNorm};
+            const CMOKTexture from = textureOf(fromLayout, 30, 30, 1);
+            CMOKTexture to(textureOf(toLayout, 30, 30, 2).getHeader(), nullptr);
+            PixelCodec fromCodec = fromLayout.codec(), toCodec = toLayout.codec();
+            convertLayout(from, to, fromCodec, toCodec, eColourSpaceSRGB, eColourSpaceLinear);
+            EXPECT_EQ(bytesOf(to), Bytes(to.getDataSize())) << describe(fromLayout, toLayout);
+        }
+    }
+}
+
+TEST(LayoutConversionTest, StaysInsideBothTexturesWhateverTheCodecsSay) {
+    const Layout layouts[] = {{rgba8, eVarUByteNorm}, {rgb565, eVarUShortNorm}, {PixelTypeRGBA32, eVarFloat}};
+    for (const Layout& layout : layouts) {
+        const CMOKTexture from = textureOf({rgb8, eVarUByteNorm}, 20, 20, 1);
+        CMOKTexture to = textureOf({rgb565, eVarUShortNorm}, 7, 20, 2);
+        PixelCodec fromCodec = layout.codec(), toCodec = layout.codec();
+        convertLayout(from, to, fromCodec, toCodec, eColourSpaceLinear, eColourSpaceLinear);
+        CMOKTexture empty;
+        EXPECT_EQ(convertLayout(from, empty, fromCodec, toCodec, eColourSpaceLinear, eColourSpaceLinear), 0);
+        EXPECT_EQ(convertLayout(empty, to, fromCodec, toCodec, eColourSpaceLinear, eColourSpaceLinear), 0);
+    }
+}

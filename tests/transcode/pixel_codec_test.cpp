@@ -1,0 +1,216 @@
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "transcode/PixelCodec.h"
+#include "transcode/channel_name.h"
+
+using namespace moktexture;
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr PixelType rgb565{'r', 'g', 'b', 0, 5, 6, 5, 0};
+constexpr PixelType rgba8 = PixelTypeRGBA8;
+constexpr PixelType rgFloats{'r', 'g', 'b', 0, 11, 11, 10, 0};
+constexpr PixelType one8(char letter) {
+    return {static_cast<std::uint8_t>(letter), 0, 0, 0, 8, 0, 0, 0};
+}
+constexpr PixelType red(std::uint8_t bits) {
+    return {'r', 0, 0, 0, bits, 0, 0, 0};
+}
+constexpr float infinity = std::numeric_limits<float>::infinity();
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+
+PixelCodec codecWith(PixelType type, EMOKTVariableType variableType, const Bytes& pixel) {
+    PixelCodec codec(type, variableType);
+    EXPECT_TRUE(codec.loadPixel(pixel.data()));
+    return codec;
+}
+
+Bytes bytesOf(const PixelCodec& codec, std::size_t count) {
+    return Bytes(codec.pixelBytes(), codec.pixelBytes() + count);
+}
+
+}  // namespace
+
+TEST(PixelCodecTest, FlagsEveryErrorOfALayout) {
+    const struct {
+        PixelType type;
+        std::uint32_t flags;
+    } rows[] = {
+        {rgb565, 0},
+        {PixelType(std::uint64_t{0x61626772}), 0},
+        {{'r', 'g', 'r', 0, 8, 8, 8, 0}, 1},
+        {{'r', 'g', 0, 0, 8, 0, 0, 0}, 2},
+        {{'r', 'q', 0, 0, 8, 8, 0, 0}, 4},
+        {{'r', 0, 'b', 0, 8, 0, 8, 0}, 8},
+        {{'r', 'g', 'b', 0, 4, 4, 4, 0}, 16},
+        {{'r', 'g', 'b', 'a', 64, 64, 64, 64}, 32},
+        {{'r', 'q', 'r', 0, 0, 4, 5, 0}, 1 | 2 | 4 | 8 | 16},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(PixelCodec(row.type, eVarUByteNorm).errorFlags, row.flags) << std::hex << row.type.id;
+    EXPECT_FALSE(PixelCodec(rgba8, eVarUByteNorm).loadPixel(nullptr));
+    for (const char letter : {'R', '\0', 'y'})
+        EXPECT_EQ(channelNameFromChar(static_cast<std::uint8_t>(letter)), eChannelNone);
+}
+
+TEST(PixelCodecTest, ReadsChannelsOfEveryKind) {
+    const float element126 = 126.0f, small = std::bit_cast<float>(0x000000FFu), smaller = std::bit_cast<float>(0x000020FFu);
+    const struct {
+        PixelType type;
+        EMOKTVariableType variableType;
+        Bytes pixel;
+        EChannelName name;
+        float value;
+    } rows[] = {
+        {rgba8, eVarUByteNorm, {1, 128, 2, 3}, eChannelGreen, 128.0f / 255.0f},
+        {rgba8, eVarUByte, {1, 128, 2, 3}, eChannelGreen, 128.0f / 255.0f},
+        {rgba8, eVarUIntNorm, {1, 2, 3, 51}, eChannelRed, 0.2f},
+        {rgb565, eVarUShortNorm, {0xE0, 0x0F}, eChannelGreen, 1.0f},
+        {rgb565, eVarUShortNorm, {0xE0, 0x0F}, eChannelRed, 1.0f / 31.0f},
+        {red(32), eVarUIntNorm, {0xFF, 0xFF, 0xFF, 0xFF}, eChannelRed, 1.0f},
+        {red(32), eVarUIntNorm, {0, 0, 0, 0x80}, eChannelRed, 0.5f},
+        {red(8), eVarSByteNorm, {0x7F}, eChannelRed, 1.0f},
+        {red(8), eVarSByteNorm, {0x80}, eChannelRed, -0.0f},
+        {red(8), eVarSByte, {0xFF}, eChannelRed, -(127.0f / element126)},
+        {red(16), eVarSShortNorm, {0x01, 0x80}, eChannelRed, -(1.0f / 32766.0f)},
+        {red(8), eVarSShortNorm, {0xFF}, eChannelRed, -(127.0f / 128.0f)},
+        {rgb565, eVarSShortNorm, {0, 0xF8}, eChannelRed, -(15.0f / 16.0f)},
+        {{'a', 'b', 'g', 'r', 1, 5, 5, 5}, eVarSShortNorm, {0, 0x80}, eChannelAlpha, -0.0f},
+        {red(16), eVarFloat, {0x00, 0x3C}, eChannelRed, 1.0f},
+        {red(16), eVarFloat, {0x00, 0x00}, eChannelRed, 0x1p-15f},
+        {red(16), eVarFloat, {0x00, 0xC0}, eChannelRed, -2.0f},
+        {red(16), eVarFloat, {0x00, 0x7C}, eChannelRed, small},
+        {red(16), eVarFloat, {0x01, 0x7C}, eChannelRed, smaller},
+        {rgFloats, eVarFloat, {0, 0, 0, 0x78}, eChannelRed, 1.0f},
+        {rgFloats, eVarFloat, {0xF0, 0x01, 0, 0}, eChannelBlue, 1.5f},
+        {red(32), eVarFloat, {0, 0, 0x80, 0xFF}, eChannelRed, -infinity},
+        {red(8), eVarFloat, {0x3C}, eChannelRed, 0.0f},
+        {rgb565, eVarUShortNorm, {0, 0}, eChannelAlpha, 1.0f},
+        {rgb565, eVarNone, {0, 0}, eChannelUnspecified, 1.0f},
+        {rgb565, eVarUShortNorm, {0xFF, 0xFF}, eChannelLuminance, 0.0f},
+        {rgb565, eVarNone, {0xFF, 0xFF}, eChannelRed, 0.0f},
+        {{'r', 'g', 0, 0, 24, 8, 0, 0}, eVarUByteNorm, {0xFF, 0, 0, 0}, eChannelGreen, 1.0f / 255.0f},
+        {{'r', 'g', 0, 0, 4, 12, 0, 0}, eVarUByteNorm, {0xFF, 0xFF}, eChannelGreen, 0.0f},
+        {{'r', 'g', 0, 0, 32, 64, 0, 0}, eVarUByteNorm, Bytes(12, 0xFF), eChannelRed, 0.0f},
+    };
+    for (const auto& row : rows) {
+        const float value = codecWith(row.type, row.variableType, row.pixel).readChannel(row.name);
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(value), std::bit_cast<std::uint32_t>(row.value))
+            << &row - rows << ": " << value << " for " << row.value;
+    }
+}
+
+TEST(PixelCodecTest, WritesChannelsOfEveryKind) {
+    const struct {
+        PixelType type;
+        EMOKTVariableType variableType;
+        EChannelName name;
+        float value;
+        std::uint64_t word;
+    } rows[] = {
+        {rgba8, eVarUByteNorm, eChannelGreen, 1.0f, 0xFF00},
+        {rgba8, eVarUByteNorm, eChannelGreen, 0.5f, 0x8000},
+        {rgba8, eVarUByteNorm, eChannelGreen, 1.1f, 0x1900},
+        {rgba8, eVarUByteNorm, eChannelGreen, -1.0f, 0},
+        {rgba8, eVarUByteNorm, eChannelGreen, notANumber, 0},
+        {rgba8, eVarUByteNorm, eChannelGreen, infinity, 0},
+        {rgba8, eVarUByteNorm, eChannelLuminance, 1.0f, 0},
+        {red(32), eVarUIntNorm, eChannelRed, 1.0f, 0},
+        {red(32), eVarUIntNorm, eChannelRed, 0.5f, 0x80000000},
+        {red(8), eVarSByteNorm, eChannelRed, 1.0f, 0x7F},
+        {red(8), eVarSByteNorm, eChannelRed, -0.5f, 0xC0},
+        {red(8), eVarSByteNorm, eChannelRed, -1.0f, 0x80},
+        {red(8), eVarSByteNorm, eChannelRed, -2.0f, 0x80},
+        {rgb565, eVarUShortNorm, eChannelGreen, 1.0f, 0x07E0},
+        {rgb565, eVarUShortNorm, eChannelBlue, 2.0f, 0x003E},
+        {rgb565, eVarUShortNorm, eChannelRed, 2.0f, 0x1F000},
+        {rgb565, eVarSShortNorm, eChannelRed, -1.0f, 0x8000},
+        {red(16), eVarFloat, eChannelRed, -1.0f, 0xBC00},
+        {red(16), eVarFloat, eChannelRed, 1.9999f, 0x3FFF},
+        {red(16), eVarFloat, eChannelRed, 65536.0f, 0x7C00},
+        {red(16), eVarFloat, eChannelRed, 131072.0f, 0x8000},
+        {red(16), eVarFloat, eChannelRed, 0x1p-20f, 0xEC00},
+        {red(16), eVarFloat, eChannelRed, 0.0f, 0},
+        {rgFloats, eVarFloat, eChannelGreen, 1.0f, 0x3C0u << 10},
+        {rgFloats, eVarFloat, eChannelGreen, -1.0f, (0x3C0u | 1u << 11) << 10},
+        {rgFloats, eVarFloat, eChannelBlue, -1.0f, 0x1E0u | 1u << 10},
+        {red(32), eVarFloat, eChannelRed, -2.0f, 0xC0000000},
+        {red(8), eVarFloat, eChannelRed, 1.0f, 0},
+        {{'r', 'g', 0, 0, 32, 64, 0, 0}, eVarUByteNorm, eChannelRed, 1.0f, 0},
+    };
+    for (const auto& row : rows) {
+        PixelCodec codec(row.type, row.variableType);
+        codec.writeChannel(row.name, row.value);
+        std::uint64_t word;
+        std::memcpy(&word, codec.pixelBytes(), sizeof word);
+        EXPECT_EQ(word, row.word) << &row - rows << ": " << row.value;
+    }
+    PixelCodec full = codecWith(rgb565, eVarUShortNorm, {0xFF, 0xFF});
+    full.writeChannel(eChannelGreen, 0.0f);
+    EXPECT_EQ(bytesOf(full, 2), (Bytes{0x1F, 0xF8})) << "writing clears the field's own bits alone";
+}
+
+TEST(PixelCodecTest, TakesGreyAlphaAndUnspecifiedFromWhatTheSourceHas) {
+    constexpr PixelType li{'l', 'i', 0, 0, 8, 8, 0, 0}, la{'l', 'a', 0, 0, 8, 8, 0, 0}, ri{'r', 'i', 0, 0, 8, 8, 0, 0};
+    constexpr PixelType ax{'a', 'x', 0, 0, 8, 8, 0, 0}, rgbx{'r', 'g', 'b', 'x', 8, 8, 8, 8};
+    constexpr PixelType rg{'r', 'g', 0, 0, 8, 8, 0, 0};
+    const struct {
+        PixelType from;
+        Bytes pixel;
+        PixelType to;
+        Bytes expected;
+    } rows[] = {
+        {rgba8, {10, 20, 30, 40}, {'b', 'g', 'r', 'a', 8, 8, 8, 8}, {30, 20, 10, 40}},
+        {one8('l'), {77}, rgba8, {77, 77, 77, 255}},
+        {one8('i'), {77}, rgba8, {77, 77, 77, 255}},
+        {one8('a'), {77}, rgba8, {0, 0, 0, 77}},
+        {one8('r'), {77}, rgba8, {77, 0, 0, 255}},
+        {la, {77, 9}, ri, {77, 77}},
+        {ri, {5, 77}, rgba8, {5, 77, 77, 255}},
+        {one8('l'), {77}, li, {77, 0}},
+        {one8('i'), {77}, li, {0, 77}},
+        {li, {70, 80}, li, {70, 0}},
+        {li, {70, 80}, rgba8, {80, 80, 80, 255}},
+        {li, {70, 80}, one8('i'), {80}},
+        {rgba8, {100, 150, 50, 9}, one8('l'), {132}},
+        {rgba8, {100, 150, 50, 9}, one8('i'), {100}},
+        {rgba8, {100, 150, 50, 9}, li, {132, 0}},
+        {rg, {100, 151}, one8('i'), {126}},
+        {rg, {100, 0}, one8('l'), {21}},
+        {one8('a'), {77}, one8('l'), {0}},
+        {one8('a'), {77}, one8('i'), {0}},
+        {rgbx, {1, 2, 3, 4}, rgba8, {1, 2, 3, 4}},
+        {rgba8, {1, 2, 3, 4}, rgbx, {1, 2, 3, 4}},
+        {ax, {8, 9}, one8('a'), {8}},
+        {ax, {8, 9}, one8('x'), {9}},
+        {one8('r'), {1}, one8('x'), {255}},
+    };
+    for (const auto& row : rows) {
+        const PixelCodec source = codecWith(row.from, eVarUByteNorm, row.pixel);
+        PixelCodec destination(row.to, eVarUByteNorm);
+        destination.convertFrom(source);
+        EXPECT_EQ(bytesOf(destination, row.expected.size()), row.expected) << "row " << &row - rows;
+    }
+}
+
+TEST(PixelCodecTest, CurvesColourChannelsAfterQuantising) {
+    PixelCodec codec = codecWith(rgba8, eVarUByteNorm, {0, 55, 255, 55});
+    codec.convertColourSpace(eColourSpaceSRGB, eColourSpaceSRGB);
+    codec.convertColourSpace(static_cast<EMOKTColourSpace>(2), eColourSpaceLinear);
+    EXPECT_EQ(bytesOf(codec, 4), (Bytes{0, 55, 255, 55}));
+    codec.convertColourSpace(eColourSpaceSRGB, eColourSpaceLinear);
+    EXPECT_EQ(bytesOf(codec, 4), (Bytes{0, 128, 255, 55}));
+
+    PixelCodec broken = codecWith({'r', 'g', 0, 0, 8, 0, 0, 0}, eVarUByteNorm, {55});
+    broken.convertColourSpace(eColourSpaceSRGB, eColourSpaceLinear);
+    broken.convertFrom(codec);
+    EXPECT_EQ(bytesOf(broken, 1), Bytes{55}) << "a layout with errors is left alone";
+}

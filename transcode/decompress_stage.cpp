@@ -1,0 +1,48 @@
+#include "transcode/decompress_stage.h"
+
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include "transcode/codec_table.h"
+#include "transcode/stage_frame.h"
+
+namespace moktexture {
+
+namespace {
+
+std::uint32_t decodeLevel(const LevelCodec& codec, const BlockSize& block, const void* blocks, void* pixels,
+                          const ImageSize& size) {
+    if (codec.decode == nullptr) return 0;
+    const ImageSize padded = raisedToBlock(size, block);
+    if (padded == size || codec.decodesSmallLevels)
+        return codec.decode(blocks, pixels, &size.width, &size.height, codec.arguments);
+
+    // Kept: the decoder gets the true size also where it has a padded destination, so DXTn refuses levels with a side below 4 and
+    // the small MIP levels of a DXTn texture come out as transparent black.
+    std::vector<unsigned char> scratch(padded.rgba8Bytes());
+    const std::uint32_t count = codec.decode(blocks, scratch.data(), &size.width, &size.height, codec.arguments);
+    std::memcpy(pixels, scratch.data(), size.rgba8Bytes());
+    return count;
+}
+
+}  // namespace
+
+std::uint32_t decompressStage(CMOKTexture& texture) {
+    const CMOKTextureHeader& header = texture.getHeader();
+    // Kept: the declared colour space is dropped, so that an sRGB texture which is decoded for an sRGB target is brightened by
+    // the curve.
+    CMOKTexture decoded(headerInForm(header, PixelTypeRGBA8, eVarUByteNorm, eColourSpaceLinear), nullptr);
+    const LevelCodec& codec = levelCodec(header.getPixelType());
+    const BlockSize block = minimumBlock(header.getPixelType());
+
+    std::uint32_t count = 0;
+    forEachLevel(header, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
+        count += decodeLevel(codec, block, texture.getDataPtr(level, member, face), decoded.getDataPtr(level, member, face),
+                             imageSize(header, level));
+    });
+    texture = std::move(decoded);
+    return count;
+}
+
+}  // namespace moktexture

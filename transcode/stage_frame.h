@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "CMOKTexture.h"
+#include "core/data_size.h"
+
+/// @file
+/// What the stages of Transcode() share: texture forms, sizes of levels, and the walk over a texture.
+
+namespace moktexture {
+
+inline constexpr std::size_t bytesPerRGBA8Pixel = 4;
+
+/// A copy of the header, metadata included, in another form.
+CMOKTextureHeader headerInForm(const CMOKTextureHeader& header, PixelType format, EMOKTVariableType channelType,
+                               EMOKTColourSpace colourSpace);
+
+/// Size of one image, a level of a face, in pixels.
+struct ImageSize {
+    std::uint32_t width;
+    std::uint32_t height;
+    std::uint32_t depth;
+
+    /// Bytes in RGBA8.
+    std::size_t rgba8Bytes() const { return std::size_t{width} * height * depth * bytesPerRGBA8Pixel; }
+    bool operator==(const ImageSize&) const = default;
+};
+
+ImageSize imageSize(const CMOKTextureHeader& header, std::uint32_t level);
+
+/// The size with every axis that is smaller than the block raised to it; larger ones are not rounded up to its multiples.
+ImageSize raisedToBlock(const ImageSize& size, const BlockSize& block);
+
+/// Calls `visit(level, member, face)` for every image of the texture: members outermost, then faces, then MIP levels.
+template <class Visit>
+void forEachLevel(const CMOKTextureHeader& header, Visit&& visit) {
+    const std::uint32_t members = header.getNumArrayMembers();
+    const std::uint32_t faces = header.getNumFaces();
+    const std::uint32_t levels = header.getNumMIPLevels();
+    for (std::uint32_t member = 0; member < members; ++member) {
+        for (std::uint32_t face = 0; face < faces; ++face) {
+            for (std::uint32_t level = 0; level < levels; ++level)
+                visit(level, member, face);
+        }
+    }
+}
+
+}  // namespace moktexture
