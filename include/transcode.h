@@ -7,16 +7,21 @@ namespace moktexture {
 /// Brings a texture, in place, into another pixel format, channel type and colour space.
 ///
 /// A compressed source is decoded to RGBA8 first and counts as linear from then on, whatever its header says. A compressed target
-/// is encoded from RGBA8; levels below the format's block are tiled up to it. Size, members, faces, levels and metadata stay.
+/// is encoded from RGBA8 and gets the channel type eVarUByteNorm; levels below the format's block are tiled up to it. Size,
+/// members, faces, levels and metadata stay. Integer types that are not normalised are read and written as normalised ones.
+/// Values above 1 are not clamped: they wrap in their element or spill into the channels above.
 /// @param target  the format; eFmtUnknown and numbers above it are refused
 /// @param channelType  type of the channels of an uncompressed target
-/// @param colourSpace  where it differs from the texture's, the curve is applied to the colour channels
+/// @param colourSpace  where one of the two is linear and the other sRGB, the curve is applied to the colour channels
 /// @param quality  effort of the MOKTC and ETC1 encoders
-/// @param dither  spread the error of a target below 32 bits per pixel
-/// @return false with the texture unchanged if it is empty or lacks pixels, a form on the way does not fit in 32 bits, or the
-///         target is refused; false with the texture replaced by one of the target format if the encoder refused a level (DXT: a
-///         width or height above 4 that is no multiple of 4, or a depth above 1) or the format has no encoder. A target without a
-///         data size, such as eFmtBC7, gives true and a texture without pixels.
+/// @param dither  spread the error of a target below 32 bits per pixel. The pixels go through RGBA8 for it, even where nothing
+///        else changes, and become grey for a target with `l` or `i`.
+/// @return false with the texture unchanged: the texture is empty, lacks pixels, or a form on the way does not fit in 32 bits, or
+/// the
+///         target is refused. False with the texture replaced by one of the target format: the encoder refused a level (DXT: a
+///         width or height above 4 that is no multiple of 4, or a depth above 1), or the format has no encoder but a size.
+///         Otherwise true, also where pixels come out zeroed: levels that the decoder refuses (DXT: a width or height that is no
+///         multiple of 4), sources without a decoder, layouts with contradicting channels, and channel types above eVarFloat.
 /// Raises `std::bad_alloc`, with the texture either unchanged or in the form it had reached.
 ///
 /// Thread safety: calls on different textures may run at the same time.

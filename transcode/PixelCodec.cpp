@@ -79,7 +79,7 @@ float readInteger(const PixelCodec& codec, int position) {
     const bool isSigned = isSignedType(codec.variableType);
     if (width == 0) return 0.0f;
     if (codec.totalBits / codec.channelCount != codec.storageWidth) {
-        if (isSigned) return signedToFloat(static_cast<std::int32_t>(packedField(codec, position, 32)), width);
+        if (isSigned) return signedToFloat(static_cast<std::int64_t>(packedField(codec, position, 32)), width);
         return unsignedToFloat(packedField(codec, position, 64), width);
     }
     const std::uint64_t index = codec.channelMask[position];
@@ -151,7 +151,7 @@ GreyValues greyValues(const PixelCodec& source, const PixelCodec& destination) {
     } else if (!toIntensity && fromIntensity) {
         values.luminance = values.grey = source.readChannel(eChannelIntensity);
     } else if (fromLuminance || fromIntensity) {
-        const EChannelName grey = toIntensity && fromIntensity ? eChannelIntensity : eChannelLuminance;
+        const EChannelName grey = fromIntensity ? eChannelIntensity : eChannelLuminance;
         values.grey = values.intensity = source.readChannel(grey);
     } else if (toLuminance) {
         values.luminance = mixedLuminance(source);

@@ -11,7 +11,8 @@ namespace moktexture {
 
 namespace {
 
-/// Whether integer channels are read as elements, which the average width decides; writing goes by each channel's own width.
+/// Whether integer channels are read as elements.
+// Kept: the average width decides it, while writing goes by each channel's own width; layouts of mixed widths depend on it.
 bool readsElements(const PixelCodec& codec) {
     return codec.totalBits / codec.channelCount == codec.storageWidth;
 }
@@ -124,7 +125,7 @@ void ChannelReader::readUntabled(const PixelBits* pixels, std::size_t count, flo
             break;
         case ChannelFormat::signedField:
             readAll(field, pixels, count, values,
-                    [bits](std::uint64_t raw) { return signedToFloat(static_cast<std::int32_t>(raw), bits); });
+                    [bits](std::uint64_t raw) { return signedToFloat(static_cast<std::int64_t>(raw), bits); });
             break;
         case ChannelFormat::float32:
             readAll(field, pixels, count, values,

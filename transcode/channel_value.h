@@ -24,18 +24,18 @@ inline float unsignedToFloat(std::uint64_t raw, unsigned int width) {
 }
 
 /// `raw` is a sign-extended storage element, or a field of the pixel word that is not sign-extended.
-inline float signedToFloat(std::int32_t raw, unsigned int width) {
-    const unsigned int magnitudeBits = std::min(width - 1, 62u);
-    const std::int64_t sign = std::int64_t{raw} >> magnitudeBits;
+inline float signedToFloat(std::int64_t raw, unsigned int width) {
+    const unsigned int magnitudeBits = std::min(width - 1, 63u);
+    const std::int64_t sign = raw >> magnitudeBits;
     // Kept: negatives count as sign and magnitude, over 2^c - 2 in an element and over 2^c in a packed field.
-    const std::int64_t divisor = (std::int64_t{1} << magnitudeBits) + sign - 1;
+    const std::uint64_t divisor = (std::uint64_t{1} << magnitudeBits) + static_cast<std::uint64_t>(sign) - 1;
     if (divisor == 0) return static_cast<float>(raw);
     if (sign == 0) return static_cast<float>(raw) / static_cast<float>(divisor);
     const std::int64_t magnitude = raw & static_cast<std::int64_t>(lowBits(magnitudeBits));
     return -(static_cast<float>(magnitude) / static_cast<float>(divisor));
 }
 
-// Kept: there is no upper clamp; values above 1.0 exceed the width, and 1.0 itself does from 25 bits up.
+// Kept: there is no upper clamp; values above 1.0 exceed the width, and 1.0 itself does from 24 bits up.
 inline std::uint64_t floatToUnsigned(float value, unsigned int width) {
     const float positive = value > 0.0f ? value : 0.0f;
     return static_cast<std::uint64_t>(truncateToInteger(positive * unsignedScale(width) + 0.5f));

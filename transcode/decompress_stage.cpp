@@ -18,8 +18,8 @@ std::uint32_t decodeLevel(const LevelCodec& codec, const BlockSize& block, const
     if (padded == size || codec.decodesSmallLevels)
         return codec.decode(blocks, pixels, &size.width, &size.height, codec.arguments);
 
-    // Kept: the decoder gets the true size also where it has a padded destination, so DXTn refuses levels with a side below 4 and
-    // the small MIP levels of a DXTn texture come out as transparent black.
+    // Kept: the decoder gets the true size also where it has a padded destination. DXTn refuses every side that is no multiple of
+    // 4, so such levels, among them the small ones of every MIP chain, come out as transparent black.
     std::vector<unsigned char> scratch(padded.rgba8Bytes());
     const std::uint32_t count = codec.decode(blocks, scratch.data(), &size.width, &size.height, codec.arguments);
     std::memcpy(pixels, scratch.data(), size.rgba8Bytes());

@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t channels = 4;
 
 // Row: the format of that number. Columns: bits that the format keeps of R, G, B, A.
-// Kept: ETC1 spreads alpha as well, which its encoder then drops; no file depends on it, callers of ditherLevel() see it.
+// Kept: ETC1 spreads alpha as well, which its encoder then drops; the dithered pixels that callers see depend on it.
 // clang-format off
 constexpr std::array<DitherRates, eFmtUnknown> compressedRates = {{
     { 5,  5,  5, 0},  // eFmtMOKTC2bppRGB
@@ -49,7 +49,8 @@ constexpr std::array<DitherRates, eFmtUnknown> compressedRates = {{
 }};
 // clang-format on
 
-/// Rates of an uncompressed layout; of two positions with one channel the later counts.
+/// Rates of an uncompressed layout.
+// Kept: of two positions with one channel the later counts; an `a` behind an `x` decides.
 DitherRates layoutRates(const PixelType& target) {
     DitherRates rates{};
     for (std::size_t position = 0; position < channels; ++position) {

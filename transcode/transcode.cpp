@@ -51,6 +51,7 @@ bool compress(CMOKTexture& texture, PixelType target, ECompressorQuality quality
 
 bool Transcode(CMOKTexture& texture, PixelType target, EMOKTVariableType channelType, EMOKTColourSpace colourSpace,
                ECompressorQuality quality, bool dither) {
+    // Kept: a target of 32 bits per pixel or more is never dithered, also where its channels are narrow.
     const bool dithers = dither && bitsPerPixel(target) < 32;
     if (!isAcceptable(texture, target, dithers)) return false;
 

@@ -88,30 +88,6 @@ constexpr PixelType rgb8{'r', 'g', 'b', 0, 8, 8, 8, 0};
 constexpr PixelType bgra8{'b', 'g', 'r', 'a', 8, 8, 8, 8};
 constexpr PixelType rgba8 = PixelTypeRGBA8;
 constexpr PixelType l8{'l', 0, 0, 0, 8, 0, 0, 0};
-constexpr PixelType rgba4{'r', 'g', 'b', 'a', 4, 4, 4, 4};
-constexpr PixelType abgr2{'a', 'b', 'g', 'r', 2, 10, 10, 10};
-constexpr PixelType floats11{'r', 'g', 'b', 0, 11, 11, 10, 0};
-
-const Layout commonLayouts[] = {
-    {rgba8, eVarUByteNorm},
-    {bgra8, eVarUByteNorm},
-    {rgb8, eVarUByteNorm},
-    {l8, eVarUByteNorm},
-    {rgb565, eVarUShortNorm},
-    {rgba4, eVarUShortNorm},
-    {rgba8, eVarUIntNorm},
-    {rgba8, eVarSByteNorm},
-    {PixelTypeRGBA16, eVarUShortNorm},
-    {PixelTypeRGBA16, eVarFloat},
-    {PixelTypeRGBA32, eVarFloat},
-    {PixelTypeRGBA32, eVarUIntNorm},
-    {PixelTypeRGBA16, eVarSShort},
-    {abgr2, eVarUIntNorm},
-    {floats11, eVarFloat},
-    {{'l', 'a', 0, 0, 8, 8, 0, 0}, eVarUByte},
-    {{'i', 'x', 0, 0, 16, 16, 0, 0}, eVarUShort},
-    {{'r', 'g', 'b', 0, 32, 32, 32, 0}, eVarFloat},
-};
 
 CMOKTexture textureOf(const Layout& layout, std::uint32_t width, std::uint32_t height, std::uint64_t seed) {
     const CMOKTextureHeader header(layout.type.id, height, width, 1, 3, 2, 6, eColourSpaceLinear, layout.variableType, false);
@@ -125,13 +101,6 @@ Bytes bytesOf(const CMOKTexture& texture) {
 
 }  // namespace
 
-TEST(LayoutConversionTest, FastFormsEqualThePlainFormForCommonLayouts) {
-    for (const Layout& from : commonLayouts)
-        for (const Layout& to : commonLayouts)
-            expectFormsAgree(from, to, 150, from.type.id ^ to.type.id);
-    expectFormsAgree({PixelTypeRGBA16, eVarUShortNorm}, {PixelTypeRGBA16, eVarUShortNorm}, 500, 9, 1u << 20);
-}
-
 TEST(LayoutConversionTest, FastFormsEqualThePlainFormForRandomLayouts) {
     Random random(11);
     for (int i = 0; i < 1500 && !HasFatalFailure(); ++i) {
@@ -139,6 +108,7 @@ TEST(LayoutConversionTest, FastFormsEqualThePlainFormForRandomLayouts) {
         const Layout to = randomLayout(random);
         expectFormsAgree(from, to, random.below(90), random.next());
     }
+    expectFormsAgree({PixelTypeRGBA16, eVarUShortNorm}, {PixelTypeRGBA16, eVarUShortNorm}, 500, 9, 1u << 20);
 }
 
 TEST(LayoutConversionTest, EveryTailOfTheByteMovesIsConverted) {
@@ -148,7 +118,7 @@ TEST(LayoutConversionTest, EveryTailOfTheByteMovesIsConverted) {
                 expectFormsAgree({from, eVarUByteNorm}, {to, to == PixelTypeRGBA16 ? eVarUShortNorm : eVarUByte}, count, count);
 }
 
-TEST(LayoutConversionTest, PicksTheFastestFormOfAPair) {
+TEST(LayoutConversionTest, PicksTheFastestFormOfAPairAndItIsExact) {
     const Layout source{rgba8, eVarUByteNorm};
     const bool hasVectors = detectProcessorLevel() >= ProcessorLevel::sse41;
     const Form moves = hasVectors ? Form::byteMovesSSE41 : Form::tables;
@@ -176,6 +146,7 @@ TEST(LayoutConversionTest, PicksTheFastestFormOfAPair) {
         const auto& space = spaces[row.space];
         const LayoutConversion conversion(row.from.codec(), row.to.codec(), space[0], space[1], 1000, detectProcessorLevel());
         EXPECT_EQ(conversion.form(), row.form) << describe(row.from, row.to);
+        expectFormsAgree(row.from, row.to, 700, row.to.type.id);
     }
 }
 
@@ -198,7 +169,8 @@ TEST(LayoutConversionTest, LayoutsWithErrorsGiveZeroedPixels) {
                                    PixelType{'r', 'g', 'b', 'a', 32, 32, 64, 16}, PixelType{'r', 'g', 0, 0, 4, 8, 0, 0}}) {
         for (const bool isSource : {true, false}) {
             const Layout fromLayout = isSource ? Layout{broken, eVarFloat} : good;
-            const Layout toLayout = isSource ? Layout{floats11, eVarFloat} : Layout{broken, eVarUByteNorm};
+            const Layout toLayout =
+                isSource ? Layout{{'r', 'g', 'b', 0, 11, 11, 10, 0}, eVarFloat} : Layout{broken, eVarUByteNorm};
             const CMOKTexture from = textureOf(fromLayout, 30, 30, 1);
             CMOKTexture to(textureOf(toLayout, 30, 30, 2).getHeader(), nullptr);
             PixelCodec fromCodec = fromLayout.codec(), toCodec = toLayout.codec();

@@ -71,9 +71,7 @@ TEST(PixelCodecTest, ReadsChannelsOfEveryKind) {
         float value;
     } rows[] = {
         {rgba8, eVarUByteNorm, {1, 128, 2, 3}, eChannelGreen, 128.0f / 255.0f},
-        {rgba8, eVarUByte, {1, 128, 2, 3}, eChannelGreen, 128.0f / 255.0f},
         {rgba8, eVarUIntNorm, {1, 2, 3, 51}, eChannelRed, 0.2f},
-        {rgb565, eVarUShortNorm, {0xE0, 0x0F}, eChannelGreen, 1.0f},
         {rgb565, eVarUShortNorm, {0xE0, 0x0F}, eChannelRed, 1.0f / 31.0f},
         {red(32), eVarUIntNorm, {0xFF, 0xFF, 0xFF, 0xFF}, eChannelRed, 1.0f},
         {red(32), eVarUIntNorm, {0, 0, 0, 0x80}, eChannelRed, 0.5f},
@@ -81,16 +79,19 @@ TEST(PixelCodecTest, ReadsChannelsOfEveryKind) {
         {red(8), eVarSByteNorm, {0x80}, eChannelRed, -0.0f},
         {red(8), eVarSByte, {0xFF}, eChannelRed, -(127.0f / element126)},
         {red(16), eVarSShortNorm, {0x01, 0x80}, eChannelRed, -(1.0f / 32766.0f)},
+        {red(16), eVarSShort, {0x01, 0x80}, eChannelRed, -(1.0f / 32766.0f)},
+        {red(40), eVarSIntNorm, {0, 0, 0, 0x80, 0}, eChannelRed, 0x1p-8f},
+        {red(64), eVarSIntNorm, {0xFF, 0xFF, 0xFF, 0x7F, 0, 0, 0, 0}, eChannelRed, 0x1p-32f},
         {red(8), eVarSShortNorm, {0xFF}, eChannelRed, -(127.0f / 128.0f)},
         {rgb565, eVarSShortNorm, {0, 0xF8}, eChannelRed, -(15.0f / 16.0f)},
         {{'a', 'b', 'g', 'r', 1, 5, 5, 5}, eVarSShortNorm, {0, 0x80}, eChannelAlpha, -0.0f},
+        {{'a', 'b', 'g', 'r', 1, 5, 5, 5}, eVarSShortNorm, {0, 0}, eChannelAlpha, 0.0f},
         {red(16), eVarFloat, {0x00, 0x3C}, eChannelRed, 1.0f},
         {red(16), eVarFloat, {0x00, 0x00}, eChannelRed, 0x1p-15f},
         {red(16), eVarFloat, {0x00, 0xC0}, eChannelRed, -2.0f},
         {red(16), eVarFloat, {0x00, 0x7C}, eChannelRed, small},
         {red(16), eVarFloat, {0x01, 0x7C}, eChannelRed, smaller},
         {rgFloats, eVarFloat, {0, 0, 0, 0x78}, eChannelRed, 1.0f},
-        {rgFloats, eVarFloat, {0xF0, 0x01, 0, 0}, eChannelBlue, 1.5f},
         {red(32), eVarFloat, {0, 0, 0x80, 0xFF}, eChannelRed, -infinity},
         {red(8), eVarFloat, {0x3C}, eChannelRed, 0.0f},
         {rgb565, eVarUShortNorm, {0, 0}, eChannelAlpha, 1.0f},
@@ -122,7 +123,6 @@ TEST(PixelCodecTest, WritesChannelsOfEveryKind) {
         {rgba8, eVarUByteNorm, eChannelGreen, -1.0f, 0},
         {rgba8, eVarUByteNorm, eChannelGreen, notANumber, 0},
         {rgba8, eVarUByteNorm, eChannelGreen, infinity, 0},
-        {rgba8, eVarUByteNorm, eChannelLuminance, 1.0f, 0},
         {red(32), eVarUIntNorm, eChannelRed, 1.0f, 0},
         {red(32), eVarUIntNorm, eChannelRed, 0.5f, 0x80000000},
         {red(8), eVarSByteNorm, eChannelRed, 1.0f, 0x7F},
@@ -135,7 +135,6 @@ TEST(PixelCodecTest, WritesChannelsOfEveryKind) {
         {rgb565, eVarSShortNorm, eChannelRed, -1.0f, 0x8000},
         {red(16), eVarFloat, eChannelRed, -1.0f, 0xBC00},
         {red(16), eVarFloat, eChannelRed, 1.9999f, 0x3FFF},
-        {red(16), eVarFloat, eChannelRed, 65536.0f, 0x7C00},
         {red(16), eVarFloat, eChannelRed, 131072.0f, 0x8000},
         {red(16), eVarFloat, eChannelRed, 0x1p-20f, 0xEC00},
         {red(16), eVarFloat, eChannelRed, 0.0f, 0},
@@ -208,6 +207,12 @@ TEST(PixelCodecTest, CurvesColourChannelsAfterQuantising) {
     EXPECT_EQ(bytesOf(codec, 4), (Bytes{0, 55, 255, 55}));
     codec.convertColourSpace(eColourSpaceSRGB, eColourSpaceLinear);
     EXPECT_EQ(bytesOf(codec, 4), (Bytes{0, 128, 255, 55}));
+
+    const PixelCodec fine = codecWith(red(32), eVarFloat, {0x42, 0x60, 0xE5, 0x3A});  // 0.00175, which a curve alone takes to 6
+    PixelCodec coarse(red(8), eVarUByteNorm);
+    coarse.convertFrom(fine);
+    coarse.convertColourSpace(eColourSpaceSRGB, eColourSpaceLinear);
+    EXPECT_EQ(bytesOf(coarse, 1), Bytes{0});
 
     PixelCodec broken = codecWith({'r', 'g', 0, 0, 8, 0, 0, 0}, eVarUByteNorm, {55});
     broken.convertColourSpace(eColourSpaceSRGB, eColourSpaceLinear);

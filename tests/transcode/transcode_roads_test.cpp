@@ -117,9 +117,9 @@ TEST(Transcode, CompressedTargetsReportWhatTheirEncodersWrote) {
         std::size_t size;
         DXTMode encodedBy;  // 0: nothing is written
     } cases[] = {
-        {eFmtDXT1, {1, 1}, true, 8, 1},      {eFmtDXT3, {2, 8}, true, 32, 3},    {eFmtDXT1, {6, 4}, false, 16, 0},
-        {eFmtDXT5, {4, 4, 2}, false, 32, 5}, {eFmtBC4, {3, 3}, false, 8, 0},     {eFmtEACRG11S, {5, 3}, false, 15, 0},
-        {eFmtBC7, {4, 4}, true, 0, 0},       {eFmtGRGB8888, {4, 4}, true, 0, 0},
+        {eFmtDXT1, {1, 1}, true, 8, 1},       {eFmtDXT2, {4, 4}, true, 16, 2},  {eFmtDXT3, {2, 8}, true, 32, 3},
+        {eFmtDXT4, {4, 4}, true, 16, 4},      {eFmtDXT1, {6, 4}, false, 16, 0}, {eFmtDXT5, {4, 4, 2}, false, 32, 5},
+        {eFmtEACRG11S, {5, 3}, false, 15, 0}, {eFmtBC7, {4, 4}, true, 0, 0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.target.id);
