@@ -11,6 +11,8 @@ if(MOKTEX_WARNINGS_AS_ERRORS)
     target_compile_options(moktex_settings INTERFACE -Werror)
 endif()
 if(MOKTEX_SANITIZE)
+    # With sanitizers g++ 12 warns of values in standard containers that are always set.
+    target_compile_options(moktex_settings INTERFACE -Wno-maybe-uninitialized)
     target_compile_options(moktex_settings INTERFACE -fsanitize=${MOKTEX_SANITIZE} -fno-sanitize-recover=all
         -fno-omit-frame-pointer)
     target_link_options(moktex_settings INTERFACE -fsanitize=${MOKTEX_SANITIZE})

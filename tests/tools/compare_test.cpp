@@ -1,0 +1,79 @@
+#include "tool_fixture.h"
+
+TEST_F(ToolTest, CompareGivesNumbersWorkedByHand) {
+    writePNG("a.png", 2, 1, {10, 20, 30, 255, 0, 0, 0, 255});
+    writePNG("b.png", 2, 1, {13, 20, 30, 255, 0, 4, 0, 255});
+    const nlohmann::json comparison = compare("a.png", "b.png");
+    const struct {
+        const char* channel;
+        double error, psnr, largest;
+    } expected[] = {{"r", 4.5, 41.5987, 3}, {"g", 8, 39.0998, 4}, {"rgb", 12.5 / 3, 41.9329, 4}, {"rgba", 3.125, 43.1823, 4}};
+    const nlohmann::json& channels = comparison["levels"][0]["channels"];
+    for (const auto& [channel, error, psnr, largest] : expected) {
+        EXPECT_DOUBLE_EQ(channels[channel]["mse"], error) << channel;
+        EXPECT_NEAR(channels[channel]["psnr"], psnr, 1e-3) << channel;
+        EXPECT_EQ(channels[channel]["largest"], largest) << channel;
+    }
+    EXPECT_TRUE(channels["b"]["psnr"].is_null());
+    EXPECT_FALSE(comparison["equal"]);
+    const std::string text = expectSuccess("compare @a.png @b.png").out;
+    EXPECT_NE(text.find("41.60"), std::string::npos);
+    EXPECT_NE(text.find("inf"), std::string::npos);
+}
+
+TEST_F(ToolTest, CompareEndsWithSevenForWhatIsTooDifferent) {
+    writePNG("a.png", 8, 8);
+    writePNG("b.png", 8, 8, testimages::Kind::noise);
+    writePNG("small.png", 8, 4);
+    EXPECT_EQ(run("compare @a.png @b.png --min-psnr 60").status, ExitStatus::different);
+    EXPECT_EQ(run("compare @a.png @small.png").status, ExitStatus::different);
+    expectSuccess("compare @a.png @b.png");
+    expectSuccess("compare @a.png @b.png --min-psnr 1");
+    expectSuccess("compare @a.png @a.png --min-psnr 999");
+}
+
+TEST_F(ToolTest, CompareLooksAtWideFormsInFullWidth) {
+    writePNG("a.png", 4, 4);
+    expectSuccess("convert @a.png @wide.mok -f rgba16161616");
+    expectSuccess("convert @a.png @float.mok -f rgba32323232");
+    expectSuccess("convert @a.png @block.mok -f dxt5");
+    EXPECT_EQ(compare("wide.mok", "wide.mok")["peak"], 65535);
+    EXPECT_EQ(compare("wide.mok", "float.mok")["peak"], 1);
+    EXPECT_EQ(compare("wide.mok", "a.png")["peak"], 255);
+    EXPECT_EQ(compare("float.mok", "block.mok")["peak"], 255);
+}
+
+TEST_F(ToolTest, InfoTellsAllThatAHeaderHolds) {
+    using namespace moktexture;
+    CMOKTextureHeader header(eFmtDXT1, 8, 16, 1, 2, 3, 6, static_cast<EMOKTColourSpace>(9), eVarUByteNorm, true);
+    header.setOrientation(eOrientUp);
+    header.setBorder(1, 2, 3);
+    header.setBumpMap(0.5F, "xy\x1B\xFF");
+    std::vector<unsigned char> image;
+    ASSERT_TRUE(SaveTexture(CMOKTexture(header, nullptr), "mok", image));
+    write("a.mok", {image.begin(), image.end()});
+    const nlohmann::json description = info("a.mok");
+    EXPECT_EQ(description["arrayMembers"], 3);
+    EXPECT_EQ(description["faces"], 6);
+    EXPECT_EQ(description["colourSpace"], "unknown-9");
+    EXPECT_EQ(description["flags"], nlohmann::json({"premultiplied"}));
+    EXPECT_EQ(description["topics"]["orientation"], "right, up, in");
+    EXPECT_EQ(description["topics"]["border"], nlohmann::json({1, 2, 3}));
+    EXPECT_EQ(description["metadata"].size(), 3u);
+    EXPECT_EQ(description["levels"][1]["bytes"], 8 / 4 * 1 * 8 * 3 * 6);
+    const std::string text = expectSuccess("info @a.mok").out;
+    EXPECT_EQ(text.find('\x1B'), std::string::npos);
+    EXPECT_EQ(text.find('\xFF'), std::string::npos);
+    EXPECT_EQ(run("convert @a.mok @b.mok --colour-space srgb").status, ExitStatus::notSupported);
+    expectSuccess("convert @a.mok @c.png --member 2 --face 5 --level 1");
+}
+
+TEST_F(ToolTest, FormatsAreListedOnce) {
+    const nlohmann::json formats = nlohmann::json::parse(expectSuccess("formats --json").out);
+    std::set<std::string> names;
+    for (const nlohmann::json& format : formats)
+        names.insert(format["name"]);
+    EXPECT_EQ(names.size(), formats.size());
+    EXPECT_EQ(names.count("dxt5") + names.count("rgb565") + names.count("etc1"), 3u);
+    EXPECT_NE(expectSuccess("formats").out.find("rgba16161616:float"), std::string::npos);
+}

@@ -1,0 +1,94 @@
+#include "moktex/format_names.h"
+
+#include <gtest/gtest.h>
+
+#include "moktex/exit_status.h"
+#include "moktex/quality_names.h"
+#include "support/test_images.h"
+
+using namespace moktextool;
+using namespace moktexture;
+
+TEST(FormatNames, StandForTheirForms) {
+    const struct {
+        const char* name;
+        PixelType format;
+        EMOKTVariableType type;
+        const char* canonical;
+    } cases[] = {
+        {"DXT1", eFmtDXT1, eVarUByteNorm, "dxt1"},
+        {"bc1", eFmtDXT1, eVarUByteNorm, "dxt1"},
+        {"bc2", eFmtDXT3, eVarUByteNorm, "dxt3"},
+        {"bc3", eFmtDXT5, eVarUByteNorm, "dxt5"},
+        {"rgba8888", 0x0808080861626772, eVarUByteNorm, "rgba8888"},
+        {"rgba8.8.8.8:ubytenorm", 0x0808080861626772, eVarUByteNorm, "rgba8888"},
+        {"rgba8888:sbyte", 0x0808080861626772, eVarSByte, "rgba8888:sbyte"},
+        {"rgb565", 0x0005060500626772, eVarUShortNorm, "rgb565"},
+        {"rgba4444", {'r', 'g', 'b', 'a', 4, 4, 4, 4}, eVarUShortNorm, "rgba4444"},
+        {"abgr2.10.10.10", {'a', 'b', 'g', 'r', 2, 10, 10, 10}, eVarUIntNorm, "abgr2.10.10.10"},
+        {"bgr10.11.11:float", {'b', 'g', 'r', 0, 10, 11, 11, 0}, eVarFloat, "bgr101111:float"},
+        {"rgba16161616:float", {'r', 'g', 'b', 'a', 16, 16, 16, 16}, eVarFloat, "rgba16161616:float"},
+        {"rgb323232", {'r', 'g', 'b', 0, 32, 32, 32, 0}, eVarFloat, "rgb323232"},
+        {"l16", {'l', 0, 0, 0, 16, 0, 0, 0}, eVarUShortNorm, "l16"},
+        {"la88", {'l', 'a', 0, 0, 8, 8, 0, 0}, eVarUByteNorm, "la88"},
+        {"rgbx8888", {'r', 'g', 'b', 'x', 8, 8, 8, 8}, eVarUByteNorm, "rgbx8888"},
+    };
+    for (const auto& [name, format, type, canonical] : cases) {
+        EXPECT_EQ(parseForm(name), (TextureForm{format, type})) << name;
+        EXPECT_EQ(nameOf(parseForm(name)), canonical);
+    }
+}
+
+TEST(FormatNames, OfCompressedFormatsAndRandomLayoutsParseToWhatTheyName) {
+    for (const CompressedFormat& row : compressedFormats())
+        EXPECT_EQ(parseForm(nameOf(TextureForm{row.id, eVarUByteNorm})), (TextureForm{row.id, eVarUByteNorm}));
+    testimages::Random random(5);
+    int usable = 0;
+    for (int i = 0; i < 200000; ++i) {
+        TextureForm form{{}, static_cast<EMOKTVariableType>(random.below(15))};
+        const std::uint32_t count = 1 + random.below(4);
+        for (std::uint32_t channel = 0; channel < count; ++channel) {
+            form.format.layout.channelName[channel] = static_cast<std::uint8_t>("rgbalixz"[random.below(8)]);
+            form.format.layout.channelBits[channel] =
+                static_cast<std::uint8_t>(random.below(2) ? 8u << random.below(3) : random.below(33));
+        }
+        if (isCompressed(form.format) || !layoutProblem(form).empty()) continue;
+        ++usable;
+        EXPECT_EQ(parseForm(nameOf(form)), form) << nameOf(form);
+    }
+    EXPECT_GT(usable, 1000);
+}
+
+TEST(FormatNames, ThatNameNothingAreRefused) {
+    for (const char* name : {"",
+                             "dxt",
+                             "dxt6",
+                             "rgba",
+                             "8888",
+                             "rgba888",
+                             "rgba88888",
+                             "rgba08888",
+                             "rgba8.8.8",
+                             "rgba8..8.8",
+                             "rgbaa88888",
+                             "rgq888",
+                             "rgba8888:",
+                             "rgba8888:half",
+                             "rgb9.9.9",
+                             "rr88",
+                             "rgb8.4.4:ubytenorm",
+                             "rgb10.10.10:float",
+                             "rgba32323232:ubytenorm",
+                             "r64"})
+        EXPECT_THROW(parseForm(name), Failure) << name;
+    EXPECT_EQ(nameOf(TextureForm{PixelType(0x0808080808080808), eVarUByteNorm}), "layout-0x0808080808080808");
+    EXPECT_EQ(nameOf(TextureForm{PixelType(77), eVarUByteNorm}), "unknown-77");
+}
+
+TEST(QualityNames, AreNumbersOrWords) {
+    EXPECT_EQ(parseQuality("fastest"), eCompressorQuality0);
+    EXPECT_EQ(parseQuality("thorough"), parseQuality("3"));
+    EXPECT_EQ(parseQuality("exhaustive"), eCompressorQuality5);
+    for (const char* text : {"", "6", "-1", "best", "3 "})
+        EXPECT_THROW(parseQuality(text), Failure) << text;
+}

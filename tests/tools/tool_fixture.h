@@ -1,0 +1,90 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "moktex/command_line.h"
+#include "moktex/console.h"
+#include "moktex/picture_file.h"
+#include "moktex/texture_form.h"
+#include "support/test_images.h"
+
+using moktextool::ExitStatus;
+
+struct ToolRun {
+    ExitStatus status;
+    std::string out, err;
+};
+
+/// Runs commands in this process, in a folder of the test's own.
+class ToolTest : public testing::Test {
+protected:
+    ToolTest() : folder(std::filesystem::temp_directory_path() / ("moktex_test_" + std::to_string(std::random_device()()))) {
+        std::filesystem::create_directory(folder);
+    }
+    ~ToolTest() override { std::filesystem::remove_all(folder); }
+
+    std::string path(const std::string& name) const { return (folder / name).string(); }
+
+    /// Arguments in one string, separated by blanks; a word with a leading '@' is a file of the test's folder.
+    ToolRun run(const std::string& commandLine, const std::string& input = "") const {
+        std::istringstream words(commandLine), in(input);
+        std::vector<std::string> arguments;
+        for (std::string word; words >> word;)
+            arguments.push_back(word[0] == '@' ? path(word.substr(1)) : word);
+        std::ostringstream out, err;
+        moktextool::Console console{in, out, err};
+        const ExitStatus status = moktextool::runMoktex(arguments, console);
+        return {status, out.str(), err.str()};
+    }
+    /// The same, where nothing may go wrong.
+    ToolRun expectSuccess(const std::string& commandLine, const std::string& input = "") const {
+        ToolRun result = run(commandLine, input);
+        EXPECT_EQ(result.status, ExitStatus::success) << commandLine << '\n' << result.err;
+        return result;
+    }
+
+    void write(const std::string& name, const std::string& bytes) const { std::ofstream(path(name), std::ios::binary) << bytes; }
+    std::string read(const std::string& name) const {
+        std::ifstream stream(path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    void writePNG(const std::string& name, std::uint32_t width, std::uint32_t height,
+                  const std::vector<std::uint8_t>& rgba) const {
+        const moktexture::CMOKTextureHeader header(moktexture::PixelTypeRGBA8.id, height, width, 1, 1, 1, 1, eColourSpaceSRGB,
+                                                   eVarUByteNorm, false);
+        const std::vector<unsigned char> png = moktextool::encodePNG({header, rgba.data()}, name);
+        write(name, {png.begin(), png.end()});
+    }
+    void writePNG(const std::string& name, std::uint32_t width, std::uint32_t height,
+                  testimages::Kind kind = testimages::Kind::softAlpha) const {
+        writePNG(name, width, height, testimages::make(kind, width, height));
+    }
+    /// Names of the files in the folder, to see that nothing is left behind.
+    std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+    nlohmann::json info(const std::string& name) const {
+        return nlohmann::json::parse(expectSuccess("info --json @" + name).out).at(0);
+    }
+    nlohmann::json compare(const std::string& a, const std::string& b, const std::string& options = "") const {
+        return nlohmann::json::parse(expectSuccess("compare --json @" + a + " @" + b + ' ' + options).out);
+    }
+    bool areEqual(const std::string& a, const std::string& b) const { return compare(a, b)["equal"]; }
+
+    std::filesystem::path folder;
+};

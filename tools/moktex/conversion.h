@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "texture_form.h"
+
+namespace moktextool {
+
+struct Console;
+
+/// A wanted size; 0 by 0 asks for the nearest powers of two.
+struct ResizeRequest {
+    std::uint32_t width;
+    std::uint32_t height;
+};
+
+/// What `moktex convert` is asked to do with each input.
+struct ConversionRequest {
+    std::optional<TextureForm> form;  ///< none: that of the input
+    moktexture::ECompressorQuality quality = moktexture::eCompressorQuality3;
+    std::optional<std::uint32_t> mipmaps;  ///< number of levels, or moktexture::allMIPLevels
+    moktexture::EResizeMode mipFilter = moktexture::eResizeLinear;
+    std::optional<ResizeRequest> resize;
+    moktexture::EResizeMode resizeFilter = moktexture::eResizeLinear;
+    std::optional<EMOKTColourSpace> assignedColourSpace;  ///< what the input is
+    std::optional<EMOKTColourSpace> colourSpace;          ///< what the output is to be
+    bool dither = false;
+    std::uint32_t level = 0, member = 0, face = 0;  ///< which image becomes a picture
+};
+
+/// Converts one file to another. All that can be refused is refused before the work begins, by a Failure.
+void convertFile(const ConversionRequest& request, const std::string& input, const std::string& output, Console& console);
+
+}  // namespace moktextool

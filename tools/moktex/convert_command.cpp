@@ -1,0 +1,199 @@
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <set>
+
+#include "command_line.h"
+#include "console.h"
+#include "conversion.h"
+#include "format_names.h"
+#include "quality_names.h"
+#include "texture_input.h"
+#include "texture_output.h"
+
+namespace fs = std::filesystem;
+using namespace moktexture;
+
+namespace moktextool {
+
+namespace {
+
+constexpr const char* description =
+    "Converts pictures (PNG, JPEG, TGA, BMP, HDR) and textures (.mok) to textures (.mok) or pictures (.png).";
+
+constexpr const char* footer =
+    "Examples:\n"
+    "  moktex convert photo.png photo.mok --format dxt1 --mipmaps --resize pow2\n"
+    "  moktex convert photo.mok back.png\n"
+    "  moktex convert a.png b.jpg -o textures --format dxt5 --overwrite\n"
+    "Output:\n"
+    "  OUT ends in .mok or .png. Several inputs, or an OUT that is a folder, give OUT/NAME.mok each; the folder is\n"
+    "  made if it is missing. '-' is standard input or output; what goes there is a .mok texture.\n"
+    "  A PNG holds level 0, member 0, face 0 of a texture unless --level, --member or --face say otherwise; with\n"
+    "  --format the picture passes through that format first.\n"
+    "Colour:\n"
+    "  Pictures of 8 and 16 bits count as sRGB, HDR pictures as linear. The output keeps what the input is, and its\n"
+    "  values stay as they are, unless --colour-space asks for the other curve; a line tells when one is applied.";
+
+struct ConvertArguments {
+    std::vector<std::string> paths;
+    std::string output, format, quality = "3", mipmaps, resize;
+    bool overwrite = false, quiet = false;
+    ConversionRequest request;
+};
+
+/// A number of 1 to 65536, or 0 for anything else.
+std::uint32_t parseEdge(const std::string& text) {
+    const bool isNumber = !text.empty() && text.size() <= 5 && text.find_first_not_of("0123456789") == std::string::npos;
+    const unsigned long edge = isNumber ? std::stoul(text) : 0;
+    return edge <= 65536 ? static_cast<std::uint32_t>(edge) : 0;
+}
+
+ResizeRequest parseResize(const std::string& text) {
+    if (text == "pow2") return {0, 0};
+    const std::size_t cross = std::min(text.find('x'), text.size());
+    const ResizeRequest size{parseEdge(text.substr(0, cross)), cross < text.size() ? parseEdge(text.substr(cross + 1)) : 0};
+    if (size.width == 0 || size.height == 0)
+        throw Failure(ExitStatus::commandLine, "--resize " + text + ": no size; use WIDTHxHEIGHT of 1 to 65536 each, or pow2");
+    return size;
+}
+
+std::uint32_t parseMipmaps(const std::string& text) {
+    if (text == "all") return allMIPLevels;
+    const std::uint32_t levels = parseEdge(text);
+    if (levels == 0 || levels > 255)
+        throw Failure(ExitStatus::commandLine, "--mipmaps=" + text + ": no number of levels; use 1 to 17");
+    return levels;
+}
+
+/// One input and where it goes.
+struct Job {
+    std::string input;
+    std::string output;
+};
+
+/// Takes the last of two paths as the output where -o is not given.
+void settleOutput(ConvertArguments& arguments) {
+    if (!arguments.output.empty()) return;
+    if (arguments.paths.size() != 2)
+        throw Failure(ExitStatus::commandLine, arguments.paths.front(), "the output is not clear; name it by -o OUT");
+    arguments.output = arguments.paths.back();
+    arguments.paths.pop_back();
+}
+
+bool goesToFolder(const ConvertArguments& arguments) {
+    std::error_code error;
+    const fs::path output(arguments.output);
+    return arguments.paths.size() > 1 || !output.has_filename() || fs::is_directory(output, error);
+}
+
+std::vector<Job> planJobs(const ConvertArguments& arguments) {
+    const std::string& output = arguments.output;
+    if (!goesToFolder(arguments)) return {{arguments.paths.front(), output}};
+    if (output == standardStream)
+        throw Failure(ExitStatus::commandLine, "several inputs cannot go to standard output; name a folder");
+    std::vector<Job> jobs;
+    std::set<std::string> taken;
+    for (const std::string& input : arguments.paths) {
+        if (input == standardStream)
+            throw Failure(ExitStatus::commandLine, "standard input has no name in a folder; name a file by -o");
+        jobs.push_back({input, (fs::path(output) / fs::path(input).stem()).string() + ".mok"});
+        if (!taken.insert(jobs.back().output).second)
+            throw Failure(ExitStatus::commandLine, input,
+                          "two inputs would become " + jobs.back().output + "; convert them one by one");
+    }
+    return jobs;
+}
+
+/// Makes the folder for several outputs if it is missing; true if it did.
+bool makeFolder(const ConvertArguments& arguments) {
+    if (!goesToFolder(arguments)) return false;
+    std::error_code error;
+    const bool isNew = fs::create_directories(arguments.output, error);
+    if (error || !fs::is_directory(arguments.output, error))
+        throw Failure(ExitStatus::inputOutput, arguments.output, "cannot be the folder for the outputs; choose another name");
+    return isNew;
+}
+
+/// Converts each input, also after one failed; the first failure is the status.
+ExitStatus convertAll(ConvertArguments& arguments, Console& console) {
+    console.quiet = arguments.quiet;
+    ConversionRequest& request = arguments.request;
+    if (!arguments.format.empty()) request.form = parseForm(arguments.format);
+    request.quality = parseQuality(arguments.quality);
+    if (!arguments.mipmaps.empty()) request.mipmaps = parseMipmaps(arguments.mipmaps);
+    if (!arguments.resize.empty()) request.resize = parseResize(arguments.resize);
+    settleOutput(arguments);
+    ExitStatus status = ExitStatus::success;
+    const std::vector<Job> jobs = planJobs(arguments);
+    const bool isNewFolder = makeFolder(arguments);
+    for (const Job& job : jobs) {
+        const ExitStatus jobStatus = console.guard([&] {
+            outputKind(job.output);
+            requireWritable(job.output, arguments.overwrite);
+            convertFile(request, job.input, job.output, console);
+            return ExitStatus::success;
+        });
+        if (status == ExitStatus::success) status = jobStatus;
+    }
+    std::error_code notEmpty;
+    if (isNewFolder && status != ExitStatus::success) fs::remove(arguments.output, notEmpty);
+    return status;
+}
+
+void addSizeOptions(CLI::App& command, ConvertArguments& arguments) {
+    static const std::map<std::string, EResizeMode> filters = {
+        {"nearest", eResizeNearest}, {"linear", eResizeLinear}, {"cubic", eResizeCubic}};
+    command.add_option("-m,--mipmaps", arguments.mipmaps, "Make MIP levels: N in all, or the full chain without N")
+        ->type_name("[=N]");
+    command.add_option("--mip-filter", arguments.request.mipFilter, "Filter of --mipmaps (linear)")
+        ->transform(CLI::CheckedTransformer(filters).description(""))
+        ->type_name("nearest|linear|cubic");
+    command.add_option("--resize", arguments.resize, "Change the size first; pow2 takes the nearest powers of two")
+        ->type_name("WxH|pow2");
+    command.add_option("--resize-filter", arguments.request.resizeFilter, "Filter of --resize (linear)")
+        ->transform(CLI::CheckedTransformer(filters).description(""))
+        ->type_name("nearest|linear|cubic");
+}
+
+void addColourOptions(CLI::App& command, ConvertArguments& arguments) {
+    static const std::map<std::string, EMOKTColourSpace> spaces = {{"linear", eColourSpaceLinear}, {"srgb", eColourSpaceSRGB}};
+    command
+        .add_option("--assign-colour-space", arguments.request.assignedColourSpace, "What the input is; values stay as they are")
+        ->transform(CLI::CheckedTransformer(spaces).description(""))
+        ->type_name("linear|srgb");
+    command.add_option("--colour-space", arguments.request.colourSpace, "What the output is to be; the curve is applied")
+        ->transform(CLI::CheckedTransformer(spaces).description(""))
+        ->type_name("linear|srgb");
+    command.add_flag("--dither", arguments.request.dither, "Spread the error of formats below 32 bits a pixel");
+}
+
+}  // namespace
+
+void addConvertCommand(CLI::App& app, Console& console, ExitStatus& status) {
+    CLI::App& command = *app.add_subcommand("convert", description);
+    const auto arguments = std::make_shared<ConvertArguments>();
+    ConversionRequest& request = arguments->request;
+    command.footer(footer);
+    command.add_option("IN", arguments->paths, "Input files; without -o, IN OUT")->required()->type_name("");
+    command.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    command.add_option("-o,--output", arguments->output, "Output file, or a folder for several inputs")->type_name("OUT");
+    command
+        .add_option("-f,--format", arguments->format, "Format of the output, as 'moktex formats' lists them (that of the input)")
+        ->type_name("NAME");
+    command
+        .add_option("-q,--quality", arguments->quality,
+                    std::string("Effort of the encoder: ") + qualityHelp + " (3); DXT has one")
+        ->type_name("Q");
+    addSizeOptions(command, *arguments);
+    addColourOptions(command, *arguments);
+    command.add_option("--level", request.level, "MIP level that becomes a PNG")->type_name("N");
+    command.add_option("--member", request.member, "Array member that becomes a PNG")->type_name("N");
+    command.add_option("--face", request.face, "Cube face that becomes a PNG")->type_name("N");
+    command.add_flag("-y,--overwrite", arguments->overwrite, "Replace output files that exist");
+    command.add_flag("--quiet", arguments->quiet, "Say nothing but errors and applied curves");
+    command.callback([arguments, &console, &status] { status = convertAll(*arguments, console); });
+}
+
+}  // namespace moktextool
