@@ -1,0 +1,134 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+
+#include "moktc/fast_kernels.h"
+#include "moktc/modulation_estimate.h"
+#include "support/test_images.h"
+
+using namespace moktexture::moktc;
+using testimages::Random;
+
+namespace {
+
+constexpr std::size_t rowBytes = 11 * bytesPerPixel;  // wider than a block, and no multiple of a vector
+
+/// One block of each of the three images.
+struct Images {
+    std::vector<std::uint8_t> source, a, b;
+    BlockPixels pixels() const { return {source.data(), a.data(), b.data(), rowBytes}; }
+};
+
+/// Kinds: independent bytes; 0 and 255 only; colours that differ little; a source that is what mode 0, 1, 2 or 3 at 2 bpp expects
+/// of random indices; one colour.
+constexpr std::uint32_t imageKinds = 8;
+
+Images makeImages(std::uint32_t kind, Random& random) {
+    Images images;
+    for (auto* image : {&images.source, &images.a, &images.b}) {
+        image->resize(rowBytes * blockHeight);
+        random.fill(*image);
+    }
+    ModulationBlock2bpp block;
+    for (std::uint32_t i = 0; i < blockArea2bpp; ++i) {
+        block.directIndices[i] = static_cast<std::uint8_t>(random.below(2) * 3);
+        block.sampleIndices[i] = static_cast<std::uint8_t>((i % 8 + i / 8) % 2 == 0 ? random.below(4) : 0);
+    }
+    std::array<std::uint8_t, blockArea2bpp> eighths;
+    expandModulation(block, kind >= 3 ? kind - 3 : 0, eighths.data());
+    for (std::size_t i = 0; i < images.source.size(); ++i) {
+        std::uint8_t &source = images.source[i], &a = images.a[i], &b = images.b[i];
+        if (kind == 1) {
+            for (std::uint8_t* value : {&source, &a, &b})
+                *value = *value < 128 ? 0 : 255;
+        } else if (kind == 2) {
+            for (std::uint8_t* value : {&source, &a, &b})
+                *value = static_cast<std::uint8_t>(100 + *value % 3);
+        } else if (kind == 7) {
+            source = a = b = 77;
+        } else if (kind >= 3) {
+            const std::size_t x = i % rowBytes / bytesPerPixel, y = i / rowBytes;
+            const int weight = eighths[8 * y + std::min<std::size_t>(x, 7)];
+            source = static_cast<std::uint8_t>(((b - a) * weight + a * 8) >> 3);
+        }
+    }
+    return images;
+}
+
+}  // namespace
+
+class MOKTCFastKernels : public testing::Test {
+protected:
+    const FastKernels& plain = plainFastKernels;
+    const FastKernels& fast = sse2FastKernels;
+    Random random{11};
+};
+
+TEST_F(MOKTCFastKernels, AreTwoForms) {
+    EXPECT_STREQ(plain.name, "plain");
+    EXPECT_STREQ(fast.name, "SSE2");
+    EXPECT_NE(plain.chooseModulation4bpp, fast.chooseModulation4bpp);
+}
+
+TEST_F(MOKTCFastKernels, FindTheSameFurthestPixels) {
+    for (std::uint32_t count = 1; count <= largestFootprint; ++count) {
+        for (const std::uint32_t mask : {0u, 0x01010101u, 0x80000000u, 0xC0C0C0C0u, 0xFFFFFFFFu}) {  // from all alike to few ties
+            std::vector<std::uint32_t> pixels(count);
+            for (std::uint32_t& pixel : pixels)
+                pixel = random.next() & mask;
+            std::uint32_t first = 1000, second = 1000, expectedFirst, expectedSecond;
+            plain.findFurthest(pixels.data(), count, expectedFirst, expectedSecond);
+            fast.findFurthest(pixels.data(), count, first, second);
+            ASSERT_EQ(std::pair(first, second), std::pair(expectedFirst, expectedSecond)) << count << " pixels, mask " << mask;
+        }
+    }
+}
+
+TEST_F(MOKTCFastKernels, FillTheSameCells) {
+    for (int i = 0; i < 500; ++i) {
+        std::uint32_t corners[4];
+        for (std::uint32_t& corner : corners)
+            corner = i % 3 == 0 ? random.below(2) * 0xFFFFFFFFu : random.next();
+        for (const auto fill : {&FastKernels::fillCell4bpp, &FastKernels::fillCell2bpp}) {
+            std::array<std::uint8_t, blockArea2bpp * bytesPerPixel> expected{}, cell{};
+            (plain.*fill)(corners[0], corners[1], corners[2], corners[3], expected.data());
+            (fast.*fill)(corners[0], corners[1], corners[2], corners[3], cell.data());
+            ASSERT_EQ(cell, expected);
+        }
+    }
+}
+
+TEST_F(MOKTCFastKernels, ChooseTheSameModulationInEveryMode) {
+    int modes4bpp[2] = {}, modes2bpp[4] = {};
+    for (std::uint32_t i = 0; i < 4000; ++i) {
+        const Images images = makeImages(i % imageKinds, random);
+        ModulationBlock4bpp expected4, actual4;
+        plain.chooseModulation4bpp(images.pixels(), expected4);
+        fast.chooseModulation4bpp(images.pixels(), actual4);
+        ASSERT_TRUE(actual4 == expected4) << i;
+        ModulationBlock2bpp expected2, actual2;
+        plain.chooseModulation2bpp(images.pixels(), expected2);
+        fast.chooseModulation2bpp(images.pixels(), actual2);
+        ASSERT_TRUE(actual2 == expected2) << i;
+        ++modes4bpp[actual4.mode];
+        ++modes2bpp[actual2.mode];
+    }
+    for (const int count : {modes4bpp[0], modes4bpp[1], modes2bpp[0], modes2bpp[1], modes2bpp[2], modes2bpp[3]})
+        EXPECT_GT(count, 20);
+}
+
+TEST_F(MOKTCFastKernels, SumTheSameResiduals) {
+    for (std::uint32_t i = 0; i < 2000; ++i) {
+        const Images images = makeImages(i % imageKinds, random);
+        std::array<std::uint8_t, blockArea2bpp> eighths;
+        for (std::uint8_t& value : eighths)
+            value = static_cast<std::uint8_t>(i % 5 == 0 ? 8 : random.below(9));
+        for (const std::uint32_t width : {4u, 8u}) {
+            ResidualSums expected, actual;
+            plain.sumResiduals(images.pixels(), eighths.data(), width, expected);
+            fast.sumResiduals(images.pixels(), eighths.data(), width, actual);
+            ASSERT_TRUE(actual == expected) << i;
+        }
+    }
+}
