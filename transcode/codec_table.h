@@ -9,7 +9,9 @@ namespace moktexture {
 
 /// What the table tells a codec about its format.
 struct CodecArguments {
-    std::uint32_t mode;  ///< DXTn: the DXTMode
+    std::uint32_t mode;     ///< DXTn: the DXTMode; packed YUV: the format's number; MOKTC: 0 or 1 for the generation
+    bool is2bpp = false;    ///< MOKTC
+    bool hasAlpha = false;  ///< MOKTC: what its encoder is told
 };
 
 // Kept: codecs know no depth. Of a 3D level the first slice alone is coded, and Transcode() to such a format reports failure.

@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "compressed_format_id.h"
+#include "transcode/one_bit.h"
+#include "transcode/packed_yuv.h"
+
+using namespace moktexture;
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// Opaque pixels of three bytes each, as RGBA.
+Bytes rgba(const Bytes& rgb) {
+    Bytes pixels;
+    for (std::size_t i = 0; i < rgb.size(); i += 3)
+        pixels.insert(pixels.end(), {rgb[i], rgb[i + 1], rgb[i + 2], 255});
+    return pixels;
+}
+
+Bytes encodedYUV(const Bytes& pixels, std::uint32_t width, std::uint32_t height, std::uint32_t format) {
+    Bytes groups(std::size_t{width / 2} * height * 4);
+    EXPECT_EQ(encodeYUV(pixels.data(), groups.data(), &width, &height, &format), static_cast<int>(width * height * 2));
+    return groups;
+}
+
+Bytes decodedYUV(const Bytes& groups, std::uint32_t width, std::uint32_t height, std::uint32_t format) {
+    Bytes pixels(std::size_t{width} * height * 4);
+    EXPECT_EQ(decodeYUV(groups.data(), pixels.data(), &width, &height, &format), static_cast<int>(width * height * 4));
+    return pixels;
+}
+
+}  // namespace
+
+TEST(PackedYUV, TakesEachChromaFromOnePixelOfThePair) {
+    const struct {
+        Bytes even, odd, uyvy;
+    } pairs[] = {
+        {{0, 0, 0}, {0, 0, 0}, {128, 16, 128, 16}},
+        {{255, 255, 255}, {255, 255, 255}, {128, 235, 128, 235}},
+        {{255, 0, 0}, {0, 0, 255}, {90, 82, 110, 41}},   // U of red, V of blue
+        {{0, 0, 255}, {255, 0, 0}, {240, 41, 240, 82}},  // U of blue, V of red
+    };
+    for (const auto& pair : pairs) {
+        Bytes both = pair.even;
+        both.insert(both.end(), pair.odd.begin(), pair.odd.end());
+        EXPECT_EQ(encodedYUV(rgba(both), 2, 1, eFmtUYVY), pair.uyvy);
+        EXPECT_EQ(encodedYUV(rgba(both), 2, 1, eFmtYUY2), (Bytes{pair.uyvy[1], pair.uyvy[0], pair.uyvy[3], pair.uyvy[2]}));
+    }
+}
+
+TEST(PackedYUV, DecodesWithItsOwnFactorsAndClamps) {
+    EXPECT_EQ(decodedYUV({128, 16, 128, 235}, 2, 1, eFmtUYVY), rgba({0, 0, 0, 255, 255, 255}));
+    EXPECT_EQ(decodedYUV({81, 90, 145, 240}, 2, 1, eFmtYUY2), rgba({255, 0, 0, 255, 74, 73}));
+    // 298 * 34 + 517 * 100 + 128 is 242 * 256 + 8: a factor of 516 would give 241.
+    EXPECT_EQ(decodedYUV({50, 228, 50, 128}, 2, 1, eFmtYUY2), rgba({40, 1, 242, 40, 1, 242}));
+    const std::uint32_t two = 2, one = 1, other = eFmtBW1bpp;
+    Bytes untouched(8, 7);
+    EXPECT_EQ(decodeYUV(untouched.data(), untouched.data(), &two, &one, &other), 0);
+    EXPECT_EQ(encodeYUV(untouched.data(), untouched.data(), &two, &one, &other), 0);
+    EXPECT_EQ(untouched, Bytes(8, 7));
+}
+
+TEST(PackedYUV, OddRowsSpillIntoTheNextAndStayInsideTheLevel) {
+    // Luma 16 + 12 n gives grey 14 n, near enough to tell the groups: a row of 3 reads its own group and the next one.
+    const Bytes groups = {16, 128, 28, 128, 40, 128, 52, 128, 64, 128, 76, 128, 88, 128, 100, 128};
+    const Bytes pixels = decodedYUV(groups, 3, 3, eFmtYUY2);
+    const Bytes greys = {0, 14, 28, 28, 42, 56, 56, 70, 84};
+    for (std::size_t i = 0; i < greys.size(); ++i)
+        EXPECT_NEAR(pixels[i * 4], greys[i], 1) << i;
+    EXPECT_EQ(encodedYUV(rgba(Bytes(27, 0)), 3, 3, eFmtYUY2).size(), 12u) << "the third pixel of a row is dropped";
+}
+
+TEST(OneBit, IsTheMeanOfTheColoursInMemoryOrder) {
+    const Bytes pixels = rgba({127, 127, 127, 128, 128, 128, 255, 255, 0,   128, 128, 127, 0, 0, 0, 255, 129, 0,
+                               255, 255, 255, 0,   0,   255, 255, 255, 255, 9,   9,   9,   9, 9, 9, 9,   9,   9});
+    const std::uint32_t width = 6, height = 2;
+    Bytes bits(1);
+    EXPECT_EQ(encode1bpp(pixels.data(), bits.data(), &width, &height), 1) << "12 pixels: four are dropped";
+    EXPECT_EQ(bits[0], 0b01100110);
+    EXPECT_EQ(encode1bpp(nullptr, bits.data(), &width, &height), 1);
+
+    const Bytes twelveBits = {0b01100110, 0b1001};
+    Bytes decoded(48);
+    EXPECT_EQ(decode1bpp(twelveBits.data(), decoded.data(), &width, &height), 48);
+    const Bytes whites = {0, 1, 1, 0, 0, 1, 1, 0, 1, 0, 0, 1};
+    for (std::size_t i = 0; i < whites.size(); ++i) {
+        EXPECT_EQ(decoded[i * 4 + 2], whites[i] * 255) << i;
+        EXPECT_EQ(decoded[i * 4 + 3], 255) << i;
+    }
+}
