@@ -1,0 +1,73 @@
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+
+#include "bench_pictures.h"
+#include "dxtn/dxtn.h"
+#include "dxtn/dxtn_encoder.h"
+
+namespace {
+
+using namespace moktexture;
+
+constexpr DXTMode measuredModes[] = {1, 3, 5};
+
+std::uint64_t pixelsOf(const BenchPicture& picture) {
+    return std::uint64_t{picture.width} * picture.height;
+}
+
+std::vector<std::uint8_t> encoded(const BenchPicture& picture, DXTMode mode) {
+    std::vector<std::uint8_t> blocks(CompressDXTn(nullptr, nullptr, &picture.width, &picture.height, &mode));
+    CompressDXTn(picture.rgba.data(), blocks.data(), &picture.width, &picture.height, &mode);
+    return blocks;
+}
+
+void copy(benchmark::State& state, const BenchPicture& picture) {
+    std::vector<std::uint8_t> target(picture.rgba.size());
+    for (auto _ : state) {
+        std::memcpy(target.data(), picture.rgba.data(), target.size());
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, pixelsOf(picture));
+}
+
+void encode(benchmark::State& state, const BenchPicture& picture, DXTMode mode, const dxtn::EncoderKernel& kernel) {
+    std::vector<std::uint8_t> blocks = encoded(picture, mode);
+    for (auto _ : state) {
+        kernel.encode(picture.rgba.data(), blocks.data(), picture.width, picture.height, mode);
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, pixelsOf(picture));
+}
+
+void decode(benchmark::State& state, const BenchPicture& picture, DXTMode mode) {
+    const std::vector<std::uint8_t> blocks = encoded(picture, mode);
+    std::vector<std::uint8_t> pixels(picture.rgba.size());
+    for (auto _ : state) {
+        DecompressDXTn(blocks.data(), pixels.data(), &picture.width, &picture.height, &mode);
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, pixelsOf(picture));
+}
+
+}  // namespace
+
+void registerDXTnBenchmarks(const std::vector<BenchPicture>& pictures) {
+    const ProcessorLevel detected = detectProcessorLevel();
+    for (const BenchPicture& picture : pictures) {
+        benchmark::RegisterBenchmark(("dxtn/memcpy/" + picture.name).c_str(),
+                                     [&picture](benchmark::State& state) { copy(state, picture); });
+        for (const DXTMode mode : measuredModes) {
+            const std::string format = "dxtn/DXT" + std::to_string(mode);
+            for (const ProcessorLevel level : {ProcessorLevel::baseline, ProcessorLevel::sse41, ProcessorLevel::avx2}) {
+                if (level > detected) continue;
+                const dxtn::EncoderKernel& kernel = dxtn::encoderFor(level);
+                benchmark::RegisterBenchmark(
+                    (format + "/encode/" + kernel.name + "/" + picture.name).c_str(),
+                    [&picture, mode, &kernel](benchmark::State& state) { encode(state, picture, mode, kernel); });
+            }
+            benchmark::RegisterBenchmark((format + "/decode/" + picture.name).c_str(),
+                                         [&picture, mode](benchmark::State& state) { decode(state, picture, mode); });
+        }
+    }
+}

@@ -1,0 +1,109 @@
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <functional>
+
+#include "bench_pictures.h"
+#include "image_operations.h"
+
+namespace {
+
+using namespace moktexture;
+
+CMOKTexture textureOf(const BenchPicture& picture) {
+    const CMOKTextureHeader header(PixelTypeRGBA8.id, picture.height, picture.width, 1, 1, 1, 1, eColourSpaceLinear,
+                                   eVarUByteNorm, false);
+    return {header, picture.rgba.data()};
+}
+
+std::uint64_t pixelsOf(const CMOKTexture& texture) {
+    return texture.getTextureSize();
+}
+
+void copy(benchmark::State& state, const BenchPicture& picture) {
+    std::vector<std::uint8_t> target(picture.rgba.size());
+    for (auto _ : state) {
+        std::memcpy(target.data(), picture.rgba.data(), target.size());
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, target.size() / 4);
+}
+
+/// An operation that writes each pixel in its place.
+void operateInPlace(benchmark::State& state, const BenchPicture& picture, bool (*operation)(CMOKTexture&)) {
+    CMOKTexture texture = textureOf(picture);
+    for (auto _ : state) {
+        if (!operation(texture)) state.SkipWithError("refused");
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, pixelsOf(texture));
+}
+
+/// An operation that makes a new texture, whose pixels count; the copy of the source is not measured.
+void operateAnew(benchmark::State& state, const BenchPicture& picture, const std::function<bool(CMOKTexture&)>& operation) {
+    const CMOKTexture source = textureOf(picture);
+    std::uint64_t pixels = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        CMOKTexture texture = source;
+        state.ResumeTiming();
+        if (!operation(texture)) state.SkipWithError("refused");
+        benchmark::ClobberMemory();
+        state.PauseTiming();
+        pixels = pixelsOf(texture);
+        state.ResumeTiming();
+    }
+    countPixels(state, pixels);
+}
+
+bool setAlpha(CMOKTexture& texture) {
+    EChannelName alpha = eChannelAlpha;
+    unsigned int opaque = 255;
+    return SetChannels(texture, 1, &alpha, &opaque);
+}
+
+bool swapRedAndBlue(CMOKTexture& texture) {
+    EChannelName destinations[] = {eChannelRed, eChannelBlue};
+    EChannelName sources[] = {eChannelBlue, eChannelRed};
+    return CopyChannels(texture, texture, 2, destinations, sources);
+}
+
+bool makeGrey(CMOKTexture& texture) {
+    EChannelName luminance = eChannelLuminance;
+    return CopyChannels(texture, texture, 1, &luminance, &luminance);
+}
+
+/// Resizes by `numerator / 2`.
+std::function<bool(CMOKTexture&)> resizeBy(std::uint32_t numerator, EResizeMode mode) {
+    return [numerator, mode](CMOKTexture& texture) {
+        return Resize(texture, texture.getWidth() * numerator / 2, texture.getHeight() * numerator / 2, 1, mode);
+    };
+}
+
+bool makeChain(CMOKTexture& texture) {
+    return GenerateMIPMaps(texture, eResizeLinear, allMIPLevels);
+}
+
+}  // namespace
+
+void registerOperationBenchmarks(const std::vector<BenchPicture>& pictures) {
+    const std::pair<const char*, bool (*)(CMOKTexture&)> inPlace[] = {
+        {"SetChannels/alpha", setAlpha}, {"CopyChannels/swap", swapRedAndBlue}, {"CopyChannels/grey", makeGrey}};
+    const std::pair<const char*, std::function<bool(CMOKTexture&)>> anew[] = {
+        {"Resize/nearest/half", resizeBy(1, eResizeNearest)}, {"Resize/linear/half", resizeBy(1, eResizeLinear)},
+        {"Resize/linear/1.5", resizeBy(3, eResizeLinear)},    {"Resize/cubic/half", resizeBy(1, eResizeCubic)},
+        {"Resize/cubic/1.5", resizeBy(3, eResizeCubic)},      {"GenerateMIPMaps/linear", makeChain}};
+    for (const BenchPicture& picture : pictures) {
+        const auto nameOf = [&picture](const char* what) { return "operations/" + std::string(what) + "/" + picture.name; };
+        benchmark::RegisterBenchmark(nameOf("memcpy").c_str(), [&picture](benchmark::State& state) { copy(state, picture); });
+        for (const auto& [name, operation] : inPlace) {
+            benchmark::RegisterBenchmark(nameOf(name).c_str(), [&picture, run = operation](benchmark::State& state) {
+                operateInPlace(state, picture, run);
+            });
+        }
+        for (const auto& [name, operation] : anew) {
+            benchmark::RegisterBenchmark(
+                nameOf(name).c_str(), [&picture, run = operation](benchmark::State& state) { operateAnew(state, picture, run); });
+        }
+    }
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// A picture that the benchmarks work on: `width * height` pixels of four bytes, red first. Sides are multiples of 4.
+struct BenchPicture {
+    std::string name;
+    std::uint32_t width;
+    std::uint32_t height;
+    std::vector<std::uint8_t> rgba;
+};
+
+/// Each registers the benchmarks of one module. Every benchmark reports megapixels a second as the counter "Mpixels".
+/// `memcpy` of the same data stands beside each group, so that figures can be stated as ratios.
+void registerTranscodeBenchmarks(const std::vector<BenchPicture>& pictures);
+void registerDXTnBenchmarks(const std::vector<BenchPicture>& pictures);
+void registerETC1Benchmarks(const std::vector<BenchPicture>& pictures);
+void registerMOKTCBenchmarks(const std::vector<BenchPicture>& pictures);
+void registerMOKTCEncodeBenchmarks(const std::vector<BenchPicture>& pictures);
+void registerOperationBenchmarks(const std::vector<BenchPicture>& pictures);
+
+/// Sets the counter "Mpixels" of a finished benchmark: `state.counters["Mpixels"]` as a rate.
+namespace benchmark {
+class State;
+}
+void countPixels(benchmark::State& state, std::uint64_t pixelsPerIteration);

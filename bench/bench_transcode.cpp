@@ -1,0 +1,69 @@
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+
+#include "bench_pictures.h"
+#include "transcode/convert_layout.h"
+
+namespace {
+
+using namespace moktexture;
+
+struct Conversion {
+    const char* name;
+    PixelType type;
+    EMOKTVariableType channelType;
+    EMOKTColourSpace colourSpace;
+};
+
+// clang-format off
+constexpr Conversion conversions[] = {
+    {"bgra8",       {'b', 'g', 'r', 'a', 8, 8, 8, 8}, eVarUByteNorm,  eColourSpaceLinear},
+    {"rgb8",        {'r', 'g', 'b', 0, 8, 8, 8, 0},   eVarUByteNorm,  eColourSpaceLinear},
+    {"l8",          {'l', 0, 0, 0, 8, 0, 0, 0},       eVarUByteNorm,  eColourSpaceLinear},
+    {"rgb565",      {'r', 'g', 'b', 0, 5, 6, 5, 0},   eVarUShortNorm, eColourSpaceLinear},
+    {"rgba16",      PixelTypeRGBA16,                  eVarUShortNorm, eColourSpaceLinear},
+    {"float",       PixelTypeRGBA32,                  eVarFloat,      eColourSpaceLinear},
+    {"rgba8_srgb",  PixelTypeRGBA8,                   eVarUByteNorm,  eColourSpaceSRGB},
+    {"rgba16_srgb", PixelTypeRGBA16,                  eVarUShortNorm, eColourSpaceSRGB},
+};
+// clang-format on
+
+CMOKTextureHeader headerOf(const BenchPicture& picture, PixelType type, EMOKTVariableType channelType) {
+    return {type.id, picture.height, picture.width, 1, 1, 1, 1, eColourSpaceLinear, channelType, false};
+}
+
+void copy(benchmark::State& state, const BenchPicture& picture) {
+    std::vector<std::uint8_t> target(picture.rgba.size());
+    for (auto _ : state) {
+        std::memcpy(target.data(), picture.rgba.data(), target.size());
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, std::uint64_t{picture.width} * picture.height);
+}
+
+/// From linear RGBA8, between textures that exist already, so that the conversion alone is measured.
+void convert(benchmark::State& state, const BenchPicture& picture, const Conversion& conversion) {
+    const CMOKTexture from(headerOf(picture, PixelTypeRGBA8, eVarUByteNorm), picture.rgba.data());
+    CMOKTexture to(headerOf(picture, conversion.type, conversion.channelType), nullptr);
+    PixelCodec fromCodec(PixelTypeRGBA8, eVarUByteNorm);
+    PixelCodec toCodec(conversion.type, conversion.channelType);
+    for (auto _ : state) {
+        convertLayout(from, to, fromCodec, toCodec, conversion.colourSpace, eColourSpaceLinear);
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, std::uint64_t{picture.width} * picture.height);
+}
+
+}  // namespace
+
+void registerTranscodeBenchmarks(const std::vector<BenchPicture>& pictures) {
+    for (const BenchPicture& picture : pictures) {
+        benchmark::RegisterBenchmark(("transcode/memcpy/" + picture.name).c_str(),
+                                     [&picture](benchmark::State& state) { copy(state, picture); });
+        for (const Conversion& conversion : conversions)
+            benchmark::RegisterBenchmark(
+                ("transcode/" + std::string(conversion.name) + "/" + picture.name).c_str(),
+                [&picture, &conversion](benchmark::State& state) { convert(state, picture, conversion); });
+    }
+}
