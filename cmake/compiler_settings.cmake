@@ -5,8 +5,8 @@ target_compile_options(moktex_settings INTERFACE
     # The same input gives the same bytes on every machine: no fused multiply and add, no reordering.
     -ffp-contract=off -fno-fast-math
     -Wall -Wextra -Wpedantic -Wshadow -Wcast-qual -Wdouble-promotion -Wold-style-cast
-    # g++ 12 warns of the inside of its own std::string.
-    -Wno-restrict)
+    # g++ 12 warns of the inside of its own std::string and std::vector.
+    -Wno-restrict -Wno-free-nonheap-object)
 if(MOKTEX_WARNINGS_AS_ERRORS)
     target_compile_options(moktex_settings INTERFACE -Werror)
 endif()

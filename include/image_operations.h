@@ -16,8 +16,8 @@
 /// | PixelTypeRGBA32 | eVarFloat      | 32-bit float    |
 ///
 /// A texture without a buffer, or whose size does not fit in 32 bits, is refused likewise. Floats become integers by truncation,
-/// with the low bits kept. They raise `std::bad_alloc`, with the texture unchanged. Calls on different textures may run at the
-/// same time.
+/// with the low bits kept. All but Bleed() raise `std::bad_alloc`, with the texture unchanged. Calls on different textures may
+/// run at the same time.
 
 namespace moktexture {
 
@@ -65,5 +65,55 @@ MOKTEX_API bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsign
 /// magenta, yellow, red, and again.
 /// @return false if the texture is refused.
 MOKTEX_API bool ColourMIPMaps(CMOKTexture& texture);
+
+/// Multiplies the colours of every pixel of every level by its alpha, and sets isPreMultiplied(). Alpha stays.
+/// For 8-bit elements only: of every product the low 8 bits are kept, so that colours of wider elements are lost, and colours of
+/// float elements become whole numbers from 0 to 255, 0 for products below 1.
+/// @return false if the texture is refused or isPreMultiplied() already.
+MOKTEX_API bool PreMultiplyAlpha(CMOKTexture& texture);
+
+/// Gives the colours of fully transparent pixels the mean of the visible pixels (alpha not 0) up to 4 pixels away along each
+/// axis, so that filters and block codecs draw no dark fringe into a cut-out. Alpha stays, and so do pixels without visible
+/// neighbours. White of 32-bit integer elements bleeds as 0. Call it before GenerateMIPMaps(), or on the finished chain: it
+/// treats every level.
+/// @return false if the texture is refused. Memory that is missing for the copy of a level raises nothing: that level stays as it
+///         is, the others are treated, and the result is false if it was the last one.
+MOKTEX_API bool Bleed(CMOKTexture& texture);
+
+/// Mirrors every level along an axis; an unknown axis does nothing and gives true. Orientation metadata stays as it is: call
+/// CMOKTextureHeader::setOrientation() if it is to follow.
+/// @return false if the texture is refused.
+MOKTEX_API bool Flip(CMOKTexture& texture, EMOKTAxis axis);
+
+/// Turns every slice of every level by a quarter about Z: width and height are exchanged.
+/// @param axis  eAxisZ. The others make no picture: all pixels become 0. eAxisX exchanges depth and height, eAxisY sets the
+///        height to the width, and an unknown axis, which gives false, keeps the size.
+/// @param forward  true takes the top left pixel to the top right, clockwise; false to the bottom left
+/// @return false if the texture is refused, the result does not fit in 32 bits, or the axis is unknown.
+MOKTEX_API bool Rotate90(CMOKTexture& texture, EMOKTAxis axis, bool forward);
+
+/// Widens level 0 on both sides of each axis, drops all other levels, and stores the sizes with setBorder(), in place of any
+/// border told before. In x and y the margin mirrors the image with its edge pixel repeated: A B C with a border of 2 becomes
+/// B A A B C C B. What a margin wider than the image cannot mirror is 0.
+/// @param borderX,borderY  pixels on each side. All borders 0 do nothing and give true.
+/// @param borderZ  slices on each side, for room only: the first slice and those behind the image are 0, those between mirror
+///        the image about its first slice, and `borderZ` - 1 slices before the image's last one become 0.
+/// @return false if the texture is refused or the result does not fit in 32 bits.
+MOKTEX_API bool Border(CMOKTexture& texture, unsigned int borderX, unsigned int borderY, unsigned int borderZ);
+
+/// Takes the red channel as heights and makes the texture one of surface normals, PixelTypeRGBA32 with eVarFloat, whatever it was
+/// before; scale and order are stored with setBumpMap(). Levels are converted each by itself. Edges wrap around, for tiles; in a
+/// texture with depth the rows beyond the first and last row are those of slice 0.
+/// @param scale  steepness: a pixel's slope is this times the difference of its two neighbours, on heights from 0 to 1. Below 0
+///        turns the relief inside out. 0 gives false, and the texture is then of the new form with all pixels 0.
+/// @param channelOrder  content of the channels red to alpha: x, y and z of the normal, 0.5 for a component of 0, and h for the
+///        height; other letters, and channels without one, give 1.0. Of equal letters the last one counts.
+/// @return false if the texture is refused, the result does not fit in 32 bits, or `scale` is 0.
+///
+/// @code
+/// moktexture::GenerateNormalMap(texture, 2.0f, "xyzh");
+/// moktexture::Transcode(texture, moktexture::PixelTypeRGBA8, eVarUByteNorm, eColourSpaceLinear);
+/// @endcode
+MOKTEX_API bool GenerateNormalMap(CMOKTexture& texture, float scale, CMOKTString channelOrder);
 
 }  // namespace moktexture

@@ -25,6 +25,13 @@ const std::function<bool(CMOKTexture&)> operations[] = {
     [](Texture& t) { return GenerateMIPMaps(t, eResizeLinear, allMIPLevels); },
     [](Texture& t) { return GenerateMIPMaps(t, eResizeLinear, 1); },
     [](Texture& t) { return ColourMIPMaps(t); },
+    [](Texture& t) { return PreMultiplyAlpha(t); },
+    [](Texture& t) { return Bleed(t); },
+    [](Texture& t) { return Flip(t, eAxisX); },
+    [](Texture& t) { return Rotate90(t, eAxisZ, true); },
+    [](Texture& t) { return Border(t, 1, 0, 0); },
+    [](Texture& t) { return Border(t, 0, 0, 0); },
+    [](Texture& t) { return GenerateNormalMap(t, 1.0f, "xyz"); },
 };
 
 const std::pair<const char*, std::function<void(CMOKTexture&)>> spoilers[] = {

@@ -1,0 +1,54 @@
+#include <type_traits>
+
+#include "image_operations.h"
+#include "operations/channel_elements.h"
+#include "operations/operation_frame.h"
+
+namespace moktexture {
+namespace {
+
+/// What a pixel's colours are multiplied by; 1.0 for the unit, and float alpha as it stands.
+template <typename T>
+float alphaFactor(T alpha) {
+    if constexpr (std::is_same_v<T, float>) {
+        return alpha;
+    } else if constexpr (std::is_same_v<T, std::uint32_t>) {
+        return static_cast<float>(alpha) * reciprocalOfUnit32;
+    } else {
+        return static_cast<float>(alpha) / channelUnit<T>;
+    }
+}
+
+// Kept: of every product only the low 8 bits stay, in wider elements and floats too, which loses their colours; textures that
+// were premultiplied before hold those values.
+template <typename T>
+T elementFromProduct(float product) {
+    if constexpr (std::is_same_v<T, float>) {
+        return static_cast<float>(truncateToInteger(product) & 0xFF);
+    } else {
+        return static_cast<T>(elementFromBounded<T>(product) & 0xFF);
+    }
+}
+
+template <typename T>
+bool premultiplyLevel(T* pixels, std::size_t pixelCount) {
+    for (std::size_t i = 0; i < pixelCount; ++i) {
+        T* const pixel = pixels + i * channelsPerPixel;
+        const float factor = alphaFactor(pixel[3]);
+        for (std::size_t c = 0; c < 3; ++c)
+            pixel[c] = elementFromProduct<T>(static_cast<float>(pixel[c]) * factor);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool PreMultiplyAlpha(CMOKTexture& texture) {
+    if (!isOperable(texture) || texture.isPreMultiplied()) return false;
+    const bool result = processLevels(
+        texture, [](auto* pixels, const TexturePiece& piece) { return premultiplyLevel(pixels, piece.size.pixelCount()); });
+    texture.setIsPreMultiplied(true);
+    return result;
+}
+
+}  // namespace moktexture

@@ -1,0 +1,131 @@
+#include <limits>
+#include <new>
+
+#include "image_operations.h"
+#include "operation_textures.h"
+#include "operations/bleed.h"
+
+using namespace moktexture;
+using namespace operationtextures;
+
+namespace {
+
+bool isMemoryRefused = false;
+
+}  // namespace
+
+// The allocation that does not throw, for arrays.
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return isMemoryRefused ? nullptr : ::operator new[](size);
+}
+
+namespace {
+
+template <typename T>
+void expectProducts(std::initializer_list<std::array<T, 3>> rows) {
+    for (const auto& [colour, alpha, expected] : rows) {
+        CMOKTexture texture = textureOf<T>({1, 1, 1, 2, 2, 2}, {});
+        T* const first = static_cast<T*>(texture.getDataPtr());
+        for (std::size_t i = 0; i < texture.getDataSize() / sizeof(T); ++i)
+            first[i] = i % 4 == 3 ? alpha : colour;
+        ASSERT_TRUE(PreMultiplyAlpha(texture) && texture.isPreMultiplied());
+        EXPECT_FALSE(PreMultiplyAlpha(texture));
+        const std::vector<T> pixels = elementsOf<T>(texture);
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            ASSERT_EQ(pixels[i], i % 4 == 3 ? alpha : expected) << +colour << " by " << +alpha;
+    }
+}
+
+TEST(PreMultiplyAlpha, KeepsTheLowByteOfEveryProductOnce) {
+    expectProducts<std::uint8_t>({{200, 128, 100}, {201, 255, 201}, {255, 1, 1}, {254, 1, 0}, {77, 0, 0}});
+    expectProducts<std::uint16_t>({{60000, 65535, 96}, {300, 32768, 150}, {600, 32768, 44}});
+    expectProducts<std::uint32_t>({{0xFFFFFFFF, 0xFFFFFFFF, 0}, {1000, 0x80000000, 244}, {0x12345678, 0xFFFFFFFF, 0x80}});
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    expectProducts<float>({{0.75f, 1, 0}, {3.5f, 0.5f, 1}, {300.5f, 1, 44}, {1.5f, -1, 255}, {1e30f, 1, 0}, {nan, 1, 0}});
+}
+
+TEST(Bleed, TakesTheMeanOfVisiblePixelsUpToFourAway) {
+    const std::vector<bool> isVisible = {true, false, false, true, false, false, false, false, false, false, false};
+    forEachElementType([&isVisible]<typename T>(T) {
+        const T mean = static_cast<T>(15.5f);
+        const std::vector<T> colours = {10, 7, 7, 21, 7, 7, 7, 7, 7, 7, 7};
+        const std::vector<T> bled = {10, mean, mean, 21, mean, 21, 21, 21, 7, 7, 7};
+        std::vector<T> line, expected;
+        for (std::size_t i = 0; i < colours.size(); ++i) {
+            line.insert(line.end(), {colours[i], colours[i], colours[i], static_cast<T>(isVisible[i])});
+            expected.insert(expected.end(), {bled[i], bled[i], bled[i], static_cast<T>(isVisible[i])});
+        }
+        for (const Shape& shape : {Shape{11, 1, 1}, Shape{1, 11, 1}, Shape{1, 1, 11}}) {
+            CMOKTexture texture = textureOf<T>(shape, line);
+            EXPECT_TRUE(Bleed(texture));
+            EXPECT_EQ(elementsOf<T>(texture), expected);
+        }
+    });
+}
+
+TEST(Bleed, ReachesTheCornersOfItsBoxAndNoFurther) {
+    CMOKTexture texture = textureOf<std::uint8_t>({6, 7, 8}, {9, 9, 9, 1});
+    ASSERT_TRUE(Bleed(texture));
+    const std::vector<std::uint8_t> pixels = elementsOf<std::uint8_t>(texture);
+    for (std::size_t i = 0; i < pixels.size() / 4; ++i)
+        ASSERT_EQ(pixels[i * 4], i % 6 < 5 && i / 6 % 7 < 5 && i / 42 < 5 ? 9 : 0) << i;
+}
+
+TEST(Bleed, GivesTheHandWorkedMeansOfWideElements) {
+    const auto firstRed = []<typename T>(const Shape& shape, const std::vector<T>& elements) {
+        CMOKTexture texture = textureOf<T>(shape, elements);
+        return Bleed(texture) ? elementsOf<T>(texture)[0] : T{1};
+    };
+    EXPECT_EQ((firstRed.operator()<std::uint32_t>({2}, {5, 0, 0, 0, 0xFFFFFFFF, 0, 0, 1})), 0u);
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ((firstRed.operator()<float>({2}, {5, 0, 0, -0.0f, 8.5f, 0, 0, nan})), 8.5f);
+    EXPECT_EQ((firstRed.operator()<float>({2}, {5, 0, 0, nan, 8.5f, 0, 0, 1})), 5.0f);
+    // 1e8, -1e8 and 1 in the order of z, y and x.
+    const std::vector<float> slices = {0, 0, 0, 0, 1e8f, 0, 0, 1, -1e8f, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 1};
+    EXPECT_EQ(firstRed.operator()<float>({2, 2, 2}, slices), 1.0f / 3.0f);
+}
+
+TEST(Bleed, EveryFormGivesTheBitsOfThePlainOne) {
+    const Shape shapes[] = {{1, 1, 1},   {3, 2, 2},  {9, 9, 3},   {9, 9, 4},   {4, 4, 30},
+                            {200, 1, 1}, {1, 40, 6}, {33, 21, 1}, {14, 13, 12}};
+    testimages::Random random(3);
+    forEachElementType([&]<typename T>(T) {
+        for (const Shape& shape : shapes) {
+            for (std::uint32_t oneIn : {2u, 20u, 200u}) {
+                std::vector<T> pixels = randomElements<T>(std::size_t{4} * shape.width * shape.height * shape.depth, random);
+                if (std::is_same_v<T, float>) pixels[0] = std::numeric_limits<T>::infinity();
+                for (std::size_t i = 3; i < pixels.size(); i += 4) {
+                    if (random.below(oneIn) != 0) pixels[i] = T{0};
+                }
+                std::vector<T> plain = pixels;
+                ASSERT_TRUE(bleedLevelPlain(plain.data(), shape.width, shape.height, shape.depth));
+                ASSERT_TRUE(bleedLevel(pixels.data(), shape.width, shape.height, shape.depth));
+                ASSERT_EQ(std::memcmp(pixels.data(), plain.data(), plain.size() * sizeof(T)), 0) << shape.width;
+            }
+        }
+    });
+    EXPECT_TRUE(bleedsByRunningSums<std::uint8_t>({99, 99, 99}) && bleedsByRunningSums<std::uint16_t>({99, 99, 3}));
+    EXPECT_FALSE(bleedsByRunningSums<std::uint16_t>({9, 9, 4}));
+}
+
+TEST(Bleed, TreatsEveryPieceAndFailsWithoutMemory) {
+    forEachElementType([]<typename T>(T) {
+        CMOKTexture texture = randomTexture<T>({12, 9, 2, 3, 2, 2});
+        T* pixel = static_cast<T*>(texture.getDataPtr());
+        for (std::size_t i = 3; i < texture.getDataSize() / sizeof(T); i += 8)
+            pixel[i] = T{0};
+        std::vector<T> expected = elementsOf<T>(texture);
+        isMemoryRefused = true;
+        EXPECT_FALSE(Bleed(texture));
+        isMemoryRefused = false;
+        EXPECT_EQ(elementsOf<T>(texture), expected);
+        T* level = expected.data();
+        for (std::uint32_t i = 0; i < 12; ++i) {
+            bleedLevelPlain(level, texture.getWidth(i / 4), texture.getHeight(i / 4), texture.getDepth(i / 4));
+            level += texture.getDataSize(static_cast<int>(i / 4), false, false) / sizeof(T);
+        }
+        EXPECT_TRUE(Bleed(texture) && elementsOf<T>(texture) == expected);
+    });
+}
+
+}  // namespace
