@@ -47,9 +47,9 @@ EMOKTError CMOKTArray<T>::Remove(unsigned int index) {
     if (size == 0) return eMOKTFail;
     if (index == size - 1) return RemoveLast();
     // Kept: an index out of range drops the last element and reports success.
-    --size;
-    for (unsigned int i = index; i < size; ++i)
+    for (unsigned int i = index; i < size - 1; ++i)
         data[i] = data[i + 1];
+    --size;
     return eMOKTSuccess;
 }
 

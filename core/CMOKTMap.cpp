@@ -1,5 +1,6 @@
 #include "CMOKTMap.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "MetaDataBlock.h"
@@ -45,10 +46,8 @@ unsigned int CMOKTMap<K, V>::GetSize() const {
 
 template <class K, class V>
 unsigned int CMOKTMap<K, V>::GetIndexOf(K key) const {
-    unsigned int index = 0;
-    while (index < size && keys[index] != key)
-        ++index;
-    return index;
+    const K* const first = &keys[0];
+    return static_cast<unsigned int>(std::find(first, first + size, key) - first);
 }
 
 template <class K, class V>

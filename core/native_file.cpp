@@ -91,7 +91,8 @@ ELoadStatus judgeBlock(const ByteReader& source, const NativeReadRules& rules, c
     // Kept: in a file, a block without a payload ends the load, as it makes the save report failure.
     if (head.dataSize == 0 && !rules.emptyBlocks) return eLoadCorrupt;
     if (head.dataSize > source.remaining()) return eLoadTruncated;
-    return end > std::numeric_limits<std::uint32_t>::max() ? eLoadTooLarge : eLoadOk;
+    const bool isAdded = end <= declaredSize || rules.overrun == NativeReadRules::Overrun::accept;
+    return isAdded && end > std::numeric_limits<std::uint32_t>::max() ? eLoadTooLarge : eLoadOk;
 }
 
 /// Adds the block whose head was read to the header.

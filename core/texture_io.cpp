@@ -27,7 +27,7 @@ const char* describe(ELoadStatus status) {
         "The data is not a texture file of a known kind.",
         "The data ends before the header, metadata or pixels that it announces.",
         "The data contradicts itself.",
-        "The texture exceeds the limits.",
+        "The texture exceeds the limits; whatever these are, one face stays below 512 MiB, and all pixel data below 4 GiB.",
         "The file has a layout that this version does not read.",
     };
     return status < sentences.size() ? sentences[status] : "The status is unknown.";

@@ -99,7 +99,7 @@ CMOKTString CMOKTextureHeader::getBumpMapOrder() const {
 
 int CMOKTextureHeader::getNumTextureAtlasMembers() const {
     const MetaDataBlock* const block = findTopic(atlasKey);
-    if (block == nullptr) return 0;
+    if (block == nullptr || block->data == nullptr) return 0;
     // Kept: a texture of one pixel has no atlas, whatever is stored; its header is then no more than a default one.
     if (getWidth() < 2 && getHeight() < 2 && getDepth() < 2) return 0;
     return static_cast<int>(block->dataSize / sizeof(float));
@@ -189,9 +189,10 @@ void CMOKTextureHeader::removeMetaData(const unsigned int& fourCC, const unsigne
     // The references may lie in a block of this very map.
     const unsigned int blockKey = key;
     auto& blocks = metaData[fourCC];
-    // Kept: removing a block that is absent takes off 12 as well, and the count may wrap; so does a removal that the map refuses.
-    record.metaDataSize -= sizeInFile(blocks[blockKey]);
+    const std::uint32_t removedSize = sizeInFile(blocks[blockKey]);
     blocks.Remove(blockKey);
+    // Kept: removing a block that is absent takes off 12 as well, and the count may wrap; so does a removal that the map refuses.
+    record.metaDataSize -= removedSize;
 }
 
 }  // namespace moktexture

@@ -13,7 +13,9 @@ class MOKTEX_API CMOKTMap;
 /// All `capacity` elements are constructed at any time, so an element at or beyond `size` is a live object. The library holds the
 /// instantiations for `unsigned int`, `MetaDataBlock` and `CMOKTMap<unsigned int, MetaDataBlock>`; there are no others.
 ///
-/// Allocation raises `std::bad_alloc` and leaves the array as it was. An object belongs to one thread at a time.
+/// Allocation raises `std::bad_alloc` and leaves the elements as they were, at most with more room, but for Remove(). An
+/// object belongs to one thread at a time. References to elements hold until the array grows, is assigned to or ends; Swap()
+/// hands them over.
 template <class T>
 class MOKTEX_API CMOKTArray {
 public:
@@ -26,7 +28,8 @@ public:
     CMOKTArray& operator=(const CMOKTArray& other);
 
     /// Removes the element at `index` and moves the later ones down.
-    /// An index out of range drops the last element and reports success.
+    /// An index out of range drops the last element and reports success. `std::bad_alloc` from the copy of an element leaves the
+    /// size as it was, with some of the later elements moved down.
     /// @return eMOKTFail if the array is empty.
     virtual EMOKTError Remove(unsigned int index);
     /// Removes the last element. Its storage keeps the old value until it is overwritten.

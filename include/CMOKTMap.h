@@ -9,7 +9,7 @@
 /// The library holds the instantiations `CMOKTMap<unsigned int, MetaDataBlock>` (by key) and
 /// `CMOKTMap<unsigned int, CMOKTMap<unsigned int, MetaDataBlock>>` (by FourCC); there are no others.
 ///
-/// Allocation raises `std::bad_alloc`. An object belongs to one thread at a time.
+/// Allocation raises `std::bad_alloc` and leaves the map with the entries that it had. An object belongs to one thread at a time.
 template <class K, class V>
 class MOKTEX_API CMOKTMap {
 public:
@@ -21,14 +21,16 @@ public:
 
     /// The value of `key`; a key that is not found is appended to the arrays with a default value.
     /// After Remove() or Clear() the arrays are longer than the map: a new key then lies behind the stale entries and is found
-    /// again only while its place is below GetSize().
+    /// again only while its place is below GetSize(). The reference holds until the next key is inserted or removed, and until
+    /// the map is assigned to or ends.
     V& operator[](K key);
 
     /// The map's own count, which may be smaller than that of its arrays.
     unsigned int GetSize() const;
     /// Place of the first entry equal to `key`, or GetSize() if there is none.
     unsigned int GetIndexOf(K key) const;
-    /// The value at `index`, which must be below GetSize(): there is no check. The map owns it.
+    /// The value at `index`, which must be below GetSize(): there is no check. The map owns it, and the address
+    /// holds as long as a reference from operator[] does.
     const V* GetDataAtIndex(unsigned int index) const;
 
     /// Whether GetIndexOf() finds `key`.

@@ -18,7 +18,8 @@
 ///
 /// Arguments come in the order of `std::string`. Nothing checks the index of `operator[]`; all else cuts positions and counts to
 /// what exists, and takes a null `const char*` for an empty string. A count of `npos` means all up to the zero byte. Allocation
-/// raises `std::bad_alloc`, with the string unchanged. An object belongs to one thread at a time.
+/// raises `std::bad_alloc`, with the string unchanged. An object belongs to one thread at a time. What c_str(), data() and
+/// operator[] give holds until the string is changed; swap() hands it over.
 ///
 /// Whatever lengthens the string takes a new buffer of exactly the length needed, also where reserve() has made room: that room
 /// serves assignment.
@@ -71,7 +72,7 @@ public:
     bool empty() const;
     char& operator[](std::size_t index);
     const char& operator[](std::size_t index) const;
-    /// Copies up to `count` bytes from `start` to `buffer`, without a terminator.
+    /// Copies up to `count` bytes from `start` to `buffer`, without a terminator. A null buffer takes nothing.
     /// @return the number of bytes copied.
     std::size_t copy(char* buffer, std::size_t count, std::size_t start = 0) const;
 
@@ -194,10 +195,13 @@ private:
     std::size_t allocated;
 };
 
+/// @name New strings of both sides, one behind the other. A null `const char*` is empty. Raises `std::bad_alloc`.
+/// @{
 MOKTEX_API CMOKTString operator+(const CMOKTString& a, const CMOKTString& b);
 MOKTEX_API CMOKTString operator+(const CMOKTString& a, const char* b);
 MOKTEX_API CMOKTString operator+(const char* a, const CMOKTString& b);
 MOKTEX_API CMOKTString operator+(const CMOKTString& a, char b);
 MOKTEX_API CMOKTString operator+(char a, const CMOKTString& b);
+/// @}
 
 static_assert(sizeof(CMOKTString) == 32);

@@ -13,11 +13,12 @@ namespace moktexture {
 
 /// What a texture is: the header record and a two-level map of metadata. It answers every question of size.
 ///
-/// Nothing is validated: setters store what they get, and all arithmetic on sizes is unsigned, 32 bits wide, and wraps. Raises
-/// `std::bad_alloc` where metadata is copied or written, and no other exception.
+/// Nothing is validated: setters store what they get, and all arithmetic on sizes is unsigned, 32 bits wide, and wraps.
 ///
-/// Thread safety: one object belongs to one thread at a time. This holds for reading too, since `const` getters of metadata may
-/// insert an empty entry into the map.
+/// Whatever copies, reads or writes metadata may raise `std::bad_alloc`, every `const` getter of metadata too, since it may
+/// insert an empty entry into the map. The header is then as it was, but for such an entry. No other exception is raised.
+///
+/// Thread safety: one object belongs to one thread at a time. This holds for reading too, for the same reason.
 class MOKTEX_API CMOKTextureHeader {
 public:
     using MetaDataMap = CMOKTMap<unsigned int, CMOKTMap<unsigned int, MetaDataBlock>>;
@@ -66,6 +67,7 @@ public:
     /// format's rounded-up dimensions are counted. 0 for a format of 0 bits per pixel.
     std::uint32_t getTextureSize(int level = allLevels, bool allSurfaces = true, bool allFaces = true) const;
 
+    /// The flag of the record, a mark for the header's owner: loading and saving do not look at it and never compress.
     bool isFileCompressed() const;
     /// Whether the colours are premultiplied by alpha.
     bool isPreMultiplied() const;
@@ -77,9 +79,9 @@ public:
     bool isBumpMap() const;
     /// 0 if the texture is not a bump map.
     float getBumpMapScale() const;
-    /// Letters of the channels that hold x, y, z and height, at most four; "" if the texture is not a bump map.
+    /// At most four bytes of channel order, such as "xyzh"; "" if the texture is not a bump map.
     CMOKTString getBumpMapOrder() const;
-    /// Number of floats in the texture atlas. 0 without an atlas, and for a texture of 1 by 1 by 1 pixel.
+    /// Number of floats in the texture atlas. 0 without an atlas, for one without data, and for a texture of 1 by 1 by 1 pixel.
     int getNumTextureAtlasMembers() const;
     /// The stored floats, owned by the header and valid until its metadata changes, or null.
     const float* getTextureAtlasData() const;
@@ -90,7 +92,7 @@ public:
     /// A copy of the block; an all-zero one, which is inserted, if there is none.
     MetaDataBlock getMetaData(unsigned int fourCC, unsigned int key) const;
     bool hasMetaData(unsigned int fourCC, unsigned int key) const;
-    /// All metadata, by FourCC and key in order of insertion. Owned by the header.
+    /// All metadata, by FourCC and key in order of insertion. Owned by the header. Insertions by getters show in it.
     const MetaDataMap& getMetaDataMap() const;
 
     void setPixelFormat(PixelType format);
@@ -109,11 +111,10 @@ public:
 
     void setOrientation(EMOKTOrientation orientation);
     /// @param bumpScale  scale of the normals
-    /// @param bumpOrder  channel letters, of which the first four are kept
+    /// @param bumpOrder  channel order, of which the first four bytes are kept
     void setBumpMap(float bumpScale, CMOKTString bumpOrder);
-    /// @param data  `count` floats, which are copied; null stores zeroes. `count` times 4 wraps at 32 bits, and no more bytes
-    /// than
-    ///        that are stored.
+    /// @param data  floats, which are copied; null stores zeroes
+    /// @param count  number of floats; `count` times 4 wraps at 32 bits, and only as many bytes are stored
     void setTextureAtlas(const float* data, unsigned int count);
     /// @param order  face letters, of which the first six are kept. A fresh block is stored under key 2 but carries key 1 into
     /// files.

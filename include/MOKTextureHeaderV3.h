@@ -7,12 +7,13 @@
 struct MOKTextureHeaderV3 {
     /// The bytes "MOK\x03": the first word of a native file and the FourCC of the library's own metadata.
     static constexpr std::uint32_t magic = 0x034B4F4D;
-    /// Bits of `flags`.
+    /// Bits of `flags`: a mark that is kept for its owners, as no file is ever compressed or unpacked by it; and colours
+    /// premultiplied by alpha.
     static constexpr std::uint32_t fileCompressedFlag = 1;
     static constexpr std::uint32_t premultipliedFlag = 2;
 
-    std::uint32_t version = magic;
-    std::uint32_t flags = 0;
+    std::uint32_t version = magic;      ///< the magic; nothing else is loaded
+    std::uint32_t flags = 0;            ///< fileCompressedFlag and premultipliedFlag
     std::uint64_t pixelFormat = 29;     ///< id of a PixelType; 29 is eFmtUnknown
     std::uint32_t colourSpace = 0;      ///< EMOKTColourSpace
     std::uint32_t channelType = 0;      ///< EMOKTVariableType

@@ -27,6 +27,7 @@ enum EMOKTColourSpace : unsigned int {
     eColourSpaceSRGB = 1,
 };
 
+/// Axis of a texture, as CMOKTextureHeader::getOrientation() takes it: x along the width, y the height, z the depth.
 enum EMOKTAxis : unsigned int {
     eAxisX = 0,
     eAxisY = 1,

@@ -19,17 +19,19 @@ enum ELoadStatus : unsigned int {
     eLoadUnknown = 2,      ///< the data is no texture file that this library knows
     eLoadTruncated = 3,    ///< the data ends before the header, metadata or pixels that it announces
     eLoadCorrupt = 4,      ///< the data contradicts itself
-    eLoadTooLarge = 5,     ///< the texture exceeds the limits
+    eLoadTooLarge = 5,     ///< the texture exceeds the limits, or what a texture can be at all; see LoadLimits
     eLoadUnsupported = 6,  ///< a file layout that this version does not read
 };
 
 /// A sentence in English for a status; a static string.
 MOKTEX_API const char* describe(ELoadStatus status);
 
-/// What a load may take. A texture above any of these is refused with eLoadTooLarge.
+/// What a load may take. A texture above any of these is refused with eLoadTooLarge. So is, whatever the limits, one with more
+/// than 255 MIP levels, one whose pixel data reaches 2^32 bytes, and one of which a single face over all its levels reaches 2^32
+/// bits (512 MiB).
 struct LoadLimits {
     std::uint32_t maxEdge = 65536;                              ///< width, height and depth, in pixels
-    std::uint32_t maxLevels = 17;                               ///< MIP levels; at most 255 are ever read
+    std::uint32_t maxLevels = 17;                               ///< MIP levels
     std::uint32_t maxMembers = 2048;                            ///< array members
     std::uint32_t maxMetaDataSize = 16u << 20;                  ///< metadata, in bytes
     std::uint32_t maxMetaDataBlocks = 4096;                     ///< metadata blocks
@@ -41,12 +43,16 @@ struct LoadLimits {
 /// Raises `std::bad_alloc`, with the texture untouched.
 MOKTEX_API ELoadStatus LoadTexture(CMOKTexture& texture, const void* image, std::size_t size, const LoadLimits& limits = {});
 
-/// Loads a texture from a file, whose extension chooses the layout as for the constructor.
+/// Loads a texture from a file, whose extension chooses the layout and whose path is taken as for the constructor.
+/// @param texture  replaced on eLoadOk, else untouched
+/// Raises `std::bad_alloc`, with the texture untouched.
 MOKTEX_API ELoadStatus LoadTextureFile(CMOKTexture& texture, const char* filePath, const LoadLimits& limits = {});
 
 /// Writes a texture as the image of a file into `image`, in the format of an extension: "mok".
 /// @param extension  with or without its dot, in either case of letters
-/// @return false, with `image` untouched, for any other extension and where saveFile() gives false.
+/// @return false, with `image` untouched, for any other extension, for a texture without a buffer, and where the texture or a
+///         metadata block is empty.
+/// Raises `std::bad_alloc`, with `image` untouched.
 MOKTEX_API bool SaveTexture(const CMOKTexture& texture, const char* extension, std::vector<unsigned char>& image);
 
 }  // namespace moktexture

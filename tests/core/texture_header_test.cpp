@@ -1,14 +1,16 @@
 // Sizes, flags and metadata of CMOKTextureHeader.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <tuple>
-#include <utility>
 
 #include "CMOKTextureHeader.h"
 #include "core/data_size.h"
+#include "metadata_samples.h"
 
 using namespace moktexture;
+using namespace metadatasamples;
 
 namespace {
 
@@ -18,16 +20,6 @@ constexpr std::uint32_t huge = 0xFFFFFFFFu;
 CMOKTextureHeader header(PixelType format, std::uint32_t width, std::uint32_t height, std::uint32_t levels = 1,
                          std::uint32_t members = 1, std::uint32_t faces = 1, std::uint32_t depth = 1) {
     return CMOKTextureHeader(format.id, height, width, depth, levels, members, faces, eColourSpaceLinear, eVarUByteNorm, false);
-}
-
-MetaDataBlock block(unsigned int owner, unsigned int key, const std::string& payload) {
-    MetaDataBlock made;
-    made.fourCC = owner;
-    made.key = key;
-    made.dataSize = static_cast<unsigned int>(payload.size());
-    made.data = new unsigned char[payload.size()];
-    std::copy(payload.begin(), payload.end(), made.data);
-    return made;
 }
 
 TEST(TextureHeader, SizesOfEveryFormatFollowTheTable) {
@@ -52,25 +44,27 @@ TEST(TextureHeader, SizesOfEveryFormatFollowTheTable) {
     }
 }
 
-TEST(TextureHeader, BitsOfLevelsAreSummedBeforeTheyBecomeBytes) {
+TEST(TextureHeader, LevelsBeyondTheLastAnswerOnceAndBitsAreSummedOverTheLevels) {
+    const CMOKTextureHeader texture = header(PixelTypeRGBA8, 40, 20, 33, 1, 1, 6);
+    const std::uint32_t sizes[][4] = {
+        // level, width, height, depth
+        {2, 10, 5, 1}, {1, 20, 10, 3}, {5, 1, 1, 1}, {32, 40, 20, 6}, {33, 20, 10, 3}, {34, 0, 0, 0}, {huge, 0, 0, 0}};
+    for (const auto& [level, width, height, depth] : sizes) {
+        EXPECT_EQ(texture.getWidth(level), width) << level;
+        EXPECT_EQ(texture.getHeight(level), height) << level;
+        EXPECT_EQ(texture.getDepth(level), depth) << level;
+    }
+    EXPECT_EQ(texture.getDataSize(33, true, true), texture.getDataSize(1, true, true));
+    EXPECT_EQ(header(PixelTypeRGBA8, 0, 0).getWidth(), 1u);
+
     const CMOKTextureHeader nibble = header(PixelType('l', 0, 0, 0, 4, 0, 0, 0), 2, 1, 2, 3, 2);
-    EXPECT_EQ(nibble.getDataSize(1, false, false), 0u);
+    EXPECT_EQ(nibble.getDataSize(1, true, true), 0u);
     EXPECT_EQ(nibble.getDataSize(-1, false, false), 1u);
     EXPECT_EQ(nibble.getDataSize(-1, true, false), 3u);
     EXPECT_EQ(nibble.getDataSize(-1, false, true), 2u);
     EXPECT_EQ(header(eFmtDXT1, 5, 3, 3).getTextureSize(), 64u);
-}
-
-TEST(TextureHeader, LevelsBeyondTheLastAnswerOnceAndShiftModulo32) {
-    const CMOKTextureHeader texture = header(PixelTypeRGBA8, 40, 20, 33, 1, 1, 6);
-    EXPECT_EQ(texture.getWidth(2), 10u);
-    EXPECT_EQ(texture.getHeight(5), 1u);
-    EXPECT_EQ(texture.getDepth(1), 3u);
-    EXPECT_EQ(texture.getWidth(32), 40u);
-    EXPECT_EQ(texture.getWidth(33), 20u);
-    EXPECT_EQ(texture.getWidth(34), 0u);
-    EXPECT_EQ(texture.getDataSize(33, true, true), texture.getDataSize(1, true, true));
-    EXPECT_EQ(header(PixelTypeRGBA8, 0, 0).getWidth(), 1u);
+    EXPECT_EQ(header(PixelType('r', 'g', 'b', 0, 8, 8, 8, 0), 1, 1).getTextureSize(), 1u);
+    EXPECT_EQ(header(PixelType('l', 0, 0, 0, 8, 0, 0, 0), 1u << 14, 1u << 14, 1, 3).getTextureSize(), 1u << 28);  // wraps
 }
 
 TEST(TextureHeader, SizesThatWrapAreToldApart) {
@@ -90,62 +84,74 @@ TEST(TextureHeader, SizesThatWrapAreToldApart) {
     };
     // clang-format on
     for (const auto& [texture, size, isTrue] : cases) {
-        SCOPED_TRACE(testing::Message() << texture.getWidth() << " by " << texture.getHeight());
-        EXPECT_EQ(sizesAreTrue(texture), isTrue);
-        EXPECT_EQ(texture.getDataSize(), size);
+        EXPECT_EQ(sizesAreTrue(texture), isTrue) << texture.getWidth() << ' ' << texture.getHeight();
+        EXPECT_EQ(texture.getDataSize(), size) << texture.getWidth() << ' ' << texture.getHeight();
     }
 }
 
-TEST(TextureHeader, ClearingOneFlagClearsBoth) {
-    CMOKTextureHeader texture;
+TEST(TextureHeader, SettersStoreWhatTheyGetAndClearingOneFlagClearsBoth) {
+    const MOKTextureHeaderV3 expected = {own, 2, PixelTypeRGBA16.id, eColourSpaceSRGB, eVarFloat, 2, 3, 4, 6, 7, 5, 0};
+    const CMOKTextureHeader built(PixelTypeRGBA16.id, 2, 3, 4, 5, 6, 7, eColourSpaceSRGB, eVarFloat, true);
+    CMOKTextureHeader set;
+    set.setPixelFormat(built.getPixelType());
+    set.setHeight(built.getHeight());
+    set.setWidth(built.getWidth());
+    set.setDepth(built.getDepth());
+    set.setNumMIPLevels(built.getNumMIPLevels());
+    set.setNumArrayMembers(built.getNumArrayMembers());
+    set.setNumFaces(built.getNumFaces());
+    set.setColourSpace(built.getColourSpace());
+    set.setChannelType(built.getChannelType());
+    set.setIsPreMultiplied(built.isPreMultiplied());
+    for (const MOKTextureHeaderV3& record : {built.getFileHeader(), set.getFileHeader()})
+        EXPECT_EQ(std::memcmp(&record, &expected, sizeof(record)), 0);
     for (const auto clear : {&CMOKTextureHeader::setIsFileCompressed, &CMOKTextureHeader::setIsPreMultiplied}) {
-        texture.setIsFileCompressed(true);
-        texture.setIsPreMultiplied(true);
-        EXPECT_TRUE(texture.isFileCompressed() && texture.isPreMultiplied());
-        (texture.*clear)(false);
-        EXPECT_EQ(texture.getFileHeader().flags, 0u);
+        set.setIsFileCompressed(true);
+        set.setIsPreMultiplied(true);
+        EXPECT_TRUE(set.isFileCompressed() && set.isPreMultiplied() && set.getFileHeader().flags == 3);
+        (set.*clear)(false);
+        EXPECT_EQ(set.getFileHeader().flags, 0u);
     }
-}
-
-unsigned int borderDigits(const CMOKTextureHeader& texture) {
-    unsigned int x, y, z;
-    texture.getBorder(x, y, z);
-    return 100 * x + 10 * y + z;
 }
 
 TEST(TextureMetaData, TopicsReadBackAndCountOnce) {
     CMOKTextureHeader texture = header(PixelTypeRGBA8, 2, 2, 1, 1, 6);
-    const float atlas[] = {0.25f, -1.0f, 3.0f};
+    const float atlas[] = {1.5f, 0.0f};
     for (int pass = 0; pass < 2; ++pass) {
         texture.setBorder(1, 2, 3);
         texture.setOrientation(eOrientLeft | eOrientOut);
         texture.setBumpMap(1.5f, "xyzhq");
-        texture.setTextureAtlas(pass == 0 ? atlas : texture.getTextureAtlasData(), 3);
+        texture.setTextureAtlas(pass == 0 ? atlas : texture.getTextureAtlasData(), 2);
         texture.setCubeMapOrder("XxYyZzW");
-        EXPECT_EQ(texture.getMetaDataSize(), 5u * 12 + 12 + 3 + 8 + 12 + 6);
+        EXPECT_EQ(texture.getMetaDataSize(), 5u * 12 + 12 + 3 + 8 + 8 + 6);
     }
-    EXPECT_EQ(borderDigits(texture), 123u);
-    const unsigned int orientation[] = {eOrientLeft, eOrientDown, eOrientOut, 0, 0};
-    for (const unsigned int axis : {0u, 1u, 2u, 3u, 4u})
-        EXPECT_EQ(texture.getOrientation(static_cast<EMOKTAxis>(axis)), orientation[axis]);
-    EXPECT_EQ(texture.getBumpMapScale(), 1.5f);
-    EXPECT_STREQ(texture.getBumpMapOrder().c_str(), "xyzh");
-    EXPECT_EQ(texture.getNumTextureAtlasMembers(), 3);
-    EXPECT_EQ(texture.getTextureAtlasData()[2], 3.0f);
+    using namespace std::string_literals;
+    // Key in the map, key in the block, payload.
+    // clang-format off
+    const std::tuple<unsigned int, unsigned int, std::string> payloads[] = {
+        {0, 0, "\0\0\xC0\x3F\0\0\0\0"s}, {1, 1, "\0\0\xC0\x3Fxyzh"s}, {2, 1, "XxYyZz"}, {3, 3, "\1\0\4"s},
+        {4, 4, "\1\0\0\0\2\0\0\0\3\0\0\0"s}};
+    // clang-format on
+    for (const auto& [key, storedKey, payload] : payloads) {
+        const MetaDataBlock block = texture.getMetaData(own, key);
+        EXPECT_EQ(block.key, storedKey);
+        EXPECT_EQ(payloadOf(block), payload) << key;
+    }
     EXPECT_STREQ(texture.getCubeMapOrder().c_str(), "XxYyZz");
-    EXPECT_EQ(texture.getMetaData(own, 2).key, 1u);
     texture.setNumFaces(1);
     EXPECT_TRUE(texture.getCubeMapOrder().empty());
-    texture.setWidth(1);
-    texture.setHeight(1);
-    EXPECT_EQ(texture.getNumTextureAtlasMembers(), 0);
-    texture.setDepth(2);
-    EXPECT_EQ(texture.getNumTextureAtlasMembers(), 3);
+    const std::uint32_t atlasSizes[][4] = {{2, 1, 1, 2}, {1, 2, 1, 2}, {1, 1, 2, 2}, {1, 1, 1, 0}};
+    for (const auto& [width, height, depth, members] : atlasSizes) {
+        texture.setWidth(width);
+        texture.setHeight(height);
+        texture.setDepth(depth);
+        EXPECT_EQ(texture.getNumTextureAtlasMembers(), static_cast<int>(members));
+    }
 }
 
 TEST(TextureMetaData, ReadingMakesTheOuterEntryOnly) {
     const CMOKTextureHeader texture;
-    EXPECT_FALSE(texture.isBumpMap());
+    EXPECT_TRUE(!texture.isBumpMap() && texture.getBumpMapScale() == 0.0f && texture.getBumpMapOrder().empty());
     EXPECT_EQ(texture.getMetaDataMap().GetSize(), 1u);
     EXPECT_FALSE(texture.hasMetaData(7, 7));
     EXPECT_EQ(texture.getMetaDataMap().GetSize(), 2u);
@@ -156,48 +162,48 @@ TEST(TextureMetaData, ReadingMakesTheOuterEntryOnly) {
     EXPECT_EQ(texture.getMetaDataSize(), 0u);
 }
 
-TEST(TextureMetaData, ShortPayloadsReadAsZeroes) {
+TEST(TextureMetaData, GettersReadZeroesBehindAShortPayload) {
     CMOKTextureHeader texture = header(PixelTypeRGBA8, 4, 4, 1, 1, 6);
-    MetaDataBlock withoutPayload = block(own, 1, "");
-    delete[] std::exchange(withoutPayload.data, nullptr);
+    MetaDataBlock withoutPayload;
+    withoutPayload.fourCC = own;
     withoutPayload.dataSize = 8;
-    for (const MetaDataBlock& added : {block(own, 2, "ab"), block(own, 3, "\1"), block(own, 4, {7, 0, 0, 0, 9}), withoutPayload})
+    for (const MetaDataBlock& added : {withoutPayload, makeBlock({0, 0, -64, 63, 'x'}, 1, own), makeBlock("ab", 2, own),
+                                       makeBlock("\1", 3, own), makeBlock({7, 0, 0, 0, 9}, 4, own)})
         texture.addMetaData(added);
-    EXPECT_EQ(borderDigits(texture), 790u);
-    EXPECT_STREQ(texture.getCubeMapOrder().c_str(), "ab");
-    EXPECT_EQ(texture.getOrientation(eAxisX), eOrientLeft);
-    EXPECT_EQ(texture.getOrientation(eAxisZ), eOrientIn);
-    EXPECT_EQ(texture.getBumpMapScale(), 0.0f);
-    EXPECT_TRUE(texture.getBumpMapOrder().empty());
-    EXPECT_EQ(texture.getMetaData(own, 1).data[7], 0);
+    EXPECT_TRUE(texture.getNumTextureAtlasMembers() == 0 && texture.getTextureAtlasData() == nullptr);
+    EXPECT_TRUE(texture.getBumpMapScale() == 1.5f && texture.getBumpMapOrder() == "x");
+    EXPECT_TRUE(texture.getCubeMapOrder() == "ab");
+    EXPECT_TRUE(texture.getOrientation(eAxisX) == eOrientLeft && texture.getOrientation(eAxisZ) == eOrientIn);
+    unsigned int x, y, z;
+    texture.getBorder(x, y, z);
+    EXPECT_TRUE(x == 7 && y == 9 && z == 0);
+    EXPECT_EQ(payloadOf(texture.getMetaData(own, 0)), std::string(8, 0));
 }
 
 TEST(TextureMetaData, ReplacingCountsTwiceAndRemovingMayWrap) {
-    const MetaDataBlock blocks[] = {block(5, 1, "12"), block(5, 1, "3"), block(5, 9, "4")};
+    const MetaDataBlock blocks[] = {makeBlock("12", 1, 5), makeBlock("3", 1, 5), makeBlock("4", 9, 5)};
     MOKTextureHeaderV3 record;
     record.metaDataSize = 100;
     EXPECT_EQ(CMOKTextureHeader(record, 2, nullptr).getMetaDataSize(), 100u);
     CMOKTextureHeader texture(record, 3, blocks), empty;
     EXPECT_EQ(texture.getMetaDataSize(), 100u + 14 + 13 + 13);
-    EXPECT_EQ(texture.getMetaData(5, 1).data[0], '3');
+    EXPECT_EQ(payloadOf(texture.getMetaData(5, 1)), "3");
     texture.removeMetaData(5, 9);
     EXPECT_EQ(texture.getMetaDataSize(), 127u);
-    EXPECT_FALSE(texture.hasMetaData(5, 9));
     empty.removeMetaData(5, 9);
     EXPECT_EQ(empty.getMetaDataSize(), 0u - 12u);
-    EXPECT_FALSE(empty.hasMetaData(5, 9));
-}
+    EXPECT_FALSE(texture.hasMetaData(5, 9) || empty.hasMetaData(5, 9));
 
-TEST(TextureMetaData, BlocksMayComeFromTheMapItself) {
-    CMOKTextureHeader texture;
-    texture.setCubeMapOrder("XxYyZz");
+    // Blocks and keys may lie in the map itself.
+    CMOKTextureHeader full;
+    full.setCubeMapOrder("XxYyZz");
     for (unsigned int key = 10; key < 25; ++key)
-        texture.addMetaData(block(own, key, "1"));
-    const auto inMap = [&](unsigned int i) { return texture.getMetaDataMap().GetDataAtIndex(0)->GetDataAtIndex(i); };
-    texture.addMetaData(*inMap(0));  // carries key 1, and makes the full array grow
-    EXPECT_EQ(texture.getMetaData(own, 1).dataSize, 6u);
-    texture.removeMetaData(inMap(16)->fourCC, inMap(16)->key);
-    EXPECT_FALSE(texture.isBumpMap());
+        full.addMetaData(makeBlock("1", key, own));
+    const auto inMap = [&](unsigned int i) { return full.getMetaDataMap().GetDataAtIndex(0)->GetDataAtIndex(i); };
+    full.addMetaData(*inMap(0));  // carries another key than it has in the map, and makes the full array grow
+    EXPECT_EQ(lettersOf(full.getMetaDataMap()), "XxYyZz111111111111111XxYyZz|");
+    full.removeMetaData(inMap(16)->fourCC, inMap(16)->key);
+    EXPECT_FALSE(full.isBumpMap());
 }
 
 }  // namespace

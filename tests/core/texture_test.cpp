@@ -5,7 +5,9 @@
 
 #include "CMOKTexture.h"
 #include "core/TextureInternals.h"
+#include "core/texture_path.h"
 #include "native_image.h"
+#include "support/temporary_folder.h"
 #include "support/test_images.h"
 #include "texture_io.h"
 
@@ -14,8 +16,8 @@ using namespace nativeimage;
 
 namespace {
 
-CMOKTexture sample(std::uint32_t levels = 3, std::uint32_t members = 2, std::uint32_t faces = 6) {
-    const CMOKTextureHeader header(eFmtDXT1, 9, 12, 1, levels, members, faces, eColourSpaceSRGB, eVarUByteNorm, true);
+CMOKTexture sample() {
+    const CMOKTextureHeader header(eFmtDXT1, 9, 12, 1, 3, 2, 6, eColourSpaceSRGB, eVarUByteNorm, true);
     CMOKTexture texture(header, testimages::randomBytes(header.getDataSize(), 5).data());
     texture.setBorder(1, 2, 3);
     return texture;
@@ -37,9 +39,9 @@ TEST(Texture, LevelsLieBeforeMembersBeforeFaces) {
     EXPECT_EQ(CMOKTexture().getDataPtr(1, 1, 1), nullptr);
     // Far out of range the levels' sizes go on in turns of 32.
     std::uint32_t offset = 0;
-    for (int level = 0; level < 100; ++level)
+    for (int level = 0; level < 50; ++level)
         offset += texture.getDataSize(level, true, true);
-    EXPECT_EQ(texture.getDataPtr(100, 0, 0), start + offset);
+    EXPECT_EQ(texture.getDataPtr(50, 0, 0), start + offset);
 }
 
 TEST(Texture, CopiesAreDeepAndMovesLeaveADefaultTexture) {
@@ -47,8 +49,6 @@ TEST(Texture, CopiesAreDeepAndMovesLeaveADefaultTexture) {
     const Contents contents = contentsOf(original);
     CMOKTexture copy(original), assigned, moved;
     assigned = copy;
-    CMOKTexture& self = assigned;
-    assigned = self;
     static_cast<unsigned char*>(copy.getDataPtr())[0] ^= 1;
     copy.setBorder(7, 7, 7);
     EXPECT_EQ(contentsOf(original), contents);
@@ -61,26 +61,25 @@ TEST(Texture, CopiesAreDeepAndMovesLeaveADefaultTexture) {
 }
 
 TEST(Texture, WithoutABufferStaysWithoutOne) {
-    const TemporaryFolder folder("without_buffer");
-    MOKTextureHeaderV3 record;
-    record.pixelFormat = PixelTypeRGBA8.id;
-    record.metaDataSize = 1;
-    const CMOKTexture halfLoaded(folder.write("half.mok", make(record, {}, {})).c_str());
-    EXPECT_EQ(TextureInternals::dataSize(halfLoaded), 4u);
+    const TemporaryFolder folder;
+    CMOKTexture halfLoaded = sample();
+    TextureInternals::release(halfLoaded);
+    TextureInternals::setDataSize(halfLoaded, 4);
     CMOKTexture copy(halfLoaded), assigned = sample();
-    assigned = halfLoaded;
-    EXPECT_EQ(contentsOf(copy), contentsOf(halfLoaded));
+    assigned = copy;
     EXPECT_EQ(contentsOf(assigned), contentsOf(halfLoaded));
     Bytes image = {9};
-    EXPECT_FALSE(SaveTexture(copy, "mok", image));
-    EXPECT_FALSE(copy.saveFile(folder.path("copy.mok").c_str()));
+    EXPECT_FALSE(SaveTexture(copy, "mok", image) || copy.saveFile(folder.path("copy.mok").c_str()));
     EXPECT_EQ(image, Bytes{9});
 }
 
 TEST(Texture, IsAddressableOnlyWithAllItsPixels) {
     // Levels and width of the header over a buffer of 3 levels and width 12.
+    // clang-format off
     const std::tuple<unsigned int, unsigned int, bool> cases[] = {
-        {3, 12, true}, {2, 12, true}, {4, 12, false}, {0, 12, false}, {3, 13, false}, {1, 0xFFFFFFFF, false}, {256, 1, false}};
+        {3, 12, true}, {2, 12, true}, {4, 12, false}, {0, 12, false}, {3, 13, false}, {256, 1, false},
+        {1, 0xFFFFFFFF, false}, {1, 89478488, false}};  // wrap to 0 and to 192 bytes
+    // clang-format on
     CMOKTexture texture = sample();
     for (const auto& [levels, width, isAddressable] : cases) {
         texture.setNumMIPLevels(levels);
@@ -93,7 +92,7 @@ TEST(Texture, IsAddressableOnlyWithAllItsPixels) {
 }
 
 TEST(Texture, TheExtensionChoosesTheFileThatIsWritten) {
-    const TemporaryFolder folder("extensions");
+    const TemporaryFolder folder;
     const CMOKTexture texture = sample();
     Bytes image;
     ASSERT_TRUE(SaveTexture(texture, "mok", image));
@@ -110,16 +109,12 @@ TEST(Texture, TheExtensionChoosesTheFileThatIsWritten) {
     for (const char* extension : {"ktx", ".dds", "h", "tga", "", ".", "a.mok", "mo"})
         EXPECT_FALSE(SaveTexture(texture, extension, image)) << extension;
     EXPECT_FALSE(SaveTexture(texture, nullptr, image));
-}
-
-TEST(Texture, WhatIsEmptyIsWrittenButNotCountedAsSaved) {
-    const TemporaryFolder folder("empty");
-    CMOKTexture texture = sample();
-    texture.setCubeMapOrder("");
-    EXPECT_FALSE(texture.saveFile(folder.path("a.mok").c_str()));
-    EXPECT_EQ(folder.read("a.mok").size(), 52u + 24 + 12 + texture.getDataSize());
-    EXPECT_FALSE(CMOKTexture().saveFile(folder.path("b.mok").c_str()));
-    EXPECT_EQ(folder.read("b.mok").size(), 52u);
+    EXPECT_EQ(fileLayoutForLoading("ktx"), FileLayout::native);
+    EXPECT_EQ(fileLayoutForLoading(".ktx"), FileLayout::ktx);
+#if defined(__linux__)
+    std::filesystem::create_symlink("/dev/full", folder.path("full.mok"));
+    EXPECT_FALSE(texture.saveFile(folder.path("full.mok").c_str()));
+#endif
 }
 
 }  // namespace
