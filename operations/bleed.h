@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "operations/level_size.h"
+#include "core/level_size.h"
 
 namespace moktexture {
 

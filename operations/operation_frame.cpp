@@ -9,10 +9,6 @@ bool isOperable(const CMOKTexture& texture) {
     return isOperableTexture(texture.getPixelType(), texture.getChannelType()) && TextureInternals::isAddressable(texture);
 }
 
-LevelSize levelSize(const CMOKTextureHeader& header, std::uint32_t level) {
-    return {header.getWidth(level), header.getHeight(level), header.getDepth(level)};
-}
-
 bool haveEqualShape(const CMOKTextureHeader& a, const CMOKTextureHeader& b) {
     return levelSize(a, 0) == levelSize(b, 0) && a.getNumArrayMembers() == b.getNumArrayMembers() &&
            a.getNumMIPLevels() == b.getNumMIPLevels() && a.getNumFaces() == b.getNumFaces();

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "CMOKTexture.h"
-#include "operations/level_size.h"
+#include "core/level_size.h"
 
 /// @file
 /// What all image operations share: the acceptance test, the walk over the pieces of a texture and the choice of element type.
@@ -33,9 +33,6 @@ enum class WalkedLevels { all, first };
 
 /// Whether an operation may touch the texture: it has one of the four forms, and all its pixels lie in its buffer.
 bool isOperable(const CMOKTexture& texture);
-
-/// Size of a MIP level in pixels.
-LevelSize levelSize(const CMOKTextureHeader& header, std::uint32_t level);
 
 /// Whether both textures have the same size in pixels and the same numbers of members, faces and levels.
 bool haveEqualShape(const CMOKTextureHeader& a, const CMOKTextureHeader& b);

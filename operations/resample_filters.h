@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "operations/channel_elements.h"
-#include "operations/level_size.h"
+#include "core/level_size.h"
 #include "operations/resample_axis.h"
 
 /// @file

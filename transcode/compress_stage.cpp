@@ -12,8 +12,8 @@ namespace moktexture {
 namespace {
 
 /// An RGBA8 level repeated from its origin until it fills the padded size.
-std::vector<unsigned char> tileLevel(const unsigned char* pixels, const ImageSize& size, const ImageSize& padded) {
-    std::vector<unsigned char> tiled(padded.rgba8Bytes());
+std::vector<unsigned char> tileLevel(const unsigned char* pixels, const LevelSize& size, const LevelSize& padded) {
+    std::vector<unsigned char> tiled(rgba8Bytes(padded));
     unsigned char* out = tiled.data();
     for (std::uint32_t z = 0; z < padded.depth; ++z) {
         for (std::uint32_t y = 0; y < padded.height; ++y) {
@@ -26,9 +26,9 @@ std::vector<unsigned char> tileLevel(const unsigned char* pixels, const ImageSiz
 }
 
 std::uint32_t encodeLevel(const LevelCodec& codec, const BlockSize& block, const void* pixels, void* blocks,
-                          const ImageSize& size, ECompressorQuality quality) {
+                          const LevelSize& size, ECompressorQuality quality) {
     if (codec.encode == nullptr) return 0;
-    const ImageSize padded = raisedToBlock(size, block);
+    const LevelSize padded = raisedToBlock(size, block);
     if (padded == size) return codec.encode(pixels, blocks, &size.width, &size.height, codec.arguments, quality);
 
     const std::vector<unsigned char> tiled = tileLevel(static_cast<const unsigned char*>(pixels), size, padded);
@@ -46,7 +46,7 @@ std::uint32_t compressStage(CMOKTexture& texture, PixelType target, ECompressorQ
     std::uint32_t count = 0;
     forEachLevel(header, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
         count += encodeLevel(codec, block, texture.getDataPtr(level, member, face), encoded.getDataPtr(level, member, face),
-                             imageSize(header, level), quality);
+                             levelSize(header, level), quality);
     });
     texture = std::move(encoded);
     return count;

@@ -12,17 +12,17 @@ namespace moktexture {
 namespace {
 
 std::uint32_t decodeLevel(const LevelCodec& codec, const BlockSize& block, const void* blocks, void* pixels,
-                          const ImageSize& size) {
+                          const LevelSize& size) {
     if (codec.decode == nullptr) return 0;
-    const ImageSize padded = raisedToBlock(size, block);
+    const LevelSize padded = raisedToBlock(size, block);
     if (padded == size || codec.decodesSmallLevels)
         return codec.decode(blocks, pixels, &size.width, &size.height, codec.arguments);
 
     // Kept: the decoder gets the true size also where it has a padded destination. DXTn refuses every side that is no multiple of
     // 4, so such levels, among them the small ones of every MIP chain, come out as transparent black.
-    std::vector<unsigned char> scratch(padded.rgba8Bytes());
+    std::vector<unsigned char> scratch(rgba8Bytes(padded));
     const std::uint32_t count = codec.decode(blocks, scratch.data(), &size.width, &size.height, codec.arguments);
-    std::memcpy(pixels, scratch.data(), size.rgba8Bytes());
+    std::memcpy(pixels, scratch.data(), rgba8Bytes(size));
     return count;
 }
 
@@ -39,7 +39,7 @@ std::uint32_t decompressStage(CMOKTexture& texture) {
     std::uint32_t count = 0;
     forEachLevel(header, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
         count += decodeLevel(codec, block, texture.getDataPtr(level, member, face), decoded.getDataPtr(level, member, face),
-                             imageSize(header, level));
+                             levelSize(header, level));
     });
     texture = std::move(decoded);
     return count;

@@ -49,7 +49,7 @@ void ditherStage(CMOKTexture& texture, const PixelType& target) {
     const EChannelName grey = greySource(target);
     if (grey != eChannelNone) makeGrey(dithered, grey);
     forEachLevel(dithered, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
-        const ImageSize size = imageSize(dithered, level);
+        const LevelSize size = levelSize(dithered, level);
         ditherLevel(static_cast<unsigned char*>(dithered.getDataPtr(level, member, face)), target, size.width, size.height,
                     size.depth);
     });

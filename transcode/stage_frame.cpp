@@ -13,11 +13,7 @@ CMOKTextureHeader headerInForm(const CMOKTextureHeader& header, PixelType format
     return form;
 }
 
-ImageSize imageSize(const CMOKTextureHeader& header, std::uint32_t level) {
-    return {header.getWidth(level), header.getHeight(level), header.getDepth(level)};
-}
-
-ImageSize raisedToBlock(const ImageSize& size, const BlockSize& block) {
+LevelSize raisedToBlock(const LevelSize& size, const BlockSize& block) {
     return {std::max(size.width, block.width), std::max(size.height, block.height), std::max(size.depth, block.depth)};
 }
 

@@ -5,6 +5,7 @@
 
 #include "CMOKTexture.h"
 #include "core/data_size.h"
+#include "core/level_size.h"
 
 /// @file
 /// What the stages of Transcode() share: texture forms, sizes of levels, and the walk over a texture.
@@ -17,21 +18,13 @@ inline constexpr std::size_t bytesPerRGBA8Pixel = 4;
 CMOKTextureHeader headerInForm(const CMOKTextureHeader& header, PixelType format, EMOKTVariableType channelType,
                                EMOKTColourSpace colourSpace);
 
-/// Size of one image, a level of a face, in pixels.
-struct ImageSize {
-    std::uint32_t width;
-    std::uint32_t height;
-    std::uint32_t depth;
-
-    /// Bytes in RGBA8.
-    std::size_t rgba8Bytes() const { return std::size_t{width} * height * depth * bytesPerRGBA8Pixel; }
-    bool operator==(const ImageSize&) const = default;
-};
-
-ImageSize imageSize(const CMOKTextureHeader& header, std::uint32_t level);
+/// Bytes of an image of that size in RGBA8.
+inline std::size_t rgba8Bytes(const LevelSize& size) {
+    return size.pixelCount() * bytesPerRGBA8Pixel;
+}
 
 /// The size with every axis that is smaller than the block raised to it; larger ones are not rounded up to its multiples.
-ImageSize raisedToBlock(const ImageSize& size, const BlockSize& block);
+LevelSize raisedToBlock(const LevelSize& size, const BlockSize& block);
 
 /// Calls `visit(level, member, face)` for every image of the texture: members outermost, then faces, then MIP levels.
 template <class Visit>

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "CMOKTextureHeader.h"
+
 namespace moktexture {
 
 /// Size of one MIP level in pixels.
@@ -13,10 +15,11 @@ struct LevelSize {
 
     std::size_t pixelCount() const { return std::size_t{width} * height * depth; }
     bool isEmpty() const { return width == 0 || height == 0 || depth == 0; }
+    bool operator==(const LevelSize&) const = default;
 };
 
-inline bool operator==(const LevelSize& a, const LevelSize& b) {
-    return a.width == b.width && a.height == b.height && a.depth == b.depth;
+inline LevelSize levelSize(const CMOKTextureHeader& header, std::uint32_t level) {
+    return {header.getWidth(level), header.getHeight(level), header.getDepth(level)};
 }
 
 }  // namespace moktexture
