@@ -39,6 +39,16 @@ void operateInPlace(benchmark::State& state, const BenchPicture& picture, bool (
     countPixels(state, pixelsOf(texture));
 }
 
+/// An operation in place on the picture with every other square of 32 by 32 pixels made transparent.
+void operateOnCutOut(benchmark::State& state, const BenchPicture& picture, bool (*operation)(CMOKTexture&)) {
+    BenchPicture cutOut = picture;
+    for (std::size_t i = 0; i < cutOut.rgba.size() / 4; ++i) {
+        const std::size_t square = i % picture.width / 32 + i / picture.width / 32;
+        cutOut.rgba[i * 4 + 3] = square % 2 == 0 ? 0 : 255;
+    }
+    operateInPlace(state, cutOut, operation);
+}
+
 /// An operation that makes a new texture, whose pixels count; the copy of the source is not measured.
 void operateAnew(benchmark::State& state, const BenchPicture& picture, const std::function<bool(CMOKTexture&)>& operation) {
     const CMOKTexture source = textureOf(picture);
@@ -73,6 +83,28 @@ bool makeGrey(CMOKTexture& texture) {
     return CopyChannels(texture, texture, 1, &luminance, &luminance);
 }
 
+bool preMultiply(CMOKTexture& texture) {
+    texture.setIsPreMultiplied(false);
+    return PreMultiplyAlpha(texture);
+}
+
+template <EMOKTAxis Axis>
+bool flip(CMOKTexture& texture) {
+    return Flip(texture, Axis);
+}
+
+bool rotate(CMOKTexture& texture) {
+    return Rotate90(texture, eAxisZ, true);
+}
+
+bool addBorder(CMOKTexture& texture) {
+    return Border(texture, 8, 8, 0);
+}
+
+bool makeNormals(CMOKTexture& texture) {
+    return GenerateNormalMap(texture, 2.0f, "xyzh");
+}
+
 /// Resizes by `numerator / 2`.
 std::function<bool(CMOKTexture&)> resizeBy(std::uint32_t numerator, EResizeMode mode) {
     return [numerator, mode](CMOKTexture& texture) {
@@ -88,17 +120,31 @@ bool makeChain(CMOKTexture& texture) {
 
 void registerOperationBenchmarks(const std::vector<BenchPicture>& pictures) {
     const std::pair<const char*, bool (*)(CMOKTexture&)> inPlace[] = {
-        {"SetChannels/alpha", setAlpha}, {"CopyChannels/swap", swapRedAndBlue}, {"CopyChannels/grey", makeGrey}};
+        {"SetChannels/alpha", setAlpha}, {"CopyChannels/swap", swapRedAndBlue},
+        {"CopyChannels/grey", makeGrey}, {"PreMultiplyAlpha", preMultiply},
+        {"Flip/x", flip<eAxisX>},        {"Flip/y", flip<eAxisY>}};
+    const std::pair<const char*, bool (*)(CMOKTexture&)> onCutOut[] = {{"Bleed/half", Bleed}};
     const std::pair<const char*, std::function<bool(CMOKTexture&)>> anew[] = {
-        {"Resize/nearest/half", resizeBy(1, eResizeNearest)}, {"Resize/linear/half", resizeBy(1, eResizeLinear)},
-        {"Resize/linear/1.5", resizeBy(3, eResizeLinear)},    {"Resize/cubic/half", resizeBy(1, eResizeCubic)},
-        {"Resize/cubic/1.5", resizeBy(3, eResizeCubic)},      {"GenerateMIPMaps/linear", makeChain}};
+        {"Resize/nearest/half", resizeBy(1, eResizeNearest)},
+        {"Resize/linear/half", resizeBy(1, eResizeLinear)},
+        {"Resize/linear/1.5", resizeBy(3, eResizeLinear)},
+        {"Resize/cubic/half", resizeBy(1, eResizeCubic)},
+        {"Resize/cubic/1.5", resizeBy(3, eResizeCubic)},
+        {"GenerateMIPMaps/linear", makeChain},
+        {"Rotate90/z", rotate},
+        {"Border/8", addBorder},
+        {"GenerateNormalMap", makeNormals}};
     for (const BenchPicture& picture : pictures) {
         const auto nameOf = [&picture](const char* what) { return "operations/" + std::string(what) + "/" + picture.name; };
         benchmark::RegisterBenchmark(nameOf("memcpy").c_str(), [&picture](benchmark::State& state) { copy(state, picture); });
         for (const auto& [name, operation] : inPlace) {
             benchmark::RegisterBenchmark(nameOf(name).c_str(), [&picture, run = operation](benchmark::State& state) {
                 operateInPlace(state, picture, run);
+            });
+        }
+        for (const auto& [name, operation] : onCutOut) {
+            benchmark::RegisterBenchmark(nameOf(name).c_str(), [&picture, run = operation](benchmark::State& state) {
+                operateOnCutOut(state, picture, run);
             });
         }
         for (const auto& [name, operation] : anew) {

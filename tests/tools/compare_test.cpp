@@ -7,7 +7,11 @@ TEST_F(ToolTest, CompareGivesNumbersWorkedByHand) {
     const struct {
         const char* channel;
         double error, psnr, largest;
-    } expected[] = {{"r", 4.5, 41.5987, 3}, {"g", 8, 39.0998, 4}, {"rgb", 12.5 / 3, 41.9329, 4}, {"rgba", 3.125, 43.1823, 4}};
+    } expected[] = {{"r", 4.5, 41.5987, 3},
+                    {"g", 8, 39.0998, 4},
+                    {"rgb", 12.5 / 3, 41.9329, 4},
+                    {"rgba", 3.125, 43.1823, 4},
+                    {"weighted", 0.299 * 4.5 + 0.587 * 8, 40.3193, 4}};
     const nlohmann::json& channels = comparison["levels"][0]["channels"];
     for (const auto& [channel, error, psnr, largest] : expected) {
         EXPECT_DOUBLE_EQ(channels[channel]["mse"], error) << channel;

@@ -16,42 +16,107 @@ TEST_F(ToolTest, PicturesComeBackUnchangedThroughUncompressedFormats) {
 
 TEST_F(ToolTest, MipmappedBlockTexturesDecodeOnEveryLevel) {
     writePNG("a.png", 100, 50, testimages::Kind::gradient);
-    for (const char* format : {"dxt1", "bc2", "dxt5"}) {
-        expectSuccess(std::string("convert @a.png @block.mok -y -m --resize pow2 -f ") + format);
-        expectSuccess("convert @a.png @plain.mok -y --mipmaps --resize 128x64");
+    for (const char* format :
+         {"dxt1", "bc2", "dxt5", "etc1 -q 1", "moktc-2bpp-rgb", "moktc-2bpp-rgba", "moktc-4bpp-rgb -q fastest",
+          "moktc-4bpp-rgba -q 0", "uyvy --resize 128x50", "yuy2 --resize 128x64"}) {
+        const std::string size = std::string(format).find("--resize") == std::string::npos ? " --resize pow2" : "";
+        expectSuccess("convert @a.png @block.mok -y -m" + size + " -f " + format);
         const nlohmann::json description = info("block.mok");
         EXPECT_EQ(description["levels"].size(), 8u);
         EXPECT_EQ(description["width"], 128);
-        EXPECT_EQ(description["height"], 64);
-        expectSuccess("compare @plain.mok @block.mok --levels --min-psnr 15");
+        expectSuccess("convert @a.png @plain.mok -y --mips --set-channel a=255 --resize 128x" + description["height"].dump());
+        const nlohmann::json levels = compare("plain.mok", "block.mok", "--levels")["levels"];
+        ASSERT_EQ(levels.size(), 8u) << format;
+        for (const nlohmann::json& level : levels)
+            EXPECT_GE(level["channels"]["rgb"]["psnr"].is_null() ? 99 : level["channels"]["rgb"]["psnr"].get<double>(), 14)
+                << format << level["level"];
         expectSuccess("convert @block.mok @level.png -y --level 7");
         EXPECT_EQ(info("level.png")["width"], 1);
     }
 }
 
+TEST_F(ToolTest, BlackAndWhiteComesBackOnEveryLevelThatIsBlackAndWhite) {
+    std::vector<std::uint8_t> checks;
+    for (int i = 0; i < 64 * 16; ++i)
+        checks.insert(checks.end(), {std::uint8_t(-(i / 16 & 1)), std::uint8_t(-(i / 16 & 1)), std::uint8_t(-(i / 16 & 1)), 255});
+    writePNG("a.png", 64, 16, checks);
+    expectSuccess("convert @a.png @bits.mok -f bw1 -m=5 --mip-filter nearest");
+    expectSuccess("convert @a.png @plain.mok -m=5 --mip-filter nearest");
+    EXPECT_EQ(compare("bits.mok", "plain.mok", "--levels")["equal"], true);
+}
+
+TEST_F(ToolTest, LevelsThatAreNoWholeBlocksDecodeAsTheDataHasThem) {
+    // An outer size of whole blocks gives the bytes; the same bytes under a smaller size are the cropped picture.
+    const struct {
+        const char* format;
+        std::uint32_t width, height, croppedWidth, croppedHeight;
+    } cases[] = {{"etc1", 8, 8, 5, 7}, {"etc1", 4, 4, 3, 2}, {"dxt1", 8, 8, 5, 7}, {"uyvy", 8, 3, 7, 3},
+                 {"yuy2", 2, 4, 1, 4}, {"bw1", 16, 3, 9, 3}, {"bw1", 8, 5, 3, 5}};
+    for (const auto& [format, width, height, croppedWidth, croppedHeight] : cases) {
+        writePNG("a.png", width, height, testimages::Kind::noise);
+        expectSuccess(std::string("convert @a.png @whole.mok -y -f ") + format);
+        expectSuccess("convert @whole.mok @whole.png -y");
+        std::string bytes = read("whole.mok");
+        bytes[24] = static_cast<char>(croppedHeight);
+        bytes[28] = static_cast<char>(croppedWidth);
+        write("part.mok", bytes);
+        expectSuccess("convert @part.mok @part.png -y");
+        const std::vector<std::uint8_t> whole = pixelsOf("whole.png"), part = pixelsOf("part.png");
+        ASSERT_EQ(part.size(), croppedWidth * croppedHeight * 4u) << format;
+        for (std::size_t i = 0; i < part.size(); ++i) {
+            const std::size_t y = i / (croppedWidth * 4), x = i % (croppedWidth * 4);
+            ASSERT_EQ(part[i], whole[y * width * 4 + x]) << format << ' ' << x / 4 << ' ' << y;
+        }
+    }
+}
+
+TEST_F(ToolTest, EverySliceOfACompressedVolumeDecodes) {
+    writePNG("a.png", 8, 8, testimages::Kind::edges);
+    for (const char* format : {"moktc-4bpp-rgb", "moktc-2bpp-rgb --resize 16x8", "etc1", "uyvy"}) {
+        expectSuccess(std::string("convert @a.png @flat.mok -y -f ") + format);
+        std::string bytes = read("flat.mok");
+        const std::size_t dataSize = info("flat.mok")["levels"][0]["bytes"];
+        bytes[32] = 2;
+        write("volume.mok", bytes + bytes.substr(bytes.size() - dataSize));
+        expectSuccess("convert @flat.mok @plain.mok -y -f rgba8888");
+        expectSuccess("convert @volume.mok @slices.mok -y -f rgba8888");
+        const std::string one = read("plain.mok"), two = read("slices.mok");
+        const std::string slice = one.substr(one.size() - info("plain.mok")["levels"][0]["bytes"].get<std::size_t>());
+        EXPECT_TRUE(two.ends_with(slice + slice)) << format;
+    }
+}
+
 TEST_F(ToolTest, SizesThatBlocksCannotHoldAreRefusedWithTheRemedy) {
+    const std::string multipleOf4 = ": each level's width and height must be a multiple of 4, or below 4; use --resize ";
+    const std::string powersOfTwo = ": width and height must be powers of two from ";
     const struct {
         std::uint32_t width, height;
-        const char *options, *remedy;
+        std::string options, remedy;
     } cases[] = {
-        {500, 300, "-m",
-         "level 1 of 250 x 150: each level's width and height must be a multiple of 4, or below 4; "
-         "use --resize 512x256 or --mipmaps=1"},
-        {24, 40, "-m=3",
-         "level 2 of 6 x 10: each level's width and height must be a multiple of 4, or below 4; "
-         "use --resize 32x48 or --mipmaps=2"},
-        {10, 3, "", "level 0 of 10 x 3: each level's width and height must be a multiple of 4, or below 4; use --resize 12x3"},
+        {500, 300, "dxt1 -m", "level 1 of 250 x 150" + multipleOf4 + "512x256 or --mipmaps=1"},
+        {24, 40, "dxt1 -m=3", "level 2 of 6 x 10" + multipleOf4 + "32x48 or --mipmaps=2"},
+        {10, 3, "dxt1", "level 0 of 10 x 3" + multipleOf4 + "12x3"},
+        {10, 3, "dxt1 --rotate90 z --border 2x1", "level 0 of 7 x 12" + multipleOf4 + "10x4"},
+        {9, 30, "etc1", "level 0 of 9 x 30" + multipleOf4 + "8x32"},
+        {7, 5, "uyvy", "level 0 of 7 x 5: each level's width must be a multiple of 2, or below 2; use --resize 8x5"},
+        {6, 5, "yuy2 -m",
+         "level 1 of 3 x 2: each level's width must be a multiple of 2, or below 2; use --resize 8x5 or --mipmaps=1"},
+        {20, 5, "bw1", "level 0 of 20 x 5: each level's width must be a multiple of 8, or below 8; use --resize 24x5"},
+        {48, 8, "moktc-2bpp-rgb -m", "48 x 8" + powersOfTwo + "16 x 8 to 4096 x 4096; use --resize 64x8"},
+        {8, 5000, "moktc-2bpp-rgb", "8 x 5000" + powersOfTwo + "16 x 8 to 4096 x 4096; use --resize 16x4096"},
+        {4, 12, "moktc-4bpp-rgba", "4 x 12" + powersOfTwo + "8 x 8 to 4096 x 4096; use --resize 8x16"},
     };
     for (const auto& [width, height, options, remedy] : cases) {
         writePNG("a.png", width, height);
-        const ToolRun result = run(std::string("convert @a.png @a.mok -f dxt1 ") + options);
+        const ToolRun result = run("convert @a.png @a.mok -f " + options);
         EXPECT_EQ(result.status, ExitStatus::notSupported);
-        EXPECT_EQ(result.err, "moktex: " + path("a.png") + ": dxt1 cannot hold " + remedy + '\n');
+        const std::string name = options.substr(0, options.find(' '));
+        EXPECT_EQ(result.err, "moktex: " + path("a.png") + ": " + name + " cannot hold " + remedy + '\n');
         EXPECT_EQ(files(), Names{"a.png"});
         for (std::string option = remedy; option.find("--") != std::string::npos;) {  // each remedy works
             option = option.substr(option.find("--"));
             const std::string words = option.substr(0, option.find(" or"));
-            expectSuccess(std::string("convert @a.png @b.mok -f dxt1 ") + options + ' ' + words);
+            expectSuccess("convert @a.png @b.mok -f " + options + ' ' + words);
             option = option.substr(2);
             std::filesystem::remove(path("b.mok"));
         }
@@ -63,8 +128,8 @@ TEST_F(ToolTest, EachKindOfBadRequestHasItsStatusAndOneLineAndLeavesNothing) {
     expectSuccess("convert @a.png @good.mok");
     const std::string mok = read("good.mok"), png = read("a.png");
     std::string unknownFormat = mok;
-    unknownFormat.replace(8, 8, std::string("\x06\0\0\0\0\0\0\0", 8));
-    write("etc1.mok", unknownFormat);
+    unknownFormat.replace(8, 8, std::string("\x0C\0\0\0\0\0\0\0", 8));
+    write("bc4.mok", unknownFormat);
     write("cut.mok", mok.substr(0, mok.size() - 1));
     write("cut.png", png.substr(0, png.size() / 2));
     write("text.mok", "no texture");
@@ -104,7 +169,10 @@ TEST_F(ToolTest, EachKindOfBadRequestHasItsStatusAndOneLineAndLeavesNothing) {
         {"convert @a.png @new.gif", ExitStatus::notSupported},
         {"convert @a.png @new.mok -f bc7", ExitStatus::notSupported},
         {"convert @a.png @new.mok -f rgb8.4.4:ubytenorm", ExitStatus::notSupported},
-        {"convert @etc1.mok @new.png", ExitStatus::notSupported},
+        {"convert @bc4.mok @new.png", ExitStatus::notSupported},
+        {"convert @a.png @new.mok -f moktc2-4bpp", ExitStatus::notSupported},
+        {"convert @a.png @new.mok -f moktc-4bpp-rgb -q 1", ExitStatus::notSupported},
+        {"convert @a.png @new.mok -f moktc-4bpp-rgb -q fast", ExitStatus::notSupported},
         {"info @none.mok", ExitStatus::inputOutput},
         {"compare @a.png @none.png", ExitStatus::inputOutput},
     };

@@ -85,10 +85,23 @@ TEST(FormatNames, ThatNameNothingAreRefused) {
     EXPECT_EQ(nameOf(TextureForm{PixelType(77), eVarUByteNorm}), "unknown-77");
 }
 
-TEST(QualityNames, AreNumbersOrWords) {
-    EXPECT_EQ(parseQuality("fastest"), eCompressorQuality0);
-    EXPECT_EQ(parseQuality("thorough"), parseQuality("3"));
-    EXPECT_EQ(parseQuality("exhaustive"), eCompressorQuality5);
-    for (const char* text : {"", "6", "-1", "best", "3 "})
+TEST(QualityNames, AreNumbersOrWordsAndSettledByFormat) {
+    const struct {
+        const char* text;
+        unsigned int dxt1, etc1, moktc;
+    } cases[] = {
+        {"", 3, 3, 0},           {"fastest", 0, 1, 0},  {"fast", 1, 1, 1},
+        {"medium", 2, 3, 2},     {"thorough", 3, 3, 3}, {"verythorough", 4, 5, 4},
+        {"exhaustive", 5, 5, 5}, {"0", 0, 0, 0},        {"2", 2, 2, 2},
+        {"5", 5, 5, 5},
+    };
+    for (const auto& [text, dxt1, etc1, moktc] : cases) {
+        const std::optional<Quality> quality = *text != 0 ? std::optional(parseQuality(text)) : std::nullopt;
+        EXPECT_EQ(encoderQuality(quality, eFmtDXT1), dxt1) << text;
+        EXPECT_EQ(encoderQuality(quality, eFmtETC1), etc1) << text;
+        EXPECT_EQ(encoderQuality(quality, eFmtMOKTC2bppRGB), moktc) << text;
+        EXPECT_EQ(qualityProblem(encoderQuality(quality, eFmtMOKTC2bppRGB), eFmtMOKTC2bppRGB).empty(), moktc == 0) << text;
+    }
+    for (const char* text : {"6", "-1", "best", "3 "})
         EXPECT_THROW(parseQuality(text), Failure) << text;
 }

@@ -70,6 +70,14 @@ protected:
                   testimages::Kind kind = testimages::Kind::softAlpha) const {
         writePNG(name, width, height, testimages::make(kind, width, height));
     }
+    /// The bytes of a picture's pixels, RGBA8.
+    std::vector<std::uint8_t> pixelsOf(const std::string& name) const {
+        const std::string bytes = read(name);
+        const std::vector<unsigned char> file(bytes.begin(), bytes.end());
+        const moktexture::CMOKTexture picture = moktextool::decodePicture(file, name);
+        const auto* pixels = static_cast<const std::uint8_t*>(picture.getDataPtr());
+        return {pixels, pixels + picture.getDataSize()};
+    }
     /// Names of the files in the folder, to see that nothing is left behind.
     std::vector<std::string> files() const {
         std::vector<std::string> names;

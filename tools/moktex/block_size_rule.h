@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "texture_form.h"
@@ -15,9 +16,13 @@ struct PlannedSize {
     std::uint32_t levels;
 };
 
-/// Why a format cannot hold a texture of that size, with the nearest size that it can hold and the options that lead there.
-/// "" if it can.
-std::string sizeProblem(const TextureForm& target, const PlannedSize& size);
+/// Why a format cannot hold a texture of some size, and what it can hold.
+struct SizeProblem {
+    std::string rule;             ///< what is wrong, without the remedy
+    std::uint32_t width, height;  ///< the nearest size that works with as many levels; 0 if none does
+    std::uint32_t fittingLevels;  ///< how many levels of the size work
+};
+std::optional<SizeProblem> sizeProblem(const TextureForm& target, const PlannedSize& size);
 
 /// The power of two nearest to `size`, the larger one of two.
 std::uint32_t nearestPowerOfTwo(std::uint32_t size);

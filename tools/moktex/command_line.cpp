@@ -4,22 +4,23 @@
 #include <algorithm>
 
 #include "console.h"
+#include "operation_options.h"
 
 namespace moktextool {
 
 namespace {
 
-constexpr const char* footer =
-    "Exit status: 0 success, 1 command line, 2 reading or writing failed, 3 invalid input file,\n"
+constexpr const char* exitStatuses =
+    "\nExit status: 0 success, 1 command line, 2 reading or writing failed, 3 invalid input file,\n"
     "4 failure while working, 5 not supported, 7 compared and different.\n"
     "'moktex COMMAND --help' explains a command, with examples.";
 
-/// Gives `-m` and `--mipmaps` without a number one of their own, so that they do not swallow the argument behind them.
+/// Gives `-m`, `--mips` and `--mipmaps` without a number one of their own, so that they do not swallow the argument behind them.
 void settleMipmaps(std::vector<std::string>& arguments) {
     for (std::size_t i = 0; i < arguments.size() && arguments[i] != "--"; ++i) {
         std::string& argument = arguments[i];
         if (argument.starts_with("-m=")) argument = "--mipmaps=" + argument.substr(3);
-        if (argument != "-m" && argument != "--mipmaps") continue;
+        if (argument != "-m" && argument != "--mipmaps" && argument != "--mips") continue;
         const std::string next = i + 1 < arguments.size() ? arguments[i + 1] : "";
         const bool hasNumber = !next.empty() && next.find_first_not_of("0123456789") == std::string::npos;
         if (!hasNumber) argument = "--mipmaps=all";
@@ -39,7 +40,7 @@ ExitStatus runMoktex(std::vector<std::string> arguments, Console& console) {
     CLI::App app("Makes, inspects and compares GPU textures.", "moktex");
     app.require_subcommand(1);
     app.set_version_flag("--version", "moktex " MOKTEX_VERSION);
-    app.footer(footer);
+    app.footer("Operations of 'moktex convert', in the order in which they are given:\n" + operationHelp() + exitStatuses);
     app.failure_message(oneLine);
     addConvertCommand(app, console, status);
     addInfoCommand(app, console, status);

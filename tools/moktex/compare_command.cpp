@@ -75,8 +75,8 @@ void printLevel(const LevelDifference& level, std::ostream& out) {
         << "  channel           MSE   PSNR [dB]     largest\n";
     for (std::size_t i = 0; i < differenceNames.size(); ++i) {
         const ChannelDifference& channel = level.channels[i];
-        out << "  " << std::left << std::setw(7) << differenceNames[i] << std::right << std::setprecision(6) << std::defaultfloat
-            << std::setw(14) << channel.meanSquaredError << std::setw(12);
+        out << "  " << std::left << std::setw(8) << differenceNames[i] << std::right << std::setprecision(6) << std::defaultfloat
+            << std::setw(13) << channel.meanSquaredError << std::setw(12);
         if (std::isinf(channel.psnr))
             out << (channel.psnr > 0 ? "inf" : "-inf");
         else
@@ -127,7 +127,8 @@ void addCompareCommand(CLI::App& app, Console& console, ExitStatus& status) {
         "Example: moktex compare photo.png back.png --min-psnr 30\n"
         "Values are compared as they are stored, at 8 bits a channel unless both sides hold more: then at 16 bits, or as\n"
         "floats of peak 1. Equal images have a PSNR of inf (null in JSON). Over all is the mean of red, green, blue and\n"
-        "alpha, 'rgba'. Sizes that differ give status 7.");
+        "alpha, 'rgba'; 'weighted' is red, green and blue by their weight for the eye, 0.299, 0.587 and 0.114. Sizes that\n"
+        "differ give status 7.");
     command.add_option("A", arguments->a, "File, or '-' for standard input")->required()->type_name("");
     command.add_option("B", arguments->b, "File")->required()->type_name("");
     command.add_flag("--levels", arguments->levels, "Compare all MIP levels that both have, not only the first");

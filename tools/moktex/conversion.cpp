@@ -1,7 +1,6 @@
 #include "conversion.h"
 
 #include <algorithm>
-#include <bit>
 #include <ostream>
 
 #include "block_size_rule.h"
@@ -24,35 +23,40 @@ struct Conversion {
     CMOKTexture texture;
     TextureForm target;
     EMOKTColourSpace colourSpace;
-    PlannedSize size;
+    ECompressorQuality quality;
+    PlannedSize resized;                       ///< before the operations
+    PlannedSize size;                          ///< behind them
+    std::vector<OperationContext> operations;  ///< of each operation
     bool isPictureOutput;
 
-    bool resizes() const { return size.width != texture.getWidth() || size.height != texture.getHeight(); }
-    bool makesLevels() const { return request.mipmaps.has_value(); }
+    bool resizes() const { return resized.width != texture.getWidth() || resized.height != texture.getHeight(); }
     bool changesPixels() const {
-        return resizes() || makesLevels() || isPictureOutput || !(target == formOf(texture)) ||
+        return resizes() || !request.operations.empty() || isPictureOutput || !(target == formOf(texture)) ||
                colourSpace != texture.getColourSpace();
     }
 };
 
-PlannedSize planSize(const ConversionRequest& request, const CMOKTextureHeader& header, const std::string& name) {
+PlannedSize planResize(const ConversionRequest& request, const CMOKTextureHeader& header) {
     PlannedSize size{header.getWidth(), header.getHeight(), header.getDepth(), header.getNumMIPLevels()};
-    if (request.resize) {
-        const auto [width, height] = *request.resize;
-        size.width = width != 0 ? width : nearestPowerOfTwo(size.width);
-        size.height = height != 0 ? height : nearestPowerOfTwo(size.height);
-        if (size.width != header.getWidth() || size.height != header.getHeight()) size.levels = 1;
-    }
-    if (request.mipmaps) {
-        const auto fullChain = static_cast<std::uint32_t>(std::bit_width(std::max({size.width, size.height, size.depth})));
-        size.levels = *request.mipmaps == allMIPLevels ? fullChain : *request.mipmaps;
-        if (size.levels > fullChain) {
-            throw Failure(ExitStatus::commandLine, name,
-                          "--mipmaps=" + std::to_string(size.levels) +
-                              " is more than the full chain has; use --mipmaps, or at most " + std::to_string(fullChain));
-        }
-    }
+    if (!request.resize) return size;
+    const auto [width, height] = *request.resize;
+    size.width = width != 0 ? width : nearestPowerOfTwo(size.width);
+    size.height = height != 0 ? height : nearestPowerOfTwo(size.height);
+    if (size.width != header.getWidth() || size.height != header.getHeight()) size.levels = 1;
     return size;
+}
+
+/// What a full channel of a form counts for the user.
+double unitOf(const TextureForm& form) {
+    const bool isPlain = isCompressed(form.format) || (form.channelType != eVarFloat && !isSigned(form.channelType));
+    if (!isPlain || widestChannel(form) > 16) return 1;
+    return widestChannel(form) <= 8 ? 255 : 65535;
+}
+
+bool hasBorder(const CMOKTextureHeader& header) {
+    unsigned int x, y, z;
+    header.getBorder(x, y, z);
+    return x != 0 || y != 0 || z != 0;
 }
 
 /// A Failure if the image that is to become a picture does not exist.
@@ -69,48 +73,118 @@ void requireImage(const ConversionRequest& request, const CMOKTextureHeader& hea
     require("--face", request.face, header.getNumFaces());
 }
 
-void checkPlan(const Conversion& conversion) {
-    const auto& [request, name, console, texture, target, colourSpace, size, isPictureOutput] = conversion;
-    if (conversion.changesPixels()) requireDecodable(formOf(texture), name);
-    if (colourSpace != texture.getColourSpace() && texture.getColourSpace() > eColourSpaceSRGB) {
-        throw Failure(ExitStatus::notSupported, name,
-                      "its colour space is " + nameOf(texture.getColourSpace()) + "; say what it is by --assign-colour-space");
+/// The options that lead from the wanted size to one that the format can hold; "" if there are none.
+std::string sizeRemedy(const SizeProblem& problem, const ConversionRequest& request, bool isPictureOutput) {
+    const std::uint32_t scale = isPictureOutput ? request.level : 0;
+    PlannedSize wanted{problem.width << scale, problem.height << scale, 1, 1};
+    bool isPossible = problem.width != 0;
+    for (auto operation = request.operations.rbegin(); isPossible && operation != request.operations.rend(); ++operation)
+        isPossible = (*operation)->undoSize(wanted);
+    if (!isPossible) return "";
+    return "; use --resize " + std::to_string(wanted.width) + 'x' + std::to_string(wanted.height) +
+           (problem.fittingLevels > 0 ? " or --mipmaps=" + std::to_string(problem.fittingLevels) : "");
+}
+
+void checkSize(const Conversion& conversion) {
+    const ConversionRequest& request = conversion.request;
+    PlannedSize encoded = conversion.size;
+    if (conversion.isPictureOutput) {
+        requireImage(request, conversion.texture, encoded.levels, conversion.name);
+        encoded = {std::max(1u, encoded.width >> request.level), std::max(1u, encoded.height >> request.level), 1, 1};
     }
-    if (const CompressedFormat* row = findCompressed(target.format);
-        row != nullptr && !row->hasEncoder && conversion.changesPixels())
-        throw Failure(ExitStatus::notSupported, name,
+    if (!conversion.changesPixels()) return;
+    if (const auto problem = sizeProblem(conversion.target, encoded)) {
+        throw Failure(ExitStatus::notSupported, conversion.name,
+                      problem->rule + sizeRemedy(*problem, request, conversion.isPictureOutput));
+    }
+}
+
+void checkEncoder(const Conversion& conversion) {
+    const PixelType format = conversion.target.format;
+    const CompressedFormat* row = findCompressed(format);
+    if (row != nullptr && !row->hasEncoder)
+        throw Failure(ExitStatus::notSupported, conversion.name,
                       std::string(row->name) + " has no encoder; 'moktex formats' lists those that have");
-    PlannedSize encoded = size;
-    if (isPictureOutput) {
-        requireImage(request, texture, size.levels, name);
-        encoded = {std::max(1u, size.width >> request.level), std::max(1u, size.height >> request.level), 1, 1};
+    if (const std::string problem = qualityProblem(conversion.quality, format); !problem.empty())
+        throw Failure(ExitStatus::notSupported, conversion.name, problem);
+}
+
+void checkColourSpace(const ConversionRequest& request, const PlannedTexture& planned, EMOKTColourSpace wanted) {
+    if (planned.holdsNormals && request.colourSpace == eColourSpaceSRGB)
+        throw Failure(ExitStatus::commandLine, planned.name, "--colour-space srgb: normals are no colours; leave it out");
+    if (wanted != planned.colourSpace && planned.colourSpace > eColourSpaceSRGB) {
+        throw Failure(ExitStatus::notSupported, planned.name,
+                      "its colour space is " + nameOf(planned.colourSpace) + "; say what it is by --assign-colour-space");
     }
-    if (const std::string problem = sizeProblem(target, encoded); !problem.empty() && conversion.changesPixels())
-        throw Failure(ExitStatus::notSupported, name, problem);
+}
+
+/// The form of an output that is not told: that of the input, RGBA8 for a picture and where normals find no three channels.
+TextureForm usualForm(const TextureForm& source, bool isPictureOutput, bool holdsNormals) {
+    const bool hasThreeChannels = isCompressed(source.format) || source.format.layout.channelName[2] != 0;
+    return isPictureOutput || (holdsNormals && !hasThreeChannels) ? rgba8Form : source;
 }
 
 Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std::string& name, const std::string& output,
                 Console& console) {
     if (request.assignedColourSpace) texture.setColourSpace(*request.assignedColourSpace);
     const bool isPictureOutput = outputKind(output) == OutputKind::picture;
-    const TextureForm target = request.form.value_or(isPictureOutput ? rgba8Form : formOf(texture));
-    const EMOKTColourSpace colourSpace = request.colourSpace.value_or(texture.getColourSpace());
-    const PlannedSize size = planSize(request, texture, name);
-    Conversion conversion{request, name, console, std::move(texture), target, colourSpace, size, isPictureOutput};
-    checkPlan(conversion);
+    const TextureForm source = formOf(texture);
+    const PlannedSize resized = planResize(request, texture);
+    PlannedTexture planned{
+        name, console, resized, unitOf(source), texture.getColourSpace(), texture.isPreMultiplied(), hasBorder(texture)};
+    std::vector<OperationContext> contexts;
+    for (const OperationPointer& operation : request.operations) {
+        contexts.push_back({planned.unit, request.mipFilter});
+        operation->plan(planned);
+    }
+    const TextureForm target = request.form.value_or(usualForm(source, isPictureOutput, planned.holdsNormals));
+    const EMOKTColourSpace colourSpace = request.colourSpace.value_or(planned.colourSpace);
+    checkColourSpace(request, planned, colourSpace);
+    Conversion conversion{request,
+                          name,
+                          console,
+                          std::move(texture),
+                          target,
+                          colourSpace,
+                          encoderQuality(request.quality, target.format),
+                          resized,
+                          planned.size,
+                          std::move(contexts),
+                          isPictureOutput};
+    if (conversion.changesPixels()) {
+        requireDecodable(source, name);
+        checkEncoder(conversion);
+    }
+    checkSize(conversion);
     return conversion;
 }
 
-/// A form in which sizes can be changed: floats, which lose nothing in any number of steps, as long as they fit.
-TextureForm workingForm(const Conversion& conversion) {
+/// A form in which values stay what they are in any number of steps: floats, as long as they fit.
+TextureForm exactForm(const Conversion& conversion) {
+    const auto pixelsOf = [](const PlannedSize& size) { return std::uint64_t{size.width} * size.height; };
     const CMOKTexture& texture = conversion.texture;
-    const std::uint64_t pixels = std::max(std::uint64_t{texture.getWidth()} * texture.getHeight(),
-                                          std::uint64_t{conversion.size.width} * conversion.size.height);
+    const std::uint64_t pixels = std::max(
+        {std::uint64_t{texture.getWidth()} * texture.getHeight(), pixelsOf(conversion.resized), pixelsOf(conversion.size)});
     const std::uint64_t images = std::uint64_t{texture.getNumArrayMembers()} * texture.getNumFaces() * texture.getDepth();
-    const TextureForm form = formOf(texture);
-    const bool isInteger = form.channelType != eVarFloat && !isSigned(form.channelType) && widestChannel(form) <= 16;
-    if (!isInteger || pixels * images <= maxDataSize / 16 / 4 * 3) return rgbaFloatForm;
-    return widestChannel(form) <= 8 ? rgba8Form : rgba16Form;
+    const double unit = unitOf(formOf(texture));
+    if (unit == 1 || pixels * images <= maxDataSize / 16 / 4 * 3) return rgbaFloatForm;
+    return unit == 255 ? rgba8Form : rgba16Form;
+}
+
+/// A form that an operation takes, the texture's own if that will do.
+TextureForm operandForm(const Conversion& conversion, OperandForm wanted) {
+    if (wanted == OperandForm::bytes) return rgba8Form;
+    if (wanted == OperandForm::exact) return exactForm(conversion);
+    const TextureForm form = formOf(conversion.texture);
+    if (form == rgba8Form || form == rgba16Form || form == rgbaFloatForm) return form;
+    const double unit = unitOf(form);
+    return unit == 255 ? rgba8Form : unit == 65535 ? rgba16Form : rgbaFloatForm;
+}
+
+void bringTo(Conversion& conversion, OperandForm form) {
+    CMOKTexture& texture = conversion.texture;
+    decodeBlocks(texture, conversion.name);
+    changeForm(texture, {operandForm(conversion, form), texture.getColourSpace()}, conversion.name, conversion.console);
 }
 
 /// The next edge on the way from `current` to `wanted`. The filters sample points and are centred for halving only; so a
@@ -120,54 +194,65 @@ std::uint32_t nextEdge(std::uint32_t current, std::uint32_t wanted) {
     return current > 2 * wanted ? current / 2 : 2 * wanted;
 }
 
-void require(bool succeeded, const std::string& name, const char* work) {
+void require(bool succeeded, const std::string& name, const std::string& work) {
     if (!succeeded)
-        throw Failure(ExitStatus::workFailed, name,
-                      std::string(work) + " failed, most likely for its size; use a smaller --resize");
+        throw Failure(ExitStatus::workFailed, name, work + " failed, most likely for its size; use a smaller --resize");
 }
 
 void resize(Conversion& conversion) {
-    auto& [request, name, console, texture, target, colourSpace, size, isPictureOutput] = conversion;
-    if (texture.getNumMIPLevels() > 1 && !conversion.makesLevels())
-        console.note(name + ": only the first level is resized, the others are dropped");
+    CMOKTexture& texture = conversion.texture;
+    const EResizeMode filter = conversion.request.resizeFilter;
+    const PlannedSize& size = conversion.resized;
     while (conversion.resizes()) {
         std::uint32_t width = nextEdge(texture.getWidth(), size.width);
         std::uint32_t height = nextEdge(texture.getHeight(), size.height);
         const std::uint64_t pixels =
             std::uint64_t{width} * height * texture.getDepth() * texture.getNumArrayMembers() * texture.getNumFaces();
         const bool isTooLarge = pixels * texture.getBitsPerPixel() / 8 > maxDataSize;
-        if (request.resizeFilter == eResizeNearest || isTooLarge) {
+        if (filter == eResizeNearest || isTooLarge) {
             width = size.width;
             height = size.height;
         }
-        require(Resize(texture, width, height, texture.getDepth(), request.resizeFilter), name, "resizing");
+        require(Resize(texture, width, height, texture.getDepth(), filter), conversion.name, "resizing");
     }
 }
 
-void makeLevels(Conversion& conversion) {
-    CMOKTexture& texture = conversion.texture;
-    // A chain of the wanted length would be left as it is, so an old one goes first.
-    require(GenerateMIPMaps(texture, conversion.request.mipFilter, 1), conversion.name, "making MIP levels");
-    require(GenerateMIPMaps(texture, conversion.request.mipFilter, conversion.size.levels), conversion.name, "making MIP levels");
+bool makesLevels(const ConversionRequest& request) {
+    return std::any_of(request.operations.begin(), request.operations.end(),
+                       [](const OperationPointer& operation) { return operation->isMipmaps(); });
 }
 
-void changeSize(Conversion& conversion) {
-    auto& [request, name, console, texture, target, colourSpace, size, isPictureOutput] = conversion;
-    const bool clampsFloats = formOf(texture).channelType == eVarFloat && !isCompressed(texture.getPixelType()) &&
-                              ((conversion.resizes() && request.resizeFilter == eResizeCubic) ||
-                               (conversion.makesLevels() && request.mipFilter == eResizeCubic));
-    if (clampsFloats) console.note(name + ": the cubic filter clamps values to 0 to 1; use linear to keep them");
-    decodeBlocks(texture, name);
-    changeForm(texture, {workingForm(conversion), texture.getColourSpace()}, name, console);
-    if (conversion.resizes()) resize(conversion);
-    if (conversion.makesLevels()) makeLevels(conversion);
+void noteLosses(const Conversion& conversion) {
+    const auto& request = conversion.request;
+    const CMOKTexture& texture = conversion.texture;
+    const bool isFloat = formOf(texture).channelType == eVarFloat && !isCompressed(texture.getPixelType());
+    if (isFloat && ((conversion.resizes() && request.resizeFilter == eResizeCubic) ||
+                    (makesLevels(request) && request.mipFilter == eResizeCubic)))
+        conversion.console.note(conversion.name + ": the cubic filter clamps values to 0 to 1; use linear to keep them");
+    if (conversion.resizes() && texture.getNumMIPLevels() > 1 && !makesLevels(request))
+        conversion.console.note(conversion.name + ": only the first level is resized, the others are dropped");
+}
+
+void operate(Conversion& conversion) {
+    noteLosses(conversion);
+    if (conversion.resizes()) {
+        bringTo(conversion, OperandForm::exact);
+        resize(conversion);
+    }
+    for (std::size_t i = 0; i < conversion.operations.size(); ++i) {
+        const ImageOperation& operation = *conversion.request.operations[i];
+        bringTo(conversion, operation.operandForm());
+        require(operation.apply(conversion.texture, conversion.operations[i]), conversion.name, operation.text);
+    }
 }
 
 /// Leaves the one image that becomes a picture.
 void pickImage(Conversion& conversion, const TextureForm& source) {
-    auto& [request, name, console, texture, target, colourSpace, size, isPictureOutput] = conversion;
-    if (widestChannel(source) > 8) console.note(name + ": the picture is written with 8 bits a channel");
-    if (texture.getDepth(request.level) > 1) console.note(name + ": the picture holds the first slice of the volume");
+    const auto& request = conversion.request;
+    CMOKTexture& texture = conversion.texture;
+    if (widestChannel(source) > 8) conversion.console.note(conversion.name + ": the picture is written with 8 bits a channel");
+    if (texture.getDepth(request.level) > 1)
+        conversion.console.note(conversion.name + ": the picture holds the first slice of the volume");
     texture = extractImage(texture, request.level, request.member, request.face);
 }
 
@@ -191,9 +276,9 @@ void convertFile(const ConversionRequest& request, const std::string& input, con
     if (request.dither && targetHeader.getBitsPerPixel() >= 32)
         console.note(name + ": --dither has no effect above 31 bits a pixel");
 
-    if (conversion.resizes() || conversion.makesLevels()) changeSize(conversion);
+    operate(conversion);
     if (conversion.isPictureOutput) pickImage(conversion, source);
-    changeForm(texture, {conversion.target, conversion.colourSpace, request.quality, request.dither}, name, console);
+    changeForm(texture, {conversion.target, conversion.colourSpace, conversion.quality, request.dither}, name, console);
     if (conversion.isPictureOutput) changeForm(texture, {rgba8Form, conversion.colourSpace}, name, console);
     const std::size_t bytes = writeTexture(texture, output, console);
     report(texture, output, bytes, console);

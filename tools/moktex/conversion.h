@@ -3,7 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "operation_options.h"
+#include "quality_names.h"
 #include "texture_form.h"
 
 namespace moktextool {
@@ -19,8 +22,8 @@ struct ResizeRequest {
 /// What `moktex convert` is asked to do with each input.
 struct ConversionRequest {
     std::optional<TextureForm> form;  ///< none: that of the input
-    moktexture::ECompressorQuality quality = moktexture::eCompressorQuality3;
-    std::optional<std::uint32_t> mipmaps;  ///< number of levels, or moktexture::allMIPLevels
+    std::optional<Quality> quality;
+    std::vector<OperationPointer> operations;  ///< in their order, behind the change of size
     moktexture::EResizeMode mipFilter = moktexture::eResizeLinear;
     std::optional<ResizeRequest> resize;
     moktexture::EResizeMode resizeFilter = moktexture::eResizeLinear;

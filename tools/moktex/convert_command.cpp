@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -8,6 +9,7 @@
 #include "console.h"
 #include "conversion.h"
 #include "format_names.h"
+#include "operation_options.h"
 #include "quality_names.h"
 #include "texture_input.h"
 #include "texture_output.h"
@@ -22,11 +24,18 @@ namespace {
 constexpr const char* description =
     "Converts pictures (PNG, JPEG, TGA, BMP, HDR) and textures (.mok) to textures (.mok) or pictures (.png).";
 
-constexpr const char* footer =
+constexpr const char* examples =
     "Examples:\n"
     "  moktex convert photo.png photo.mok --format dxt1 --mipmaps --resize pow2\n"
     "  moktex convert photo.mok back.png\n"
-    "  moktex convert a.png b.jpg -o textures --format dxt5 --overwrite\n"
+    "  moktex convert a.png b.jpg -o textures --format dxt5 --overwrite\n";
+
+constexpr const char* explanation =
+    "  They are applied in the order in which they are given, --mipmaps among them; --resize comes before all. Values are\n"
+    "  taken as they are stored: no curve is applied for an operation.\n"
+    "Quality:\n"
+    "  DXT and packed formats have one. The first generation of moktc is encoded at quality 0, and that is its usual one.\n"
+    "  etc1: even numbers measure errors plainly, odd ones as the eye does; names take the odd ones (1 1 3 3 5 5).\n"
     "Output:\n"
     "  OUT ends in .mok or .png. Several inputs, or an OUT that is a folder, give OUT/NAME.mok each; the folder is\n"
     "  made if it is missing. '-' is standard input or output; what goes there is a .mok texture.\n"
@@ -34,21 +43,15 @@ constexpr const char* footer =
     "  --format the picture passes through that format first.\n"
     "Colour:\n"
     "  Pictures of 8 and 16 bits count as sRGB, HDR pictures as linear. The output keeps what the input is, and its\n"
-    "  values stay as they are, unless --colour-space asks for the other curve; a line tells when one is applied.";
+    "  values stay as they are, unless --colour-space asks for the other curve; a line tells when one is applied.\n"
+    "  A normal map comes out as linear.";
 
 struct ConvertArguments {
     std::vector<std::string> paths;
-    std::string output, format, quality = "3", mipmaps, resize;
+    std::string output, format, quality, resize;
     bool overwrite = false, quiet = false;
     ConversionRequest request;
 };
-
-/// A number of 1 to 65536, or 0 for anything else.
-std::uint32_t parseEdge(const std::string& text) {
-    const bool isNumber = !text.empty() && text.size() <= 5 && text.find_first_not_of("0123456789") == std::string::npos;
-    const unsigned long edge = isNumber ? std::stoul(text) : 0;
-    return edge <= 65536 ? static_cast<std::uint32_t>(edge) : 0;
-}
 
 ResizeRequest parseResize(const std::string& text) {
     if (text == "pow2") return {0, 0};
@@ -57,14 +60,6 @@ ResizeRequest parseResize(const std::string& text) {
     if (size.width == 0 || size.height == 0)
         throw Failure(ExitStatus::commandLine, "--resize " + text + ": no size; use WIDTHxHEIGHT of 1 to 65536 each, or pow2");
     return size;
-}
-
-std::uint32_t parseMipmaps(const std::string& text) {
-    if (text == "all") return allMIPLevels;
-    const std::uint32_t levels = parseEdge(text);
-    if (levels == 0 || levels > 255)
-        throw Failure(ExitStatus::commandLine, "--mipmaps=" + text + ": no number of levels; use 1 to 17");
-    return levels;
 }
 
 /// One input and where it goes.
@@ -116,13 +111,31 @@ bool makeFolder(const ConvertArguments& arguments) {
     return isNew;
 }
 
+/// The operations in the order of the command line; of several --mipmaps the last one counts.
+std::vector<OperationPointer> collectOperations(const CLI::App& command) {
+    std::vector<OperationPointer> operations;
+    std::map<const CLI::Option*, std::size_t> taken;
+    for (const CLI::Option* given : command.parse_order()) {
+        const auto& known = operationOptions();
+        const auto option = std::find_if(known.begin(), known.end(),
+                                         [&](const OperationOption& row) { return command.get_option(chiefName(row)) == given; });
+        if (option == known.end()) continue;
+        const std::string value = given->results()[taken[given]++];
+        const std::string text = chiefName(*option) + (option->operand == nullptr ? "" : ' ' + value);
+        OperationPointer operation = option->parse(text, value);
+        if (operation->isMipmaps()) std::erase_if(operations, [](const auto& earlier) { return earlier->isMipmaps(); });
+        operations.push_back(std::move(operation));
+    }
+    return operations;
+}
+
 /// Converts each input, also after one failed; the first failure is the status.
-ExitStatus convertAll(ConvertArguments& arguments, Console& console) {
+ExitStatus convertAll(ConvertArguments& arguments, const CLI::App& command, Console& console) {
     console.quiet = arguments.quiet;
     ConversionRequest& request = arguments.request;
     if (!arguments.format.empty()) request.form = parseForm(arguments.format);
-    request.quality = parseQuality(arguments.quality);
-    if (!arguments.mipmaps.empty()) request.mipmaps = parseMipmaps(arguments.mipmaps);
+    if (!arguments.quality.empty()) request.quality = parseQuality(arguments.quality);
+    request.operations = collectOperations(command);
     if (!arguments.resize.empty()) request.resize = parseResize(arguments.resize);
     settleOutput(arguments);
     ExitStatus status = ExitStatus::success;
@@ -145,8 +158,6 @@ ExitStatus convertAll(ConvertArguments& arguments, Console& console) {
 void addSizeOptions(CLI::App& command, ConvertArguments& arguments) {
     static const std::map<std::string, EResizeMode> filters = {
         {"nearest", eResizeNearest}, {"linear", eResizeLinear}, {"cubic", eResizeCubic}};
-    command.add_option("-m,--mipmaps", arguments.mipmaps, "Make MIP levels: N in all, or the full chain without N")
-        ->type_name("[=N]");
     command.add_option("--mip-filter", arguments.request.mipFilter, "Filter of --mipmaps (linear)")
         ->transform(CLI::CheckedTransformer(filters).description(""))
         ->type_name("nearest|linear|cubic");
@@ -155,6 +166,20 @@ void addSizeOptions(CLI::App& command, ConvertArguments& arguments) {
     command.add_option("--resize-filter", arguments.request.resizeFilter, "Filter of --resize (linear)")
         ->transform(CLI::CheckedTransformer(filters).description(""))
         ->type_name("nearest|linear|cubic");
+}
+
+void addOperationOptions(CLI::App& command) {
+    const auto takeAll = [](CLI::Option* option) {
+        return option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)->group("Operations");
+    };
+    for (const OperationOption& option : operationOptions()) {
+        if (option.operand == nullptr)
+            takeAll(command.add_flag(option.names, option.help));
+        else
+            takeAll(command.add_option(
+                        option.names, [](const CLI::results_t&) { return true; }, option.help))
+                ->type_name(option.operand);
+    }
 }
 
 void addColourOptions(CLI::App& command, ConvertArguments& arguments) {
@@ -175,7 +200,7 @@ void addConvertCommand(CLI::App& app, Console& console, ExitStatus& status) {
     CLI::App& command = *app.add_subcommand("convert", description);
     const auto arguments = std::make_shared<ConvertArguments>();
     ConversionRequest& request = arguments->request;
-    command.footer(footer);
+    command.footer(examples + ("Operations, each with an example:\n" + operationHelp()) + explanation);
     command.add_option("IN", arguments->paths, "Input files; without -o, IN OUT")->required()->type_name("");
     command.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     command.add_option("-o,--output", arguments->output, "Output file, or a folder for several inputs")->type_name("OUT");
@@ -183,17 +208,17 @@ void addConvertCommand(CLI::App& app, Console& console, ExitStatus& status) {
         .add_option("-f,--format", arguments->format, "Format of the output, as 'moktex formats' lists them (that of the input)")
         ->type_name("NAME");
     command
-        .add_option("-q,--quality", arguments->quality,
-                    std::string("Effort of the encoder: ") + qualityHelp + " (3); DXT has one")
+        .add_option("-q,--quality", arguments->quality, std::string("Effort of the encoder: ") + qualityHelp + " (3; moktc 0)")
         ->type_name("Q");
     addSizeOptions(command, *arguments);
+    addOperationOptions(command);
     addColourOptions(command, *arguments);
     command.add_option("--level", request.level, "MIP level that becomes a PNG")->type_name("N");
     command.add_option("--member", request.member, "Array member that becomes a PNG")->type_name("N");
     command.add_option("--face", request.face, "Cube face that becomes a PNG")->type_name("N");
     command.add_flag("-y,--overwrite", arguments->overwrite, "Replace output files that exist");
     command.add_flag("--quiet", arguments->quiet, "Say nothing but errors and applied curves");
-    command.callback([arguments, &console, &status] { status = convertAll(*arguments, console); });
+    command.callback([arguments, &command, &console, &status] { status = convertAll(*arguments, command, console); });
 }
 
 }  // namespace moktextool

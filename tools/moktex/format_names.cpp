@@ -18,13 +18,13 @@ namespace {
 // clang-format off
 constexpr CompressedFormat formats[] = {
     // id               name               other name  block   decodes encodes
-    {eFmtMOKTC2bppRGB,  "moktc-2bpp-rgb",  nullptr,    16, 8,  false,  false},
-    {eFmtMOKTC2bppRGBA, "moktc-2bpp-rgba", nullptr,    16, 8,  false,  false},
-    {eFmtMOKTC4bppRGB,  "moktc-4bpp-rgb",  nullptr,     8, 8,  false,  false},
-    {eFmtMOKTC4bppRGBA, "moktc-4bpp-rgba", nullptr,     8, 8,  false,  false},
-    {eFmtMOKTCII2bpp,   "moktc2-2bpp",     nullptr,     8, 4,  false,  false},
-    {eFmtMOKTCII4bpp,   "moktc2-4bpp",     nullptr,     4, 4,  false,  false},
-    {eFmtETC1,          "etc1",            nullptr,     4, 4,  false,  false},
+    {eFmtMOKTC2bppRGB,  "moktc-2bpp-rgb",  nullptr,    16, 8,  true,   true},
+    {eFmtMOKTC2bppRGBA, "moktc-2bpp-rgba", nullptr,    16, 8,  true,   true},
+    {eFmtMOKTC4bppRGB,  "moktc-4bpp-rgb",  nullptr,     8, 8,  true,   true},
+    {eFmtMOKTC4bppRGBA, "moktc-4bpp-rgba", nullptr,     8, 8,  true,   true},
+    {eFmtMOKTCII2bpp,   "moktc2-2bpp",     nullptr,     8, 4,  true,   false},
+    {eFmtMOKTCII4bpp,   "moktc2-4bpp",     nullptr,     4, 4,  true,   false},
+    {eFmtETC1,          "etc1",            nullptr,     4, 4,  true,   true},
     {eFmtDXT1,          "dxt1",            "bc1",       4, 4,  true,   true},
     {eFmtDXT2,          "dxt2",            nullptr,     4, 4,  true,   true},
     {eFmtDXT3,          "dxt3",            "bc2",       4, 4,  true,   true},
@@ -34,9 +34,9 @@ constexpr CompressedFormat formats[] = {
     {eFmtBC5,           "bc5",             nullptr,     4, 4,  false,  false},
     {eFmtBC6,           "bc6",             nullptr,     1, 1,  false,  false},
     {eFmtBC7,           "bc7",             nullptr,     1, 1,  false,  false},
-    {eFmtUYVY,          "uyvy",            nullptr,     2, 1,  false,  false},
-    {eFmtYUY2,          "yuy2",            nullptr,     2, 1,  false,  false},
-    {eFmtBW1bpp,        "bw1",             nullptr,     8, 1,  false,  false},
+    {eFmtUYVY,          "uyvy",            nullptr,     2, 1,  true,   true},
+    {eFmtYUY2,          "yuy2",            nullptr,     2, 1,  true,   true},
+    {eFmtBW1bpp,        "bw1",             nullptr,     8, 1,  true,   true},
     {eFmtRGB9E5,        "rgb9e5",          nullptr,     1, 1,  false,  false},
     {eFmtRGBG8888,      "rgbg8888",        nullptr,     2, 1,  false,  false},
     {eFmtGRGB8888,      "grgb8888",        nullptr,     2, 1,  false,  false},
@@ -146,6 +146,10 @@ std::string wordProblem(const Channels& channels, EMOKTVariableType type) {
 
 std::span<const CompressedFormat> compressedFormats() {
     return formats;
+}
+
+bool isFirstMOKTC(PixelType format) {
+    return format.id <= eFmtMOKTC4bppRGBA;
 }
 
 const CompressedFormat* findCompressed(PixelType format) {

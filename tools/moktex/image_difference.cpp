@@ -38,6 +38,10 @@ Sums sumDifferences(const void* a, const void* b, std::size_t bytes) {
     return sums;
 }
 
+ChannelDifference differenceFrom(double error, double largest, double peak) {
+    return {error, error == 0 ? infinite : 10 * std::log10(peak * peak / error), largest};
+}
+
 /// The first `count` channels from `first` on, taken together.
 ChannelDifference join(const Sums& sums, std::size_t first, std::size_t count, double peak) {
     double squares = 0, largest = 0;
@@ -45,8 +49,13 @@ ChannelDifference join(const Sums& sums, std::size_t first, std::size_t count, d
         squares += sums.squares[channel];
         largest = std::max(largest, sums.largest[channel]);
     }
-    const double error = squares / static_cast<double>(sums.pixels * count);
-    return {error, error == 0 ? infinite : 10 * std::log10(peak * peak / error), largest};
+    return differenceFrom(squares / static_cast<double>(sums.pixels * count), largest, peak);
+}
+
+/// Red, green and blue taken together by their weights.
+ChannelDifference joinWeighted(const Sums& sums, double peak) {
+    const double squares = 0.299 * sums.squares[0] + 0.587 * sums.squares[1] + 0.114 * sums.squares[2];
+    return differenceFrom(squares / static_cast<double>(sums.pixels), join(sums, 0, 3, peak).largest, peak);
 }
 
 }  // namespace
@@ -68,6 +77,7 @@ LevelDifference compareLevel(const CMOKTexture& a, const CMOKTexture& b, std::ui
         difference.channels[channel] = join(sums, channel, 1, peak);
     difference.channels[4] = join(sums, 0, 3, peak);
     difference.channels[overAll] = join(sums, 0, 4, peak);
+    difference.channels[overAll + 1] = joinWeighted(sums, peak);
     return difference;
 }
 

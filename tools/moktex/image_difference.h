@@ -14,9 +14,10 @@ struct ChannelDifference {
     double largest;  ///< of the absolute differences
 };
 
-/// Places in LevelDifference::channels: red, green, blue, alpha, and the means over three and four of them.
-inline constexpr std::array differenceNames = {"r", "g", "b", "a", "rgb", "rgba"};
-inline constexpr std::size_t overAll = differenceNames.size() - 1;
+/// Places in LevelDifference::channels: red, green, blue, alpha, the means over three and four of them, and the mean over three
+/// weighted as the eye sees them: 0.299, 0.587 and 0.114.
+inline constexpr std::array differenceNames = {"r", "g", "b", "a", "rgb", "rgba", "weighted"};
+inline constexpr std::size_t overAll = 5;
 
 struct LevelDifference {
     std::uint32_t level, width, height;

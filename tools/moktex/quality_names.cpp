@@ -3,16 +3,40 @@
 #include <array>
 
 #include "exit_status.h"
+#include "format_names.h"
+
+using namespace moktexture;
 
 namespace moktextool {
 
-moktexture::ECompressorQuality parseQuality(const std::string& text) {
-    static constexpr std::array names = {"fastest", "fast", "medium", "thorough", "verythorough", "exhaustive"};
-    for (unsigned int quality = 0; quality < names.size(); ++quality) {
-        if (text == names[quality] || text == std::to_string(quality))
-            return static_cast<moktexture::ECompressorQuality>(quality);
+namespace {
+
+constexpr std::array names = {"fastest", "fast", "medium", "thorough", "verythorough", "exhaustive"};
+
+/// ETC1's efforts by name. Even numbers measure errors in a way that spoils some dark blocks, so names take the odd ones.
+constexpr std::array<unsigned int, names.size()> namedETC1 = {1, 1, 3, 3, 5, 5};
+
+constexpr unsigned int usualStep = 3;
+
+}  // namespace
+
+Quality parseQuality(const std::string& text) {
+    for (unsigned int step = 0; step < names.size(); ++step) {
+        if (text == names[step] || text == std::to_string(step)) return {step, text == names[step]};
     }
     throw Failure(ExitStatus::commandLine, "--quality " + text + ": no such quality; use " + qualityHelp);
+}
+
+ECompressorQuality encoderQuality(const std::optional<Quality>& quality, PixelType format) {
+    if (!quality) return isFirstMOKTC(format) ? eCompressorQuality0 : static_cast<ECompressorQuality>(usualStep);
+    const bool isNamedETC1 = quality->isNamed && format.id == eFmtETC1;
+    return static_cast<ECompressorQuality>(isNamedETC1 ? namedETC1[quality->step] : quality->step);
+}
+
+std::string qualityProblem(ECompressorQuality quality, PixelType format) {
+    if (!isFirstMOKTC(format) || quality == eCompressorQuality0) return "";
+    return "quality " + std::to_string(quality) + " of " + nameOf(TextureForm{format, eVarUByteNorm}) +
+           " is not supported; use --quality 0";
 }
 
 }  // namespace moktextool

@@ -60,12 +60,19 @@ void transcode(CMOKTexture& texture, const FormChange& change, const std::string
     }
 }
 
-/// One level of a DXT texture as an array of 2D images in whole blocks, decoded.
+std::uint32_t roundUp(std::uint32_t size, std::uint32_t step) {
+    return (size + step - 1) / step * step;
+}
+
+/// One level of a compressed texture as an array of 2D images, decoded: in whole blocks, whose pixels are where the data has
+/// them, whatever the codec does with other sizes. MOKTC deals with all sizes by itself.
 CMOKTexture decodeWholeBlocks(const CMOKTexture& texture, std::uint32_t level, const std::string& name) {
-    const auto wholeBlocks = [](std::uint32_t size) { return (size + 3) & ~3u; };
+    const CompressedFormat* row = findCompressed(texture.getPixelType());
+    const bool takesAnySize = row == nullptr || row->id <= eFmtMOKTCII4bpp;
+    const std::uint32_t width = roundUp(texture.getWidth(level), takesAnySize ? 1 : row->blockWidth);
+    const std::uint32_t height = roundUp(texture.getHeight(level), takesAnySize ? 1 : row->blockHeight);
     const std::uint32_t images = texture.getNumArrayMembers() * texture.getNumFaces() * texture.getDepth(level);
-    const CMOKTextureHeader header(texture.getPixelType().id, wholeBlocks(texture.getHeight(level)),
-                                   wholeBlocks(texture.getWidth(level)), 1, 1, images, 1, eColourSpaceLinear, eVarUByteNorm,
+    const CMOKTextureHeader header(texture.getPixelType().id, height, width, 1, 1, images, 1, eColourSpaceLinear, eVarUByteNorm,
                                    false);
     CMOKTexture blocks(header, texture.getDataPtr(level));
     transcode(blocks, {rgba8Form, eColourSpaceLinear}, name);
@@ -97,10 +104,6 @@ bool isCompressed(PixelType format) {
     return format.part.high == 0;
 }
 
-bool isDXT(PixelType format) {
-    return format.id >= eFmtDXT1 && format.id <= eFmtDXT5;
-}
-
 bool isSigned(EMOKTVariableType type) {
     return type % 2 == 1;
 }
@@ -122,17 +125,13 @@ void decodeBlocks(CMOKTexture& texture, const std::string& name) {
     const EMOKTColourSpace label = texture.getColourSpace();
     if (uncompressedSize(texture, 4) > maxDataSize)
         throw Failure(ExitStatus::notSupported, name, "above 4 GiB when it is decoded; make the texture smaller or split it");
-    if (isDXT(texture.getPixelType())) {
-        CMOKTextureHeader header = texture.getHeader();
-        header.setPixelFormat(PixelTypeRGBA8);
-        header.setChannelType(eVarUByteNorm);
-        CMOKTexture decoded(header, nullptr);
-        for (std::uint32_t level = 0; level < texture.getNumMIPLevels(); ++level)
-            copyRows(decoded, level, decodeWholeBlocks(texture, level, name));
-        texture = std::move(decoded);
-    } else {
-        transcode(texture, {rgba8Form, eColourSpaceLinear}, name);
-    }
+    CMOKTextureHeader header = texture.getHeader();
+    header.setPixelFormat(PixelTypeRGBA8);
+    header.setChannelType(eVarUByteNorm);
+    CMOKTexture decoded(header, nullptr);
+    for (std::uint32_t level = 0; level < texture.getNumMIPLevels(); ++level)
+        copyRows(decoded, level, decodeWholeBlocks(texture, level, name));
+    texture = std::move(decoded);
     texture.setColourSpace(label);
 }
 

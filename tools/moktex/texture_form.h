@@ -22,7 +22,6 @@ inline constexpr TextureForm rgbaFloatForm{moktexture::PixelTypeRGBA32, eVarFloa
 
 TextureForm formOf(const moktexture::CMOKTextureHeader& header);
 bool isCompressed(moktexture::PixelType format);
-bool isDXT(moktexture::PixelType format);
 bool isSigned(EMOKTVariableType type);
 /// Bits of the widest channel; 8 for a compressed format, whose pixels come out at 8 bits.
 unsigned int widestChannel(const TextureForm& form);
@@ -33,7 +32,7 @@ std::uint64_t uncompressedSize(const moktexture::CMOKTextureHeader& header, std:
 inline constexpr std::uint64_t maxDataSize = 0xFFFFFFFF;
 
 /// Decodes a compressed texture to RGBA8; others stay. The colour space label stays as well, and no curve is applied.
-/// Also decodes what the codec alone does not: DXT levels that are no whole blocks, and slices of a volume.
+/// Also decodes right what the codec alone does not: levels that are no whole blocks, and slices of a volume.
 void decodeBlocks(moktexture::CMOKTexture& texture, const std::string& name);
 
 /// What changeForm() needs to know beyond the form.
