@@ -1,14 +1,9 @@
 #include "CMOKTexture.h"
 
 #include <cstdlib>
-#include <memory>
-#include <string>
 #include <utility>
 
 #include "core/TextureInternals.h"
-#include "core/byte_stream.h"
-#include "core/native_file.h"
-#include "core/texture_path.h"
 
 namespace moktexture {
 
@@ -24,18 +19,6 @@ CMOKTexture::CMOKTexture(const CMOKTexture& other)
 
 CMOKTexture::CMOKTexture(CMOKTexture&& other) : CMOKTexture() {
     Swap(other);
-}
-
-CMOKTexture::CMOKTexture(const char* filePath) : CMOKTexture() {
-    if (filePath == nullptr || fileLayoutForLoading(filePath) != FileLayout::native) return;
-    const FileHandle file(std::fopen(filePath, "rb"));
-    privateLoadMOKFile(file.get());
-}
-
-CMOKTexture::CMOKTexture(const void* memoryImage) : CMOKTexture() {
-    if (memoryImage == nullptr) return;
-    MemoryReader reader(memoryImage, MemoryReader::unknownSize);
-    readNativeFile(reader, NativeReadRules::memoryConstructor(), *this);
 }
 
 CMOKTexture::~CMOKTexture() {
@@ -81,32 +64,6 @@ void* CMOKTexture::getDataPtr(unsigned int mipLevel, unsigned int arrayMember, u
 
 const CMOKTextureHeader& CMOKTexture::getHeader() const {
     return *this;
-}
-
-bool CMOKTexture::saveFile(const CMOKTString& filePath) const {
-    std::string path(filePath.c_str());
-    FileLayout layout = fileLayoutForSaving(path);
-    if (layout == FileLayout::other) {
-        // Kept: an unknown extension is no failure; callers rely on finding `picture.png.mok`.
-        path += ".mok";
-        layout = FileLayout::native;
-    }
-    if (layout != FileLayout::native) return false;
-    FileHandle file(std::fopen(path.c_str(), "wb"));
-    if (file == nullptr) return false;
-    const bool saved = privateSaveMOKFile(file.get());
-    return closeWritten(file) && saved;
-}
-
-bool CMOKTexture::privateLoadMOKFile(std::FILE* file) {
-    if (file == nullptr) return false;
-    FileReader reader(file);
-    return readNativeFile(reader, NativeReadRules::fileConstructor(), *this) == eLoadOk;
-}
-
-bool CMOKTexture::privateSaveMOKFile(std::FILE* file) const {
-    FileWriter writer(file);
-    return writeNativeFile(*this, writer);
 }
 
 }  // namespace moktexture

@@ -18,9 +18,6 @@ static_assert(std::endian::native == std::endian::little, "files are read and wr
 constexpr std::uint32_t recordSize = sizeof(MOKTextureHeaderV3);
 constexpr std::uint32_t blockHeadSize = 12;
 
-/// First words of files of the legacy layout: the sizes of its two headers.
-constexpr std::uint32_t legacyHeaderSizes[] = {44, 52};
-
 /// Most metadata blocks that the constructors take: finding a key is a linear search, so that time grows with the square.
 constexpr std::uint32_t maxBlocksOfConstructors = 65536;
 
@@ -44,8 +41,7 @@ ELoadStatus judgeFirstWord(std::uint32_t word, std::size_t length) {
         const std::uint32_t mask = (1u << (8 * length)) - 1;
         return length > 0 && word == (magic & mask) ? eLoadTruncated : eLoadUnknown;
     }
-    if (word == magic) return eLoadOk;
-    return std::ranges::count(legacyHeaderSizes, word) > 0 ? eLoadUnsupported : eLoadUnknown;
+    return word == magic ? eLoadOk : eLoadUnknown;
 }
 
 /// Reads the record; a short one keeps the defaults of what is missing, byte by byte, unless the rules want it complete.

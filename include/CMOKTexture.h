@@ -22,10 +22,12 @@ struct TextureInternals;
 ///
 /// | What is wrong | Header | `getDataPtr()` |
 /// | --- | --- | --- |
-/// | the file cannot be opened; the image is null; the data or extension is none of the native layout | default | null |
-/// | more than 255 MIP levels, sizes that do not fit in 32 bits, more than 65536 metadata blocks | default | null |
+/// | the file cannot be opened; the image is null; the data is none of a known layout | default | null |
+/// | above 255 MIP levels, sizes above 32 bits, above 65536 metadata blocks | default; of KTX and DDS as read | null |
+/// | a DDS file tells a pitch or a refused layout; a KTX file ends before its pixels | as read | null |
 /// | the metadata breaks off, or a block in a file is empty | as in the file, with the blocks before | null |
 /// | the file ends within the header record or the pixels | as far as it is there, then defaults | not null; zeroes at the end |
+/// | a KTX or DDS file has an unknown format, or a count of 0 | as read | not null; 0 bytes |
 ///
 /// Raises `std::bad_alloc`, and no other exception. Moves allocate as well and are not `noexcept`, so that a growing
 /// `std::vector` copies its textures: reserve room, or hold pointers.
@@ -54,9 +56,14 @@ public:
     CMOKTexture(const CMOKTexture& other);
     /// Takes over the contents of `other`, which becomes a default texture.
     CMOKTexture(CMOKTexture&& other);
-    /// Loads a native file, whatever its extension; but ".ktx" and ".dds", in either case of letters, are refused. May be null.
+    /// Loads a file: ".ktx" and ".dds", in either case of letters, as KTX and DDS, every other extension as a native file of
+    /// version 3 or of the legacy layout, by its first word. May be null.
+    ///
+    /// A KTX file holds the texture's buffer as saveFile() writes it; the sizes between the levels of other makers' files are
+    /// taken for pixels. A DDS file has no extended head ("DX10"); one that tells its pitch is refused.
     explicit CMOKTexture(const char* filePath);
-    /// Loads a native file image of unknown length: the image must be complete, as nothing checks its end. May be null.
+    /// Loads the image of a native file, of either layout and of unknown length: the image must be complete, as nothing checks
+    /// its end. May be null.
     explicit CMOKTexture(const void* memoryImage);
     ~CMOKTexture();
     CMOKTexture& operator=(const CMOKTexture& other);
@@ -72,20 +79,37 @@ public:
 
     /// Saves in the format of the path's extension, in either case of letters. A path without '.' is its own extension.
     ///
-    /// | Extension | What is done |
+    /// | Extension | What is written |
     /// | --- | --- |
-    /// | "mok" | writes the native layout |
-    /// | "ktx", "dds", "h" | gives false and makes no file |
-    /// | any other | appends ".mok" to the path and writes the native layout |
-    /// @return false also if the file could not be opened or written, or if the texture or a metadata block is empty: an empty
-    ///         piece counts as not written, though the file is complete.
+    /// | "mok" | the native layout |
+    /// | "ktx" | KTX: formats of getOGLFormat(); of the metadata only the orientation, which does not read back |
+    /// | "dds" | DDS: formats of getD3DFormat(), but not D3DFMT_X8R8G8B8; depth, array members and metadata are not told |
+    /// | "h" | C source: an array of the native file's bytes, named for the path up to its first '.', without folders |
+    /// | any other | ".mok" is appended to the path, and the native layout written |
+    ///
+    /// MOKTC formats can be saved as DDS, but do not read back.
+    /// @return false if the file could not be opened or written, which goes unnoticed for "h"; if the layout cannot hold the
+    ///         format, which leaves an empty file; and for "mok" and "ktx" if the texture or a metadata block is empty: an empty
+    ///         piece counts as not written, though the file is complete
     bool saveFile(const CMOKTString& filePath) const;
+    /// Saves in the legacy native layout to exactly that path.
+    /// @param api  the part of the legacy numbering that is to name the pixel format
+    /// @return false as saveFile(); also for a depth above 1 and for a format that has no number in that part
+    ///
+    /// Of several array members, or of faces with several levels, the pixels do not read back in their places.
+    bool saveFileLegacyMOK(const CMOKTString& filePath, ELegacyApi api) const;
 
 private:
     friend struct TextureInternals;
 
     bool privateLoadMOKFile(std::FILE* file);
+    bool privateLoadKTXFile(std::FILE* file);
+    bool privateLoadDDSFile(std::FILE* file);
     bool privateSaveMOKFile(std::FILE* file) const;
+    bool privateSaveKTXFile(std::FILE* file) const;
+    bool privateSaveDDSFile(std::FILE* file) const;
+    bool privateSaveLegacyMOKFile(std::FILE* file, ELegacyApi api) const;
+    bool privateSaveCHeaderFile(std::FILE* file, CMOKTString name) const;
 
     std::uint64_t dataSize;
     unsigned char* data;

@@ -125,9 +125,58 @@ public:
     /// Stores a copy of the block under its own FourCC and key and adds 12 + `dataSize` to getMetaDataSize(), without taking off
     /// what a replaced block had added.
     void addMetaData(const MetaDataBlock& block);
-    /// Takes 12 + the block's `dataSize` off getMetaDataSize(), also for an absent one, and removes it as CMOKTMap::Remove()
-    /// does.
+    /// Removes the block as CMOKTMap::Remove() does, and takes 12 + its `dataSize` off getMetaDataSize(), also if it was absent.
     void removeMetaData(const unsigned int& fourCC, const unsigned int& key);
+
+    /// @name Numbers of graphics APIs
+    /// Pixel format, channel type and colour space as the numbers that a graphics API has for them, and back. Getters and setters
+    /// are no inverses: some formats come back as others, some are known in one direction only. Setters touch nothing but
+    /// those three, and premultiplication where told; sizes and metadata stay. None of them allocates or raises.
+    /// @{
+
+    /// Numbers of OpenGL. All three are 0 for a format that has none, except that `type` is still GL_UNSIGNED_BYTE for an unknown
+    /// layout of eVarUByteNorm, and GL_BYTE for one of eVarSByteNorm: `internalFormat` tells whether there is a number.
+    /// @param internalFormat  the sized internal format, such as GL_RGBA8; unsized (GL_RGB) for rgb 5.6.5 and xbgr 2.10.10.10
+    /// @param format  the base format, such as GL_RGBA; 0 for a compressed format
+    /// @param type  such as GL_UNSIGNED_BYTE; 0 for a compressed format
+    void getOGLFormat(unsigned int& internalFormat, unsigned int& format, unsigned int& type) const;
+    /// Numbers of OpenGL ES, whose internal format is the base format. Outputs without a number keep what they had, so give them
+    /// a value before the call; only the `type` of eVarUByteNorm is always written, as GL_UNSIGNED_BYTE, and `format` and `type`
+    /// of a compressed format, as 0.
+    /// @code
+    /// unsigned int internalFormat = 0, format = 0, type = 0;
+    /// header.getOGLESFormat(internalFormat, format, type);
+    /// if (internalFormat != 0) { ... }
+    /// @endcode
+    void getOGLESFormat(unsigned int& internalFormat, unsigned int& format, unsigned int& type) const;
+    /// The D3DFORMAT of Direct3D 9, which is a FourCC for most compressed formats, or 0. Colour space is ignored, and the channel
+    /// type of compressed formats.
+    unsigned int getD3DFormat() const;
+    /// The DXGI_FORMAT, or 0. The colour space matters where there is a number for each; any but sRGB is taken for linear there.
+    unsigned int getDXGIFormat() const;
+
+    /// Takes over the format of OpenGL's numbers, in linear colour space.
+    ///
+    /// With a `format` of 0 the texture is compressed: the channel type becomes eVarUIntNorm, the colour space linear, and the
+    /// pixel format what `internalFormat` says, or stays if that is unknown; the result is true either way. Otherwise a layout is
+    /// looked up, and an unknown one changes nothing.
+    /// @param internalFormat  compressed format, or the base format such as GL_RGBA: sized ones such as GL_RGBA8, as
+    ///     getOGLFormat() gives them, are unknown
+    /// @param format  0 for a compressed format; the base format for GL_HALF_FLOAT; else any number but 0
+    /// @param type  such as GL_UNSIGNED_BYTE
+    /// @return false for an unknown layout of a packed type (GL_UNSIGNED_SHORT_5_6_5 and the like); else true, also for other
+    ///     unknown layouts and types, so look at the format afterwards
+    bool setOGLFormat(const unsigned int& internalFormat, const unsigned int& format, const unsigned int& type);
+    /// Like setOGLFormat(), from numbers of OpenGL ES: without GL_BYTE and GL_BGR, and with GL_HALF_FLOAT_OES for GL_HALF_FLOAT.
+    bool setOGLESFormat(const unsigned int& internalFormat, const unsigned int& format, const unsigned int& type);
+    /// Takes over the format of a D3DFORMAT or FourCC, in linear colour space. Unsigned layouts get eVarUIntNorm whatever their
+    /// width. "DXT2" and "DXT4" also mark the texture as premultiplied; other numbers leave that mark alone.
+    /// @return false, with nothing changed, for an unknown number
+    bool setD3DFormat(const unsigned int& d3dFormat);
+    /// Takes over pixel format, channel type and colour space of a DXGI_FORMAT.
+    /// @return false, with nothing changed, for an unknown number
+    bool setDXGIFormat(const unsigned int& dxgiFormat);
+    /// @}
 
     /// Exchanges the contents with `other`; never fails.
     void Swap(CMOKTextureHeader& other) noexcept;

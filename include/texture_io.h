@@ -20,7 +20,8 @@ enum ELoadStatus : unsigned int {
     eLoadTruncated = 3,    ///< the data ends before the header, metadata or pixels that it announces
     eLoadCorrupt = 4,      ///< the data contradicts itself
     eLoadTooLarge = 5,     ///< the texture exceeds the limits, or what a texture can be at all; see LoadLimits
-    eLoadUnsupported = 6,  ///< a file layout that this version does not read
+    eLoadUnsupported = 6,  ///< a variant of KTX, DDS or the legacy layout, or a format in one, that this library
+                           ///< does not read
 };
 
 /// A sentence in English for a status; a static string.
@@ -38,7 +39,8 @@ struct LoadLimits {
     std::uint64_t maxTotalSize = (std::uint64_t{1} << 32) - 1;  ///< pixel data, in bytes
 };
 
-/// Loads a texture from `size` bytes of a file's image, which is not kept.
+/// Loads a texture from `size` bytes of a file's image, which is not kept. Its first bytes tell its layout: native, legacy, KTX
+/// or DDS. KTX and DDS files with a count of 0, which the constructors take for textures without pixels, are eLoadUnsupported.
 /// @param texture  replaced on eLoadOk, else untouched
 /// Raises `std::bad_alloc`, with the texture untouched.
 MOKTEX_API ELoadStatus LoadTexture(CMOKTexture& texture, const void* image, std::size_t size, const LoadLimits& limits = {});
@@ -48,10 +50,11 @@ MOKTEX_API ELoadStatus LoadTexture(CMOKTexture& texture, const void* image, std:
 /// Raises `std::bad_alloc`, with the texture untouched.
 MOKTEX_API ELoadStatus LoadTextureFile(CMOKTexture& texture, const char* filePath, const LoadLimits& limits = {});
 
-/// Writes a texture as the image of a file into `image`, in the format of an extension: "mok".
+/// Writes a texture as the image of a file into `image`, in the format of an extension: "mok", "ktx", "dds" or "h", as
+/// CMOKTexture::saveFile() does. The array of "h" is named `texture`.
 /// @param extension  with or without its dot, in either case of letters
-/// @return false, with `image` untouched, for any other extension, for a texture without a buffer, and where the texture or a
-///         metadata block is empty.
+/// @return false, with `image` untouched, for any other extension, for a texture without a buffer, and where saveFile() gives
+///         false
 /// Raises `std::bad_alloc`, with `image` untouched.
 MOKTEX_API bool SaveTexture(const CMOKTexture& texture, const char* extension, std::vector<unsigned char>& image);
 

@@ -1,4 +1,4 @@
-#include "core/texture_path.h"
+#include "formats/texture_path.h"
 
 #include <string_view>
 

@@ -1,0 +1,100 @@
+// Textures as C source, and the names of their arrays.
+#include "formats/c_source_file.h"
+
+#include "foreign_image.h"
+
+using namespace foreignimage;
+
+namespace {
+
+const std::string banner =
+    "/********************************************************** \n"
+    " * MOKTexLib v 4.4 \n"
+    " **********************************************************/\n"
+    "\n"
+    "#ifndef A8BIT \n"
+    " #define A8BIT static const unsigned char\n"
+    "#endif\n"
+    "\n";
+
+/// A texture of one row of single bytes.
+CMOKTexture row(std::uint32_t width) {
+    const CMOKTextureHeader header(PixelType('l', 0, 0, 0, 8, 0, 0, 0).id, 1, width, 1, 1, 1, 1, eColourSpaceLinear,
+                                   eVarUByteNorm, false);
+    return CMOKTexture(header, Bytes(width, 0xAB).data());
+}
+
+std::string record(const std::string& width, const std::string& metaDataSize) {
+    const std::string one = "0x01,0x00,0x00,0x00,\n", zero = "0x00,0x00,0x00,0x00,\n";
+    return "\n/* Header */\n0x4d,0x4f,0x4b,0x03,\n" + zero + "0x6c,0x00,0x00,0x00,\n0x08,0x00,0x00,0x00,\n" + zero + zero + one +
+           width + "0x00,0x00,0x00,\n" + one + one + one + one + metaDataSize + "0x00,0x00,0x00,\n";
+}
+
+std::string repeated(const std::string& text, int count) {
+    std::string result;
+    for (int i = 0; i < count; ++i)
+        result += text;
+    return result;
+}
+
+std::string textOf(const CMOKTexture& texture, const std::string& path = "a.h", const std::string& name = "a.h") {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(texture.saveFile(folder.path(path).c_str()));
+    const Bytes bytes = folder.read(name);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+TEST(CSourceFile, IsWrittenByteForByte) {
+    const std::string start = banner + "A8BIT a[] = {\n", data = "\n/* Data */\n", end = "};\n";
+    EXPECT_EQ(textOf(row(2)), start + record("0x02,", "0x00,") + data + "0xab,0xab," + end);
+    EXPECT_EQ(textOf(row(32)), start + record("0x20,", "0x00,") + data + repeated("0xab,", 32) + "\n" + end);
+    EXPECT_EQ(textOf(row(33)), start + record("0x21,", "0x00,") + data + repeated("0xab,", 32) + "\n0xab," + end);
+
+    CMOKTexture texture = row(2);
+    MetaDataBlock block;
+    block.fourCC = 0x34333231;
+    block.key = 0x201;
+    block.dataSize = 4;
+    block.data = new unsigned char[4]{9, 8, 0x7F, 0xFF};
+    texture.addMetaData(block);
+    const std::string metaData = "0x31,0x32,0x33,0x34,\n0x01,0x02,0x00,0x00,\n0x04,0x00,0x00,0x00,\n0x09,0x08,0x7f,0xff,\n";
+    EXPECT_EQ(textOf(texture), start + record("0x02,", "0x10,") + "\n/* Meta Data */\n" + metaData + data + "0xab,0xab," + end);
+    Bytes image;
+    ASSERT_TRUE(SaveTexture(texture, ".H", image));
+    EXPECT_EQ(std::string(image.begin(), image.end()).find("A8BIT texture[] = {\n"), banner.size());
+
+    // Blocks are written whatever the record's count says; those of every 32nd owner have a line for each byte.
+    MOKTextureHeaderV3 uncounted = row(2).getFileHeader();
+    uncounted.metaDataSize = 0u - 16;
+    CMOKTextureHeader header(uncounted, 1, &block);
+    EXPECT_EQ(textOf(CMOKTexture(header, "\xAB\xAB")), start + record("0x02,", "0x00,") + metaData + data + "0xab,0xab," + end);
+    for (unsigned int owner = 0; owner < 31; ++owner)
+        header.hasMetaData(owner, 0);
+    block.fourCC = 30;
+    header.addMetaData(block);
+    EXPECT_NE(textOf(CMOKTexture(header, nullptr)).find("\n0x09,\n0x08,\n0x7f,\n0xff,\n\n\n/* Data"), std::string::npos);
+}
+
+TEST(CSourceFile, TheArrayIsNamedForThePathUpToItsFirstDot) {
+    const std::pair<const char*, const char*> cases[] = {{"out/logo.h", "logo"},     {"./out/logo.h", ""}, {"a.b/logo.h", "a"},
+                                                         {"x\\y\\logo.x.h", "logo"}, {"h", "h"},           {"", ""}};
+    for (const auto& [path, name] : cases)
+        EXPECT_EQ(arrayNameOf(path), name) << path;
+}
+
+TEST(CSourceFile, OnlyATextureWithoutItsPixelsIsRefused) {
+    const TemporaryFolder folder;
+    CMOKTexture texture = row(2);
+    texture.setWidth(3);
+    EXPECT_FALSE(texture.saveFile(folder.path("a.h").c_str()));
+    EXPECT_TRUE(std::filesystem::exists(folder.path("a.h")) && folder.read("a.h").empty());
+#if defined(__linux__)
+    // Nobody notices a disk that is full.
+    std::filesystem::create_symlink("/dev/full", folder.path("full.h"));
+    EXPECT_TRUE(row(2).saveFile(folder.path("full.h").c_str()));
+#endif
+    const std::string text = textOf(CMOKTexture());
+    EXPECT_EQ(text.substr(text.size() - 16), "\n\n/* Data */\n};\n");
+}
+
+}  // namespace
