@@ -52,6 +52,8 @@ Codes bestIndividual(const Half& half) {
 CodedBlock searchSplit(const BlockPixels& block, Split split, int radius, Measure measure) {
     const std::array<Half, 2> halves = halvesOf(block, split, measure);
     const std::array<Codes, 2> averages = {roundToFiveBits(HalfAverage(halves[0])), roundToFiveBits(HalfAverage(halves[1]))};
+    // A form that is left out keeps its start value and loses. In the wide search, where only the differential form can be left
+    // out, half as much is enough: the individual form's error is never that large.
     CodedBlock differential{radius == wideRadius ? halfErrorBound : blockErrorBound, {}};
     CodedBlock individual{blockErrorBound, {}};
     const bool differentialSearched = isDifferentialSearched(averages, radius);

@@ -38,6 +38,8 @@ struct CodeRange {
     Codes high;
 
     CodeRange(const FloatColour& colour, Form codeForm) : form(codeForm), low{}, high{} {
+        // Kept: 255 / 31 cut to seven digits; the quotient itself would give 255 the code 30, and white blocks would come out
+        // darker.
         const double step = form == Form::individual ? 17.0 : 8.225806;
         const int greatest = form == Form::individual ? 15 : 31;
         for (std::size_t channel = 0; channel < channelCount; ++channel) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "etc1/etc1_best_table.h"
+#include "etc1/etc1_coded_block.h"
 #include "etc1/etc1_level.h"
 
 namespace moktexture::etc1 {

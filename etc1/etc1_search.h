@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "etc1/etc1_best_table.h"
+#include "etc1/etc1_coded_block.h"
 #include "etc1/etc1_quantiser.h"
 
 namespace moktexture::etc1 {

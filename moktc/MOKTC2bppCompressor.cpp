@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "moktc/block_packing.h"
 #include "moktc/colour_fit.h"
 #include "moktc/modulation_estimate.h"
 
@@ -11,24 +12,6 @@ namespace {
 
 constexpr float share = 1.0f / blockArea2bpp;
 constexpr float goodEnough = 128.0f;
-
-std::uint32_t packDirect(const ModulationBlock2bpp& block) {
-    std::uint32_t modulation = 0;
-    for (std::uint32_t i = 0; i < blockArea2bpp; ++i) {
-        if (block.directIndices[i] == 3) modulation |= 1u << i;
-    }
-    return modulation;
-}
-
-/// The indices of the even squares in raster order, 2 bits each.
-std::uint32_t packSamples(const ModulationBlock2bpp& block) {
-    std::uint32_t modulation = 0, sample = 0;
-    for (std::uint32_t y = 0; y < blockHeight; ++y) {
-        for (std::uint32_t x = y % 2; x < widestBlock; x += 2)
-            modulation |= (block.sampleIndices[y * widestBlock + x] & 3u) << 2 * sample++;
-    }
-    return modulation;
-}
 
 }  // namespace
 
@@ -69,8 +52,8 @@ void MOKTC2bppCompressor::updateColours(std::size_t index, const BlockPixels& pi
 
 Block MOKTC2bppCompressor::packModulation(std::size_t index) const {
     const ModulationBlock2bpp& block = m_blocks[index];
-    if (block.mode == 0) return {packDirect(block), 0};
-    return {withSubMode(packSamples(block), static_cast<SubMode>(block.mode)), modeBit};
+    if (block.mode == 0) return {packDirect(block.directIndices), 0};
+    return {withSubMode(packSamples(block.sampleIndices), static_cast<SubMode>(block.mode)), modeBit};
 }
 
 }  // namespace moktexture::moktc

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "moktc/block_packing.h"
 #include "moktc/colour_fit.h"
 
 namespace moktexture::moktc {
@@ -51,11 +52,7 @@ void MOKTC4bppCompressor::updateColours(std::size_t index, const BlockPixels& pi
 
 Block MOKTC4bppCompressor::packModulation(std::size_t index) const {
     const ModulationBlock4bpp& block = m_blocks[index];
-    const std::uint8_t* const indices = indicesOf(block);
-    std::uint32_t modulation = 0;
-    for (std::uint32_t i = 0; i < blockArea4bpp; ++i)
-        modulation |= std::uint32_t{indices[i]} << 2 * i;
-    return {modulation, block.mode == 0 ? 0 : modeBit};
+    return {packIndices(indicesOf(block)), block.mode == 0 ? 0 : modeBit};
 }
 
 }  // namespace moktexture::moktc

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "moktc/block_order.h"
+#include "moktc/block_packing.h"
 
 namespace moktexture::moktc {
 
@@ -141,20 +142,6 @@ void MOKTCCompressor::upscaleImage(FillCell fillCell, const std::vector<std::uin
             copyCell(cell.data(), i, j, target);
         }
     }
-}
-
-// Colour words
-
-void packColourA(Block& block, std::uint32_t rgba) {
-    const bool isOpaque = rgba >> 24 == 255;
-    block.colours &= ~(colourAMask | opaqueABit);
-    block.colours |= isOpaque ? packFields(rgba, opaqueA) | opaqueABit : packFields(rgba, translucentA);
-}
-
-void packColourB(Block& block, std::uint32_t rgba) {
-    const bool isOpaque = rgba >> 24 == 255;
-    block.colours &= ~(colourBMask | opaqueBBit);
-    block.colours |= isOpaque ? packFields(rgba, opaqueB) | opaqueBBit : packFields(rgba, translucentB);
 }
 
 }  // namespace moktexture::moktc

@@ -90,9 +90,4 @@ constexpr std::uint32_t luminance(std::uint32_t pixel) {
     return (30 * (pixel & 255) + 59 * (pixel >> 8 & 255) + 11 * (pixel >> 16 & 255)) / 100;
 }
 
-/// Sets colour A or B of a first-generation colour word from an RGBA8 colour: opaque if alpha is 255, else translucent. Low bits
-/// are cut off; the mode bit and the other colour's half stay.
-void packColourA(Block& block, std::uint32_t rgba);
-void packColourB(Block& block, std::uint32_t rgba);
-
 }  // namespace moktexture::moktc

@@ -6,9 +6,10 @@
 #include <cstring>
 
 #include "moktc/cell_lanes.h"
-#include "moktc/cell_modulation.h"
 #include "moktc/corner_palette.h"
 #include "moktc/moktc_block.h"
+#include "moktc/pair_modulation.h"
+#include "moktc/weight_rows.h"
 
 /// @file
 /// The pixels of one cell from the four blocks around it, for the fast decoder.

@@ -42,6 +42,11 @@ struct CellPlace {
     std::uint32_t gridX, gridY;
 };
 
+/// Blocks of `length` pixels that cover a side.
+std::uint32_t blocksIn(std::uint32_t size, std::uint32_t length) {
+    return static_cast<std::uint32_t>((std::uint64_t{size} + length - 1) / length);
+}
+
 /// The two columns or rows of blocks nearest to a coordinate, of `count` that are `length` pixels long.
 std::array<std::uint32_t, 2> nearestBlocks(std::uint32_t coordinate, std::uint32_t length, std::uint32_t count, bool wrap) {
     const std::uint32_t block = coordinate / length;
@@ -116,9 +121,9 @@ std::uint32_t flatPixel(const Surface& surface, const Neighbourhood& around, con
 void DecodeImage(const std::uint8_t* blocks, const StreamRules& rules, std::uint32_t width, std::uint32_t height,
                  PixelImage& image) {
     if (image.width != width || image.height != height) return;
-    const std::uint32_t fewest = rules.minimumTwoBlocks ? 2 : 1, columns = blockWidth(rules.bitsPerPixel == 2);
-    const Surface surface = {blocks, rules, std::max((width + columns - 1) / columns, fewest),
-                             std::max((height + blockHeight - 1) / blockHeight, fewest)};
+    const std::uint32_t fewest = rules.minimumTwoBlocks ? 2 : 1;
+    const Surface surface = {blocks, rules, std::max(blocksIn(width, blockWidth(rules.bitsPerPixel == 2)), fewest),
+                             std::max(blocksIn(height, blockHeight), fewest)};
     Neighbourhood around{};
     around.places.fill(~std::uint64_t{0});
     for (std::uint32_t y = 0; y < height; ++y) {
@@ -137,9 +142,8 @@ void DecodeImage(const std::uint8_t* blocks, const StreamRules& rules, std::uint
 }
 
 void DecodeLinear(const std::uint8_t* blocks, bool is2bpp, std::uint32_t width, std::uint32_t height, std::uint8_t* pixels) {
-    const std::uint32_t columns = blockWidth(is2bpp);
-    const std::uint32_t paddedWidth = (width + columns - 1) / columns * columns,
-                        paddedHeight = (height + blockHeight - 1) / blockHeight * blockHeight;
+    const std::uint32_t paddedWidth = blocksIn(width, blockWidth(is2bpp)) * blockWidth(is2bpp),
+                        paddedHeight = blocksIn(height, blockHeight) * blockHeight;
     PixelImage image = {paddedWidth, paddedHeight, std::vector<std::uint32_t>(std::size_t{paddedWidth} * paddedHeight)};
     // Kept: a surface of one block wraps onto itself, and neighbours wrap at the padded size, not at the picture's edge.
     DecodeImage(blocks, {false, true, bitsPerPixel(is2bpp), true, true}, paddedWidth, paddedHeight, image);

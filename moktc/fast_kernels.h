@@ -12,8 +12,8 @@ namespace moktexture::moktc {
 
 inline constexpr std::uint32_t blockArea4bpp = 16;
 inline constexpr std::uint32_t blockArea2bpp = 32;
-/// Pixels of the largest region that start colours are sought in: twice the sides of a block at 2 bpp.
-inline constexpr std::uint32_t largestFootprint = 16 * 8;
+/// Pixels of the largest region that start colours are sought in: twice the sides of a block at 4 bpp.
+inline constexpr std::uint32_t largestFootprint = 8 * 8;
 
 /// One block's modulation at 4 bpp, for both modes; indices in raster order.
 struct ModulationBlock4bpp {
@@ -51,7 +51,7 @@ struct ResidualSums {
 struct FastKernels {
     const char* name;
     /// The two pixels with the greatest squared distance over all four channels, the first such pair with `first` below `second`;
-    /// 0 and 0 if all are alike. 1 to `largestFootprint` pixels, red in the lowest byte.
+    /// 0 and 0 if all are alike. `count` is a multiple of 4, from 4 to `largestFootprint`; red is in the lowest byte.
     void (*findFurthest)(const std::uint32_t* pixels, std::uint32_t count, std::uint32_t& first, std::uint32_t& second);
     /// Interpolates between the centres of the blocks p (top left), q (top right), r and s (below them): one block of pixels.
     void (*fillCell4bpp)(std::uint32_t p, std::uint32_t q, std::uint32_t r, std::uint32_t s, std::uint8_t* cell);

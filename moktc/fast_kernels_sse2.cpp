@@ -71,18 +71,12 @@ inline void reduce(__m128i greatest, __m128i rows, std::uint32_t& value, std::ui
 }
 
 // Row i of the table of distances begins at a whole vector and so repeats some pairs (i, j) with j below i. Row j had them
-// before, so the first row with the greatest distance is the right one all the same. Lanes beyond the last pixel repeat pixel 0.
+// before, so the first row with the greatest distance is the right one all the same.
 void findFurthest(const std::uint32_t* pixels, std::uint32_t count, std::uint32_t& first, std::uint32_t& second) {
-    const std::uint32_t vectors = (count + pixelsPerVector - 1) / pixelsPerVector;
+    const std::uint32_t vectors = count / pixelsPerVector;
     Channels split4[largestFootprint / pixelsPerVector];
-    for (std::uint32_t v = 0; v < vectors; ++v) {
-        std::uint32_t four[pixelsPerVector];
-        for (std::uint32_t lane = 0; lane < pixelsPerVector; ++lane) {
-            const std::uint32_t i = v * pixelsPerVector + lane;
-            four[lane] = pixels[i < count ? i : 0];
-        }
-        split4[v] = split(load(four));
-    }
+    for (std::uint32_t v = 0; v < vectors; ++v)
+        split4[v] = split(load(pixels + v * pixelsPerVector));
     __m128i greatest = _mm_setzero_si128(), rows = greatest;
     for (std::uint32_t i = 0; i < count; ++i) {
         const Channels pixel = broadcast(pixels[i]);

@@ -3,7 +3,7 @@
 namespace moktexture::moktc {
 namespace {
 
-constexpr std::uint32_t width = 8, lastColumn = width - 1, lastRow = blockHeight - 1;
+constexpr std::uint32_t width = blockWidth(true), lastColumn = width - 1, lastRow = blockHeight - 1;
 
 /// A block's samples as eighths.
 struct Samples {

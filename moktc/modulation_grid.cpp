@@ -6,12 +6,10 @@
 namespace moktexture::moktc {
 namespace {
 
-constexpr std::uint32_t directWeight8 = 3;
-
 /// The index of a block's pixel at 2 bpp; 0 for the pixels of an interpolated block that have none.
 std::uint32_t index2bpp(const Block& block, SubMode subMode, std::uint32_t x, std::uint32_t y) {
-    const std::uint32_t pixel = y * 8 + x;
-    if (subMode == SubMode::direct) return (block.modulation >> pixel & 1) != 0 ? directWeight8 : 0;
+    const std::uint32_t pixel = y * blockWidth(true) + x;
+    if (subMode == SubMode::direct) return (block.modulation >> pixel & 1) != 0 ? directSetIndex : 0;
     return (x + y) % 2 == 0 ? indexAt(samplesOf(block.modulation), pixel / 2) : 0;
 }
 
@@ -33,7 +31,7 @@ void UnpackMods(const Block& block, std::uint32_t bitsPerPixel, ModulationGrid& 
     for (std::uint32_t row = 0; row < blockHeight; ++row) {
         for (std::uint32_t column = 0; column < blockWidth(is2bpp); ++column) {
             const std::uint32_t index =
-                is2bpp ? index2bpp(block, subMode, column, row) : indexAt(block.modulation, row * 4 + column);
+                is2bpp ? index2bpp(block, subMode, column, row) : indexAt(block.modulation, row * blockWidth(false) + column);
             grid.indices[y + row][x + column] = static_cast<std::uint8_t>(index);
             grid.modes[y + row][x + column] = mode;
         }

@@ -152,6 +152,9 @@ inline constexpr std::array<std::array<std::uint8_t, 4>, 2> indexWeights = {{{0,
 /// At 4 bpp in mode 1 a pixel with this index has alpha 0.
 inline constexpr std::uint32_t punchThroughIndex = 2;
 
+/// 2 bpp, mode 0: the 2-bit index that a set bit stands for; a clear one stands for 0.
+inline constexpr std::uint32_t directSetIndex = 3;
+
 /// 4 bpp and samples: the 2-bit index that stands at a position of the modulation word.
 constexpr std::uint32_t indexAt(std::uint32_t modulation, std::uint32_t position) {
     return modulation >> 2 * position & 3;

@@ -15,6 +15,7 @@ unsigned int isLight(const std::uint8_t* pixel) {
 }  // namespace
 
 int encode1bpp(const void* rgba, void* bits, const std::uint32_t* width, const std::uint32_t* height) {
+    // Kept: pixels of an incomplete last byte are dropped, not coded beside clear bits; callers refuse textures of such levels.
     const std::uint32_t bytes = *width * *height >> 3;
     if (rgba == nullptr || bits == nullptr) return static_cast<int>(bytes);
     const auto* pixel = static_cast<const std::uint8_t*>(rgba);

@@ -75,6 +75,7 @@ int encodeYUV(const void* rgba, void* yuv, const std::uint32_t* width, const std
         for (std::size_t i = 0; i < groups; ++i, pixel += 2 * bytesPerPixel, group += bytesPerGroup)
             rgbPairToYUV(pixel, pixel + bytesPerPixel, *order, group);
     }
+    // Kept: at an odd width fewer bytes were written; callers that compare the sum with the level's size refuse such levels.
     return static_cast<int>(*width * *height * 2);
 }
 

@@ -57,13 +57,6 @@ TEST(MOKTCBlockOrder, KeepsItsPlacesInGridsThatAreNoPowersOfTwo) {
     }
 }
 
-TEST(MOKTCBlockOrder, HasZeroesBeyondTheData) {
-    const std::vector<std::uint8_t> two(2 * bytesPerBlock, 0xFF);
-    const LevelBlocks blocks(two.data(), 1, 2, 2, false);
-    EXPECT_EQ(blocks.at(0).colours, 0xFFFFFFFFu);
-    EXPECT_EQ(blocks.at(1).colours, 0u);
-}
-
 TEST(MOKTCBlockOrder, CountsALevelsBlocksAsTexturesDo) {
     const CompressedFormatId formats[][2] = {{eFmtMOKTC4bppRGB, eFmtMOKTCII4bpp}, {eFmtMOKTC2bppRGB, eFmtMOKTCII2bpp}};
     for (const std::uint32_t width : {1u, 4u, 7u, 8u, 9u, 16u, 17u, 20u, 300u, 4096u}) {

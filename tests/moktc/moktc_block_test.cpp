@@ -4,7 +4,6 @@
 
 #include "moktc/modulation_grid.h"
 #include "moktc_levels.h"
-#include "support/test_images.h"
 
 using namespace moktexture::moktc;
 using moktclevels::decodeAmongEquals;
@@ -72,37 +71,6 @@ TEST(MOKTCBlock, WeightsPixelsByTheModulationWord) {
     for (const auto& row : cases)
         EXPECT_EQ(weightsOf({row.word, blackAndWhite | (row.mode ? modeBit : 0)}, row.is2bpp), row.weights)
             << std::hex << row.word;
-}
-
-TEST(MOKTCBlock, PacksWhatItUnpacks) {
-    const std::uint32_t bits = 0x5A96C3F0;  // alpha, blue, green, red of different high bits
-    const struct {
-        const ColourFields& fields;
-        std::uint32_t word;
-        Colour unpacked;
-    } cases[] = {
-        // clang-format off
-        {opaqueA,      0x7B12,     {30, 24, 19, 15}},
-        {translucentA, 0x2FC8,     {31, 25, 18,  4}},
-        {opaqueB,      0x7B120000, {30, 24, 18, 15}},
-        {translucentB, 0x2FC90000, {31, 25, 19,  4}},
-        // clang-format on
-    };
-    for (const auto& row : cases) {
-        EXPECT_EQ(packFields(bits, row.fields), row.word) << std::hex << packFields(bits, row.fields);
-        EXPECT_EQ(unpackFields(row.word, row.fields), row.unpacked);
-        EXPECT_EQ(row.word & ~(row.word > colourAMask ? colourBMask : colourAMask), 0u);
-    }
-    testimages::Random random(5);
-    for (int round = 0; round < 64; ++round) {
-        const std::uint32_t samples = random.next();
-        for (const SubMode subMode : {SubMode::average, SubMode::horizontal, SubMode::vertical}) {
-            const std::uint32_t word = withSubMode(samples, subMode), lost = subMode == SubMode::average ? 1u : 0x100001u;
-            EXPECT_EQ(subModeOf({word, modeBit}), subMode);
-            EXPECT_EQ(subModeOf({word, 0}), SubMode::direct);
-            EXPECT_EQ(samplesOf(word) & ~lost, samples & ~lost);
-        }
-    }
 }
 
 TEST(MOKTCBlockDeathTest, EndsTheProcessAtOneBitPerPixel) {

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "moktc/MOKTCCompressor.h"
+#include "moktc/block_packing.h"
 #include "moktc/colour_fit.h"
 #include "moktc/modulation_estimate.h"
 

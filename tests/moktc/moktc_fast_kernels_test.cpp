@@ -56,23 +56,13 @@ Images makeImages(std::uint32_t kind, Random& random) {
     return images;
 }
 
+constexpr const FastKernels &plain = plainFastKernels, &fast = sse2FastKernels;
+
 }  // namespace
 
-class MOKTCFastKernels : public testing::Test {
-protected:
-    const FastKernels& plain = plainFastKernels;
-    const FastKernels& fast = sse2FastKernels;
-    Random random{11};
-};
-
-TEST_F(MOKTCFastKernels, AreTwoForms) {
-    EXPECT_STREQ(plain.name, "plain");
-    EXPECT_STREQ(fast.name, "SSE2");
-    EXPECT_NE(plain.chooseModulation4bpp, fast.chooseModulation4bpp);
-}
-
-TEST_F(MOKTCFastKernels, FindTheSameFurthestPixels) {
-    for (std::uint32_t count = 1; count <= largestFootprint; ++count) {
+TEST(MOKTCFastKernels, FindTheSameFurthestPixels) {
+    Random random(11);
+    for (std::uint32_t count = 4; count <= largestFootprint; count += 4) {
         for (const std::uint32_t mask : {0u, 0x01010101u, 0x80000000u, 0xC0C0C0C0u, 0xFFFFFFFFu}) {  // from all alike to few ties
             std::vector<std::uint32_t> pixels(count);
             for (std::uint32_t& pixel : pixels)
@@ -85,29 +75,24 @@ TEST_F(MOKTCFastKernels, FindTheSameFurthestPixels) {
     }
 }
 
-TEST_F(MOKTCFastKernels, FillTheSameCells) {
-    for (int i = 0; i < 500; ++i) {
-        std::uint32_t corners[4];
-        for (std::uint32_t& corner : corners)
-            corner = i % 3 == 0 ? random.below(2) * 0xFFFFFFFFu : random.next();
-        for (const auto fill : {&FastKernels::fillCell4bpp, &FastKernels::fillCell2bpp}) {
-            std::array<std::uint8_t, blockArea2bpp * bytesPerPixel> expected{}, cell{};
-            (plain.*fill)(corners[0], corners[1], corners[2], corners[3], expected.data());
-            (fast.*fill)(corners[0], corners[1], corners[2], corners[3], cell.data());
-            ASSERT_EQ(cell, expected);
-        }
-    }
-}
-
-TEST_F(MOKTCFastKernels, ChooseTheSameModulationInEveryMode) {
+TEST(MOKTCFastKernels, ChooseTheSameModulationInEveryMode) {
+    Random random(11);
     int modes4bpp[2] = {}, modes2bpp[4] = {};
     for (std::uint32_t i = 0; i < 4000; ++i) {
         const Images images = makeImages(i % imageKinds, random);
         ModulationBlock4bpp expected4, actual4;
+        ModulationBlock2bpp expected2, actual2;
+        if (i / imageKinds % 2 == 1) {  // weights so near that every unit of an error counts
+            for (std::uint8_t& weight : expected4.modeWeights)
+                weight = static_cast<std::uint8_t>(200 + random.below(56));
+            for (std::uint8_t& weight : expected2.modeWeights)
+                weight = static_cast<std::uint8_t>(200 + random.below(56));
+            actual4 = expected4;
+            actual2 = expected2;
+        }
         plain.chooseModulation4bpp(images.pixels(), expected4);
         fast.chooseModulation4bpp(images.pixels(), actual4);
         ASSERT_TRUE(actual4 == expected4) << i;
-        ModulationBlock2bpp expected2, actual2;
         plain.chooseModulation2bpp(images.pixels(), expected2);
         fast.chooseModulation2bpp(images.pixels(), actual2);
         ASSERT_TRUE(actual2 == expected2) << i;
@@ -116,19 +101,4 @@ TEST_F(MOKTCFastKernels, ChooseTheSameModulationInEveryMode) {
     }
     for (const int count : {modes4bpp[0], modes4bpp[1], modes2bpp[0], modes2bpp[1], modes2bpp[2], modes2bpp[3]})
         EXPECT_GT(count, 20);
-}
-
-TEST_F(MOKTCFastKernels, SumTheSameResiduals) {
-    for (std::uint32_t i = 0; i < 2000; ++i) {
-        const Images images = makeImages(i % imageKinds, random);
-        std::array<std::uint8_t, blockArea2bpp> eighths;
-        for (std::uint8_t& value : eighths)
-            value = static_cast<std::uint8_t>(i % 5 == 0 ? 8 : random.below(9));
-        for (const std::uint32_t width : {4u, 8u}) {
-            ResidualSums expected, actual;
-            plain.sumResiduals(images.pixels(), eighths.data(), width, expected);
-            fast.sumResiduals(images.pixels(), eighths.data(), width, actual);
-            ASSERT_TRUE(actual == expected) << i;
-        }
-    }
 }

@@ -70,16 +70,25 @@ TEST(PackedYUV, OddRowsSpillIntoTheNextAndStayInsideTheLevel) {
     const Bytes greys = {0, 14, 28, 28, 42, 56, 56, 70, 84};
     for (std::size_t i = 0; i < greys.size(); ++i)
         EXPECT_NEAR(pixels[i * 4], greys[i], 1) << i;
-    EXPECT_EQ(encodedYUV(rgba(Bytes(27, 0)), 3, 3, eFmtYUY2).size(), 12u) << "the third pixel of a row is dropped";
+}
+
+TEST(PackedYUV, TellsMoreThanAnOddRowHas) {
+    const std::uint32_t three = 3, format = eFmtYUY2;
+    Bytes groups(18, 7), expected;
+    EXPECT_EQ(encodeYUV(rgba(Bytes(27, 0)).data(), groups.data(), &three, &three, &format), 18);
+    for (int row = 0; row < 3; ++row)
+        expected.insert(expected.end(), {16, 128, 16, 128});
+    expected.resize(18, 7);
+    EXPECT_EQ(groups, expected) << "the third pixel of a row is dropped";
 }
 
 TEST(OneBit, IsTheMeanOfTheColoursInMemoryOrder) {
     const Bytes pixels = rgba({127, 127, 127, 128, 128, 128, 255, 255, 0,   128, 128, 127, 0, 0, 0, 255, 129, 0,
                                255, 255, 255, 0,   0,   255, 255, 255, 255, 9,   9,   9,   9, 9, 9, 9,   9,   9});
     const std::uint32_t width = 6, height = 2;
-    Bytes bits(1);
+    Bytes bits(2, 7);
     EXPECT_EQ(encode1bpp(pixels.data(), bits.data(), &width, &height), 1) << "12 pixels: four are dropped";
-    EXPECT_EQ(bits[0], 0b01100110);
+    EXPECT_EQ(bits, (Bytes{0b01100110, 7}));
     EXPECT_EQ(encode1bpp(nullptr, bits.data(), &width, &height), 1);
 
     const Bytes twelveBits = {0b01100110, 0b1001};
