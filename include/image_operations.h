@@ -15,15 +15,26 @@
 /// | PixelTypeRGBA32 | eVarUIntNorm   | unsigned 32-bit |
 /// | PixelTypeRGBA32 | eVarFloat      | 32-bit float    |
 ///
-/// A texture without a buffer, or whose size does not fit in 32 bits, is refused likewise. Floats become integers by truncation,
-/// with the low bits kept. All but Bleed() raise `std::bad_alloc`, with the texture unchanged. Calls on different textures may
-/// run at the same time.
+/// A texture whose size does not fit in 32 bits, or whose header asks for more bytes than its buffer holds, is refused likewise.
+///
+/// A texture without a buffer, or without members, faces or levels, is not refused, but has no pixels to work on: operations give
+/// false where they do not name a case that gives true. PreMultiplyAlpha() sets the flag none the less. Without a buffer,
+/// Resize(), Rotate90(), Border() and GenerateNormalMap() replace the texture by a zeroed one of the new header, and
+/// GenerateMIPMaps() leaves it unchanged; without members, faces or levels, all five do.
+///
+/// Resize(), GenerateMIPMaps(), Rotate90(), Border() and GenerateNormalMap() replace the buffer: what getDataPtr() gave before
+/// dangles. The others work within the buffer.
+///
+/// Floats become integers by truncation, with the low bits kept. A float result that is NaN by computation is always the same
+/// quiet NaN. All but Bleed() raise `std::bad_alloc`, with the texture unchanged. Calls on different textures may run at the same
+/// time.
 
 namespace moktexture {
 
 /// Writes constants to channels of every pixel of every level.
 /// @param count  number of entries; 0 does nothing and gives true
-/// @param channels  `count` destinations; a later entry overrides an earlier one. Luminance and intensity write R, G and B alike.
+/// @param channels  `count` destinations; a later entry overrides an earlier one. Luminance and intensity write R, G and B alike,
+///        unspecified writes alpha, eChannelNone and names above eChannelUnspecified write nothing.
 /// @param values  `count` values in units of the element, low bits kept; a float texture gets the value as a float (255 is 255.0)
 /// @return false if the texture is refused, or an array is null and `count` is not 0.
 MOKTEX_API bool SetChannels(CMOKTexture& texture, unsigned int count, EChannelName* channels, unsigned int* values);
@@ -39,15 +50,17 @@ MOKTEX_API bool SetChannelsFloat(CMOKTexture& texture, unsigned int count, EChan
 ///        of eChannelNone or above eChannelUnspecified are skipped.
 /// Values are scaled by the units of the elements in single precision, truncated and not clamped: white becomes 0 in a 32-bit
 /// integer element, and some 16-bit values lose a unit even between 16-bit textures.
-/// @return false if a texture is refused, or width, height, depth or the numbers of members, levels or faces differ.
+/// @return false if a texture is refused, or, with `count` not 0, if width, height, depth or the numbers of members, levels or
+///         faces differ or an array is null.
 MOKTEX_API bool CopyChannels(CMOKTexture& destination, const CMOKTexture& source, unsigned int count,
                              EChannelName* destinationChannels, EChannelName* sourceChannels);
 
 /// Changes the size in pixels of level 0 and drops all other levels. The border in the metadata is scaled along.
 /// Samples points, and does not average areas: reduce in steps of one half for best quality.
 /// An equal size does nothing, keeps the levels and gives true. An unknown mode gives zeroed pixels.
-/// 32-bit integer elements at white come out as 0 from the linear and cubic filters, and the cubic filter clamps floats to 0
-/// to 1.
+/// The linear filter truncates every product of integer elements, so that even a flat picture darkens, by up to a unit for each
+/// axis. 32-bit integer elements at white come out as 0 from the linear and cubic filters. The cubic filter clamps floats to 0 to
+/// 1.
 /// @return false if the texture is refused, a new size is 0, or the result does not fit in 32 bits.
 MOKTEX_API bool Resize(CMOKTexture& texture, const unsigned int& newWidth, const unsigned int& newHeight,
                        const unsigned int& newDepth, EResizeMode mode);
@@ -56,13 +69,17 @@ MOKTEX_API bool Resize(CMOKTexture& texture, const unsigned int& newWidth, const
 inline constexpr unsigned int allMIPLevels = 0xFFFFFFFFu;
 
 /// Rebuilds the levels below level 0, each from the one above it.
+/// @param filter  as in Resize(), in steps of one half. An unknown filter gives zeroed levels and true.
 /// @param levels  wanted number of levels, level 0 included, or allMIPLevels. A number equal to the present one does nothing and
-///        gives true, even if the levels are stale. More levels than the full chain has are 1 by 1 by 1.
-/// @return false if the texture is refused, `levels` is 0 or above 255, or the result does not fit in 32 bits.
+///        gives true, even if the levels are stale. More levels than the full chain has are 1 by 1 by 1. From level 32 on the
+///        header counts sizes anew from that of level 0: of such levels only the first pixel is filled, the others are 0.
+/// @return false if the texture is refused or has no buffer, if `levels` is 0 or above 255, or if the result does not fit in 32
+///         bits; the texture is then unchanged.
 MOKTEX_API bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int levels = allMIPLevels);
 
 /// Tints each level but level 0 with a colour of its own, so that a viewer shows which level is sampled: green, blue, cyan,
-/// magenta, yellow, red, and again.
+/// magenta, yellow, red, and again. The tint is as bright as the mean of R, G and B; their sum wraps at 32 bits in 32-bit integer
+/// elements, so that bright pixels come out dark.
 /// @return false if the texture is refused.
 MOKTEX_API bool ColourMIPMaps(CMOKTexture& texture);
 
@@ -102,8 +119,9 @@ MOKTEX_API bool Rotate90(CMOKTexture& texture, EMOKTAxis axis, bool forward);
 MOKTEX_API bool Border(CMOKTexture& texture, unsigned int borderX, unsigned int borderY, unsigned int borderZ);
 
 /// Takes the red channel as heights and makes the texture one of surface normals, PixelTypeRGBA32 with eVarFloat, whatever it was
-/// before; scale and order are stored with setBumpMap(). Levels are converted each by itself. Edges wrap around, for tiles; in a
-/// texture with depth the rows beyond the first and last row are those of slice 0.
+/// before; scale and order are stored with setBumpMap(). Colour space, isPreMultiplied() and other metadata are carried over, so
+/// set eColourSpaceLinear if the heights were told as sRGB. Levels are converted each by itself. Edges wrap around, for tiles; in
+/// a texture with depth the rows beyond the first and last row are those of slice 0.
 /// @param scale  steepness: a pixel's slope is this times the difference of its two neighbours, on heights from 0 to 1. Below 0
 ///        turns the relief inside out. 0 gives false, and the texture is then of the new form with all pixels 0.
 /// @param channelOrder  content of the channels red to alpha: x, y and z of the normal, 0.5 for a component of 0, and h for the

@@ -40,7 +40,7 @@ template <typename T, typename Sum>
 void storeMean(const ColourSums<Sum>& sums, T* pixel) {
     const float count = static_cast<float>(sums[3]);
     for (std::size_t c = 0; c < 3; ++c)
-        pixel[c] = elementFromBounded<T>(static_cast<float>(sums[c]) / count);
+        pixel[c] = withPlainNaN(elementFromBounded<T>(static_cast<float>(sums[c]) / count));
 }
 
 /// Calls `add(pixel, sums)` for the pixels of a box: by slices, then rows, then pixels.

@@ -1,9 +1,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <utility>
 
-#include "core/data_size.h"
 #include "image_operations.h"
 #include "operations/operation_frame.h"
 #include "operations/whole_pixels.h"
@@ -112,14 +110,9 @@ bool Border(CMOKTexture& texture, unsigned int borderX, unsigned int borderY, un
     header.setDepth(newSize.depth);
     header.setNumMIPLevels(1);
     header.setBorder(borderX, borderY, borderZ);
-    if (!sizesAreTrue(header)) return false;
-    CMOKTexture bordered(header, nullptr);
-    const bool result = processLevelsInto(texture, bordered, WalkedLevels::first,
-                                          [&](const auto* source, auto* destination, const TexturePiece&) {
-                                              return borderLevel(wholePixels(source), wholePixels(destination), size, newSize);
-                                          });
-    texture = std::move(bordered);
-    return result;
+    return rebuildLevels(texture, header, WalkedLevels::first, [&](const auto* source, auto* destination, const TexturePiece&) {
+        return borderLevel(wholePixels(source), wholePixels(destination), size, newSize);
+    });
 }
 
 }  // namespace moktexture

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
 #include "core/float_to_integer.h"
@@ -48,6 +49,30 @@ T elementFromBounded(float value) {
     }
 }
 
+/// A computed element as it is stored: of NaN the quiet one without payload. Of two NaN operands the compiler chooses the one
+/// whose payload a sum keeps, so that results would depend on the build.
+template <typename T>
+T withPlainNaN(T value) {
+    if constexpr (std::is_same_v<T, float>) {
+        return value == value ? value : std::numeric_limits<float>::quiet_NaN();
+    } else {
+        return value;
+    }
+}
+
+/// An element of type S in the scale of element type D; for D float, from 0 to 1. The order of the factors decides the last bit.
+template <typename D, typename S>
+float scaledElement(S element) {
+    float value = static_cast<float>(element);
+    if constexpr (!std::is_same_v<D, float>) value *= channelUnit<D>;
+    if constexpr (std::is_same_v<S, std::uint32_t>) {
+        value *= reciprocalOfUnit32;
+    } else if constexpr (!std::is_same_v<S, float>) {
+        value /= channelUnit<S>;
+    }
+    return value;
+}
+
 /// Bit c is set if writing to the channel of that name writes element c of a pixel. 0 for names without a channel.
 inline unsigned int elementsWrittenBy(EChannelName name) {
     // clang-format off
@@ -63,6 +88,18 @@ inline unsigned int elementsWrittenBy(EChannelName name) {
     };
     // clang-format on
     return name <= eChannelUnspecified ? elements[name] : 0;
+}
+
+/// Calls `write(element of a pixel, number of the entry)` for every element that the channels of the entries write, entry by
+/// entry.
+template <typename Write>
+void forEachWrite(unsigned int count, const EChannelName* channels, Write write) {
+    for (unsigned int i = 0; i < count; ++i) {
+        const unsigned int written = elementsWrittenBy(channels[i]);
+        for (std::size_t c = 0; c < channelsPerPixel; ++c) {
+            if ((written >> c & 1) != 0) write(c, i);
+        }
+    }
 }
 
 }  // namespace moktexture

@@ -8,7 +8,7 @@ namespace {
 template <typename T>
 T meanOfColours(const T* pixel) {
     if constexpr (std::is_same_v<T, float>) {
-        return (pixel[1] + pixel[0] + pixel[2]) / 3.0f;
+        return withPlainNaN((pixel[1] + pixel[0] + pixel[2]) / 3.0f);
     } else {
         // Kept: the sum of 32-bit elements wraps, so bright levels are tinted dark; previews look as they always did.
         const std::uint32_t sum = std::uint32_t{pixel[0]} + pixel[1] + pixel[2];

@@ -14,27 +14,10 @@ using ChannelSources = std::array<EChannelName, channelsPerPixel>;
 /// What the entries come to: of those that write an element, the last one with a source counts.
 ChannelSources resolveEntries(unsigned int count, const EChannelName* destinations, const EChannelName* sources) {
     ChannelSources resolved = {};
-    for (unsigned int i = 0; i < count; ++i) {
-        if (sources[i] == eChannelNone || sources[i] > eChannelUnspecified) continue;
-        const unsigned int written = elementsWrittenBy(destinations[i]);
-        for (std::size_t c = 0; c < channelsPerPixel; ++c) {
-            if ((written >> c & 1) != 0) resolved[c] = sources[i];
-        }
-    }
+    forEachWrite(count, destinations, [&](std::size_t c, unsigned int i) {
+        if (sources[i] <= eChannelUnspecified && sources[i] != eChannelNone) resolved[c] = sources[i];
+    });
     return resolved;
-}
-
-/// A source element in the scale of the destination's. The order of the factors decides the last bit.
-template <typename D, typename S>
-float scaledElement(S element) {
-    float value = static_cast<float>(element);
-    if constexpr (!std::is_same_v<D, float>) value *= channelUnit<D>;
-    if constexpr (std::is_same_v<S, std::uint32_t>) {
-        value *= reciprocalOfUnit32;
-    } else if constexpr (!std::is_same_v<S, float>) {
-        value /= channelUnit<S>;
-    }
-    return value;
 }
 
 // Kept: truncated and neither rounded nor clamped, so white (1.0, 255) becomes 4294967296 and wraps to 0 in a 32-bit element;
@@ -42,7 +25,7 @@ float scaledElement(S element) {
 template <typename D, typename S>
 D elementFromScaled(float value) {
     if constexpr (std::is_same_v<S, float>) {
-        return elementFromFloat<D>(value);
+        return withPlainNaN(elementFromFloat<D>(value));
     } else {
         return elementFromBounded<D>(value);
     }
@@ -122,11 +105,11 @@ bool copyLevel(const S* source, D* destination, std::size_t pixelCount, const Ch
 }
 
 bool copyLevels(CMOKTexture& destination, const CMOKTexture& source, const ChannelSources& sources) {
+    if (source.getDataPtr() == nullptr) return false;
     return withElementType(source.getChannelType(), [&](auto element) {
         using S = typename decltype(element)::type;
         return processLevels(destination, [&](auto* pixels, const TexturePiece& piece) {
-            const S* const from = pieceData<const S>(source, piece);
-            return from != nullptr && copyLevel(from, pixels, piece.size.pixelCount(), sources);
+            return copyLevel(pieceData<const S>(source, piece), pixels, piece.size.pixelCount(), sources);
         });
     });
 }

@@ -1,8 +1,6 @@
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
-#include "core/data_size.h"
 #include "image_operations.h"
 #include "operations/operation_frame.h"
 #include "operations/resample_level.h"
@@ -24,21 +22,19 @@ LevelSize nextLevelSize(const LevelSize& size) {
     return {std::max(size.width >> 1, 1u), std::max(size.height >> 1, 1u), std::max(size.depth >> 1, 1u)};
 }
 
-/// Fills the levels of one face of one member below level 0, each from the one above it.
+/// Fills the levels of one face of one member below level 0, each from the one above it. From level 32 on the header counts sizes
+/// anew from that of level 0: of such levels only the first pixel is filled.
 template <typename T>
-bool fillChain(const CMOKTexture& texture, TexturePiece piece, EResizeMode filter) {
+void fillChain(const CMOKTexture& texture, TexturePiece piece, EResizeMode filter) {
     const T* source = pieceData<const T>(texture, piece);
     for (piece.level = 1; piece.level < texture.getNumMIPLevels(); ++piece.level) {
         const LevelSize size = nextLevelSize(piece.size);
         T* const destination = pieceData<T>(texture, piece);
-        if (!resampleLevel(source, destination, piece.size.width, piece.size.height, piece.size.depth, size.width, size.height,
-                           size.depth, filter)) {
-            return false;
-        }
+        resampleLevel(source, destination, piece.size.width, piece.size.height, piece.size.depth, size.width, size.height,
+                      size.depth, filter);
         source = destination;
         piece.size = size;
     }
-    return true;
 }
 
 }  // namespace
@@ -52,17 +48,16 @@ bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int leve
 
     CMOKTextureHeader header = texture;
     header.setNumMIPLevels(count);
-    if (count == 0 || !sizesAreTrue(header)) return false;
-    CMOKTexture chained(header, nullptr);
+    if (count == 0 || texture.getDataPtr() == nullptr) return false;
     const std::size_t topSize = texture.getDataSize(0, false, false);
-    bool isFilled = true;
-    processLevelsInto(texture, chained, WalkedLevels::first,
-                      [&]<typename T>(const T* source, T* destination, const TexturePiece& piece) {
-                          std::memcpy(destination, source, topSize);
-                          return isFilled = isFilled && fillChain<T>(chained, piece, filter);
-                      });
-    if (isFilled) texture = std::move(chained);
-    return isFilled;
+    return rebuild(texture, header, [&](const CMOKTexture& source, CMOKTexture& chained) {
+        const auto fill = [&]<typename T>(const T* top, T* copiedTop, const TexturePiece& piece) {
+            std::memcpy(copiedTop, top, topSize);
+            fillChain<T>(chained, piece, filter);
+            return true;
+        };
+        return processLevelsInto(source, chained, WalkedLevels::first, fill);
+    });
 }
 
 }  // namespace moktexture

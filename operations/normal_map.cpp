@@ -3,11 +3,9 @@
 #include <cmath>
 #include <cstdint>
 #include <iterator>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
-#include "core/data_size.h"
 #include "image_operations.h"
 #include "operations/channel_elements.h"
 #include "operations/operation_frame.h"
@@ -24,6 +22,7 @@ ChannelContents readOrder(const char* order) {
     constexpr char letters[] = {'x', 'y', 'z', 'h'};
     constexpr Content contents[] = {Content::x, Content::y, Content::z, Content::height};
     ChannelContents channels = {};
+    if (order == nullptr) order = "xyz";
     for (std::size_t channel = 0; channel < channelsPerPixel && order[channel] != 0; ++channel) {
         const auto letter = std::find(std::begin(letters), std::end(letters), order[channel]);
         if (letter == std::end(letters)) continue;
@@ -32,17 +31,6 @@ ChannelContents readOrder(const char* order) {
         channels[channel] = content;
     }
     return channels;
-}
-
-template <typename T>
-float heightFromElement(T element) {
-    if constexpr (std::is_same_v<T, float>) {
-        return element;
-    } else if constexpr (std::is_same_v<T, std::uint32_t>) {
-        return static_cast<float>(element) * reciprocalOfUnit32;
-    } else {
-        return static_cast<float>(element) / channelUnit<T>;
-    }
 }
 
 /// Heights of a row with one more on either side, which come from the row's other end.
@@ -54,7 +42,7 @@ public:
     void read(const T* pixels) {
         const std::size_t width = heights.size() - 2;
         for (std::size_t x = 0; x < width; ++x)
-            heights[x + 1] = heightFromElement(pixels[x * channelsPerPixel]);
+            heights[x + 1] = scaledElement<float>(pixels[x * channelsPerPixel]);
         heights[0] = heights[width];
         heights[width + 1] = heights[1];
     }
@@ -93,9 +81,9 @@ void computeNormals(const HeightRows& rows, std::size_t first, std::size_t count
         const float dx = (left[i] - right[i]) * scale;
         const float dy = (above[i] - below[i]) * scale;
         const float length = std::sqrt(dx * dx + dy * dy + 1.0f);
-        normals.x[i] = dx / length * 0.5f + 0.5f;
-        normals.y[i] = dy / length * 0.5f + 0.5f;
-        normals.z[i] = 1.0f / length * 0.5f + 0.5f;
+        normals.x[i] = withPlainNaN(dx / length * 0.5f + 0.5f);
+        normals.y[i] = withPlainNaN(dy / length * 0.5f + 0.5f);
+        normals.z[i] = withPlainNaN(1.0f / length * 0.5f + 0.5f);
     }
 }
 
@@ -154,10 +142,8 @@ bool mapNormals(const CMOKTexture& texture, CMOKTexture& normals, float scale, c
     return withElementType(texture.getChannelType(), [&](auto element) {
         using T = typename decltype(element)::type;
         return walkPieces(texture, WalkedLevels::all, [&](const TexturePiece& piece) {
-            const T* const source = pieceData<const T>(texture, piece);
-            float* const destination = pieceData<float>(normals, piece);
-            return source != nullptr && destination != nullptr &&
-                   normalMapLevel(source, destination, piece.size, scale, channels);
+            return normalMapLevel(pieceData<const T>(texture, piece), pieceData<float>(normals, piece), piece.size, scale,
+                                  channels);
         });
     });
 }
@@ -170,13 +156,11 @@ bool GenerateNormalMap(CMOKTexture& texture, float scale, CMOKTString channelOrd
     header.setPixelFormat(PixelTypeRGBA32);
     header.setChannelType(eVarFloat);
     header.setBumpMap(scale, channelOrder);
-    if (!sizesAreTrue(header)) return false;
-    CMOKTexture normals(header, nullptr);
-    const bool result = mapNormals(texture, normals, scale, readOrder(channelOrder.c_str()));
     // Kept: a scale of 0 fails and yet gives a zeroed float texture with the metadata of a bump map; callers find the form
     // changed whatever the result is.
-    texture = std::move(normals);
-    return result;
+    return rebuild(texture, header, [&](const CMOKTexture& source, CMOKTexture& normals) {
+        return mapNormals(source, normals, scale, readOrder(channelOrder.c_str()));
+    });
 }
 
 }  // namespace moktexture

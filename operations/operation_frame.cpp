@@ -6,7 +6,12 @@
 namespace moktexture {
 
 bool isOperable(const CMOKTexture& texture) {
-    return isOperableTexture(texture.getPixelType(), texture.getChannelType()) && TextureInternals::isAddressable(texture);
+    if (!isOperableTexture(texture.getPixelType(), texture.getChannelType()) || !sizesAreTrue(texture)) return false;
+    return texture.getDataPtr() == nullptr || texture.getDataSize() <= TextureInternals::dataSize(texture);
+}
+
+bool hasPieces(const CMOKTextureHeader& header) {
+    return header.getNumArrayMembers() != 0 && header.getNumFaces() != 0 && header.getNumMIPLevels() != 0;
 }
 
 bool haveEqualShape(const CMOKTextureHeader& a, const CMOKTextureHeader& b) {

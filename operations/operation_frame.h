@@ -6,10 +6,12 @@
 #include <utility>
 
 #include "CMOKTexture.h"
+#include "core/data_size.h"
 #include "core/level_size.h"
 
 /// @file
-/// What all image operations share: the acceptance test, the walk over the pieces of a texture and the choice of element type.
+/// What all image operations share: the acceptance test, the walk over the pieces of a texture, the choice of element type and
+/// the replacement of a texture by a new one.
 ///
 /// An operation in place is its level routine and one line:
 /// @code
@@ -17,6 +19,7 @@
 ///     return isOperable(texture) && processLevels(texture, [](auto* pixels, const TexturePiece& piece) { ... return true; });
 /// }
 /// @endcode
+/// One that builds a new texture sets up that texture's header and calls rebuildLevels().
 
 namespace moktexture {
 
@@ -31,13 +34,17 @@ struct TexturePiece {
 /// Which MIP levels an operation visits.
 enum class WalkedLevels { all, first };
 
-/// Whether an operation may touch the texture: it has one of the four forms, and all its pixels lie in its buffer.
+/// Whether operations accept the texture: it has one of the four forms, its sizes are true, and its buffer, if there is one,
+/// holds all pixels. A texture without a buffer or without pieces is accepted, and has nothing to be worked on.
 bool isOperable(const CMOKTexture& texture);
+
+/// Whether the texture has at least one member, one face and one level.
+bool hasPieces(const CMOKTextureHeader& header);
 
 /// Whether both textures have the same size in pixels and the same numbers of members, faces and levels.
 bool haveEqualShape(const CMOKTextureHeader& a, const CMOKTextureHeader& b);
 
-/// Address of a piece's first element, or null.
+/// Address of a piece's first element, in a texture with a buffer.
 template <typename T>
 T* pieceData(const CMOKTexture& texture, const TexturePiece& piece) {
     return static_cast<T*>(texture.getDataPtr(piece.level, piece.member, piece.face));
@@ -60,17 +67,18 @@ bool withElementType(EMOKTVariableType channelType, Routine&& routine) {
     }
 }
 
-/// Calls `visit(const TexturePiece&)` for each member, in it each face, in it each level. The result is that of the last call, or
-/// false if there was none: a false result does not stop the walk.
+/// Calls `visit(const TexturePiece&)` for each member, in it each face, in it each level. The result is that of the last call: a
+/// false result does not stop the walk. It is false at once for a texture without pieces or a buffer, whatever its counts.
 template <typename Visit>
-bool walkPieces(const CMOKTextureHeader& header, WalkedLevels levels, Visit&& visit) {
-    const std::uint32_t levelCount = levels == WalkedLevels::all ? header.getNumMIPLevels() : 1;
+bool walkPieces(const CMOKTexture& texture, WalkedLevels levels, Visit&& visit) {
+    if (!hasPieces(texture) || texture.getDataPtr() == nullptr) return false;
+    const std::uint32_t levelCount = levels == WalkedLevels::all ? texture.getNumMIPLevels() : 1;
     bool result = false;
     TexturePiece piece = {};
-    for (piece.member = 0; piece.member < header.getNumArrayMembers(); ++piece.member) {
-        for (piece.face = 0; piece.face < header.getNumFaces(); ++piece.face) {
+    for (piece.member = 0; piece.member < texture.getNumArrayMembers(); ++piece.member) {
+        for (piece.face = 0; piece.face < texture.getNumFaces(); ++piece.face) {
             for (piece.level = 0; piece.level < levelCount; ++piece.level) {
-                piece.size = levelSize(header, piece.level);
+                piece.size = levelSize(texture, piece.level);
                 result = visit(std::as_const(piece));
             }
         }
@@ -83,10 +91,8 @@ template <typename Routine>
 bool processLevels(CMOKTexture& texture, Routine&& routine) {
     return withElementType(texture.getChannelType(), [&](auto element) {
         using T = typename decltype(element)::type;
-        return walkPieces(texture, WalkedLevels::all, [&](const TexturePiece& piece) {
-            T* const pixels = pieceData<T>(texture, piece);
-            return pixels != nullptr && routine(pixels, piece);
-        });
+        return walkPieces(texture, WalkedLevels::all,
+                          [&](const TexturePiece& piece) { return routine(pieceData<T>(texture, piece), piece); });
     });
 }
 
@@ -98,10 +104,28 @@ bool processLevelsInto(const CMOKTexture& source, CMOKTexture& destination, Walk
     return withElementType(source.getChannelType(), [&](auto element) {
         using T = typename decltype(element)::type;
         return walkPieces(source, levels, [&](const TexturePiece& piece) {
-            const T* const from = pieceData<const T>(source, piece);
-            T* const to = pieceData<T>(destination, piece);
-            return from != nullptr && to != nullptr && routine(from, to, piece);
+            return routine(pieceData<const T>(source, piece), pieceData<T>(destination, piece), piece);
         });
+    });
+}
+
+/// Replaces the texture by one of that header, zeroed and then filled by `fill(const CMOKTexture& source, CMOKTexture& rebuilt)`,
+/// and gives the result of that; false does not undo it.
+/// @return false too, with the texture unchanged, if it has no pieces or the header's sizes are not true
+template <typename Fill>
+bool rebuild(CMOKTexture& texture, const CMOKTextureHeader& header, Fill&& fill) {
+    if (!hasPieces(texture) || !sizesAreTrue(header)) return false;
+    CMOKTexture rebuilt(header, nullptr);
+    const bool result = fill(std::as_const(texture), rebuilt);
+    texture = std::move(rebuilt);
+    return result;
+}
+
+/// rebuild() by processLevelsInto().
+template <typename Routine>
+bool rebuildLevels(CMOKTexture& texture, const CMOKTextureHeader& header, WalkedLevels levels, Routine&& routine) {
+    return rebuild(texture, header, [&](const CMOKTexture& source, CMOKTexture& rebuilt) {
+        return processLevelsInto(source, rebuilt, levels, routine);
     });
 }
 

@@ -7,18 +7,6 @@
 namespace moktexture {
 namespace {
 
-/// What a pixel's colours are multiplied by; 1.0 for the unit, and float alpha as it stands.
-template <typename T>
-float alphaFactor(T alpha) {
-    if constexpr (std::is_same_v<T, float>) {
-        return alpha;
-    } else if constexpr (std::is_same_v<T, std::uint32_t>) {
-        return static_cast<float>(alpha) * reciprocalOfUnit32;
-    } else {
-        return static_cast<float>(alpha) / channelUnit<T>;
-    }
-}
-
 // Kept: of every product only the low 8 bits stay, in wider elements and floats too, which loses their colours; textures that
 // were premultiplied before hold those values.
 template <typename T>
@@ -34,7 +22,7 @@ template <typename T>
 bool premultiplyLevel(T* pixels, std::size_t pixelCount) {
     for (std::size_t i = 0; i < pixelCount; ++i) {
         T* const pixel = pixels + i * channelsPerPixel;
-        const float factor = alphaFactor(pixel[3]);
+        const float factor = scaledElement<float>(pixel[3]);
         for (std::size_t c = 0; c < 3; ++c)
             pixel[c] = elementFromProduct<T>(static_cast<float>(pixel[c]) * factor);
     }

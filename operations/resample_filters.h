@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "operations/channel_elements.h"
 #include "core/level_size.h"
+#include "operations/channel_elements.h"
 #include "operations/resample_axis.h"
 
 /// @file
@@ -75,7 +75,7 @@ T weightedElement(T element, float weight) {
 /// One stage of the linear filter, along one axis. Sums are kept at the element's width.
 template <typename T>
 T blendElements(T a, T b, float weightA, float weightB) {
-    return static_cast<T>(weightedElement(a, weightA) + weightedElement(b, weightB));
+    return withPlainNaN(static_cast<T>(weightedElement(a, weightA) + weightedElement(b, weightB)));
 }
 
 template <typename T>
@@ -100,7 +100,7 @@ inline std::uint32_t cubicIndex(const ResampleAxis& axis, const AxisPosition& po
     return indexWithin(axis, position.index + static_cast<std::uint32_t>(tap) - 1);
 }
 
-/// The sum of the cubic filter as an element: clamped to 0 and the unit, truncated.
+/// The sum of the cubic filter as an element: clamped to 0 and the unit, truncated. NaN gives 0.
 // Kept: float elements are clamped to 0 to 1 too, and a 32-bit element at the top wraps to 0, by this filter alone.
 template <typename T>
 T elementFromCubicSum(float sum) {

@@ -1,6 +1,3 @@
-#include <utility>
-
-#include "core/data_size.h"
 #include "image_operations.h"
 #include "operations/operation_frame.h"
 #include "operations/resample_level.h"
@@ -34,16 +31,11 @@ bool Resize(CMOKTexture& texture, const unsigned int& newWidth, const unsigned i
     if (!isOperable(texture) || newSize.isEmpty()) return false;
     if (newSize == oldSize) return true;
 
-    const CMOKTextureHeader header = resizedHeader(texture, oldSize, newSize);
-    if (!sizesAreTrue(header)) return false;
-    CMOKTexture resized(header, nullptr);
-    const bool result = processLevelsInto(
-        texture, resized, WalkedLevels::first, [&]<typename T>(const T* source, T* destination, const TexturePiece&) {
-            return resampleLevel(source, destination, oldSize.width, oldSize.height, oldSize.depth, newSize.width, newSize.height,
-                                 newSize.depth, mode);
-        });
-    texture = std::move(resized);
-    return result;
+    const auto resampleTop = [&]<typename T>(const T* source, T* destination, const TexturePiece&) {
+        return resampleLevel(source, destination, oldSize.width, oldSize.height, oldSize.depth, newSize.width, newSize.height,
+                             newSize.depth, mode);
+    };
+    return rebuildLevels(texture, resizedHeader(texture, oldSize, newSize), WalkedLevels::first, resampleTop);
 }
 
 }  // namespace moktexture

@@ -1,7 +1,5 @@
 #include <algorithm>
-#include <utility>
 
-#include "core/data_size.h"
 #include "image_operations.h"
 #include "operations/operation_frame.h"
 #include "operations/whole_pixels.h"
@@ -80,15 +78,10 @@ bool rotateLevel(const Pixel* source, Pixel* destination, const LevelSize& size,
 
 bool Rotate90(CMOKTexture& texture, EMOKTAxis axis, bool forward) {
     if (!isOperable(texture)) return false;
-    const CMOKTextureHeader header = rotatedHeader(texture, axis);
-    if (!sizesAreTrue(header)) return false;
-    CMOKTexture rotated(header, nullptr);
-    const bool result = processLevelsInto(
-        texture, rotated, WalkedLevels::all, [&](const auto* source, auto* destination, const TexturePiece& piece) {
-            return rotateLevel(wholePixels(source), wholePixels(destination), piece.size, axis, forward);
-        });
-    texture = std::move(rotated);
-    return result;
+    const auto rotate = [&](const auto* source, auto* destination, const TexturePiece& piece) {
+        return rotateLevel(wholePixels(source), wholePixels(destination), piece.size, axis, forward);
+    };
+    return rebuildLevels(texture, rotatedHeader(texture, axis), WalkedLevels::all, rotate);
 }
 
 }  // namespace moktexture

@@ -20,12 +20,7 @@ using PixelWrites = std::array<ElementWrite<Value>, channelsPerPixel>;
 template <typename Value>
 PixelWrites<Value> resolveEntries(unsigned int count, const EChannelName* channels, const Value* values) {
     PixelWrites<Value> writes;
-    for (unsigned int i = 0; i < count; ++i) {
-        const unsigned int written = elementsWrittenBy(channels[i]);
-        for (std::size_t c = 0; c < channelsPerPixel; ++c) {
-            if ((written >> c & 1) != 0) writes[c] = {true, values[i]};
-        }
-    }
+    forEachWrite(count, channels, [&](std::size_t c, unsigned int i) { writes[c] = {true, values[i]}; });
     return writes;
 }
 

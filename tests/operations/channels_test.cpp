@@ -12,19 +12,33 @@ namespace {
 constexpr EChannelName beyondNames = static_cast<EChannelName>(8);
 constexpr EChannelName farBeyondNames = static_cast<EChannelName>(0xFFFFFFFF);
 
-TEST(SetChannels, WritesTheNamedElementsAndTheLastEntryWins) {
-    std::pair<std::vector<EChannelName>, std::vector<std::uint8_t>> rows[] = {
-        {{eChannelGreen, eChannelBlue}, {1, 7, 8, 4}},
-        {{eChannelRed, eChannelRed}, {8, 2, 3, 4}},
-        {{eChannelAlpha, eChannelLuminance, eChannelRed}, {9, 8, 8, 7}},
-        {{eChannelUnspecified, eChannelIntensity}, {8, 8, 8, 7}},
-        {{eChannelNone, beyondNames, farBeyondNames}, {1, 2, 3, 4}},
+TEST(ChannelOperations, WriteTheNamedElementsOfEveryPixelAndTheLastEntryWins) {
+    const std::vector<std::uint8_t> pixel = {200, 100, 50, 7};
+    unsigned int values[] = {17, 18, 19};
+    // Without sources, the values are set. Sources are all read before an element is written.
+    struct {
+        std::vector<EChannelName> destinations, sources;
+        std::vector<std::uint8_t> expected;
+    } rows[] = {
+        {{eChannelGreen, eChannelBlue}, {}, {200, 17, 18, 7}},
+        {{eChannelRed, eChannelRed}, {}, {18, 100, 50, 7}},
+        {{eChannelAlpha, eChannelLuminance, eChannelRed}, {}, {19, 18, 18, 17}},
+        {{eChannelUnspecified, eChannelIntensity}, {}, {18, 18, 18, 17}},
+        {{eChannelNone, beyondNames, farBeyondNames}, {}, pixel},
+        {{eChannelRed, eChannelGreen, eChannelBlue}, {eChannelBlue, eChannelGreen, eChannelRed}, {50, 100, 200, 7}},
+        {{eChannelRed, eChannelAlpha}, {eChannelUnspecified, eChannelRed}, {7, 100, 50, 200}},
+        // 0.2126 x 200 + 0.7152 x 100 + 0.0722 x 50 = 117.65, and 350 / 3 = 116.67
+        {{eChannelLuminance}, {eChannelLuminance}, {117, 117, 117, 7}},
+        {{eChannelIntensity, eChannelUnspecified}, {eChannelBlue, eChannelIntensity}, {50, 50, 50, 116}},
+        {{eChannelRed, eChannelRed, eChannelRed}, {eChannelGreen, eChannelNone, farBeyondNames}, {100, 100, 50, 7}},
+        {{eChannelNone, beyondNames, eChannelGreen}, {eChannelRed, eChannelRed, beyondNames}, pixel},
     };
-    unsigned int values[] = {7, 8, 9};
-    for (auto& [channels, expected] : rows) {
-        CMOKTexture texture = textureOf<std::uint8_t>({}, {1, 2, 3, 4});
-        EXPECT_TRUE(SetChannels(texture, static_cast<unsigned int>(channels.size()), channels.data(), values));
-        EXPECT_EQ(elementsOf<std::uint8_t>(texture), expected);
+    for (auto& [destinations, sources, expected] : rows) {
+        CMOKTexture texture = textureOf<std::uint8_t>({307, 2}, repeatedPixel(pixel, 614));
+        const auto count = static_cast<unsigned int>(destinations.size());
+        EXPECT_TRUE(sources.empty() ? SetChannels(texture, count, destinations.data(), values)
+                                    : CopyChannels(texture, texture, count, destinations.data(), sources.data()));
+        EXPECT_EQ(elementsOf<std::uint8_t>(texture), repeatedPixel(expected, 614));
     }
 }
 
@@ -54,27 +68,18 @@ TEST(ChannelOperations, RefuseMissingArraysUnlessThereAreNoEntries) {
     EXPECT_TRUE(SetChannels(texture, 0, nullptr, nullptr) && CopyChannels(texture, wider, 0, nullptr, nullptr));
 }
 
-TEST(CopyChannels, ReadsAllSourcesBeforeItWrites) {
-    const std::vector<std::uint8_t> pixel = {200, 100, 50, 7};
-    struct {
-        std::vector<EChannelName> destinations;
-        std::vector<EChannelName> sources;
-        std::vector<std::uint8_t> expected;
-    } rows[] = {
-        {{eChannelRed, eChannelGreen, eChannelBlue}, {eChannelBlue, eChannelGreen, eChannelRed}, {50, 100, 200, 7}},
-        {{eChannelRed, eChannelAlpha}, {eChannelUnspecified, eChannelRed}, {7, 100, 50, 200}},
-        // 0.2126 x 200 + 0.7152 x 100 + 0.0722 x 50 = 117.65, and 350 / 3 = 116.67
-        {{eChannelLuminance}, {eChannelLuminance}, {117, 117, 117, 7}},
-        {{eChannelIntensity, eChannelUnspecified}, {eChannelBlue, eChannelIntensity}, {50, 50, 50, 116}},
-        {{eChannelRed, eChannelRed, eChannelRed}, {eChannelGreen, eChannelNone, farBeyondNames}, {100, 100, 50, 7}},
-        {{eChannelNone, beyondNames, eChannelGreen}, {eChannelRed, eChannelRed, beyondNames}, pixel},
-    };
-    for (auto& row : rows) {
-        CMOKTexture texture = textureOf<std::uint8_t>({}, pixel);
-        const auto count = static_cast<unsigned int>(row.sources.size());
-        EXPECT_TRUE(CopyChannels(texture, texture, count, row.destinations.data(), row.sources.data()));
-        EXPECT_EQ(elementsOf<std::uint8_t>(texture), row.expected);
-    }
+TEST(CopyChannels, WeighsTheScaledColours) {
+    EChannelName to[] = {eChannelRed, eChannelGreen}, from[] = {eChannelLuminance, eChannelIntensity};
+    const std::vector<float> pixels = {1, 0, 0, 9, 0, 1, 0, 9, 0, 0, 1, 9};
+    CMOKTexture texture = textureOf<float>({3}, pixels);
+    EXPECT_TRUE(CopyChannels(texture, texture, 2, to, from));
+    const float third = 1.0f / 3.0f;
+    EXPECT_EQ(elementsOf<float>(texture),
+              (std::vector{0.2126f, third, 0.0f, 9.0f, 0.7152f, third, 0.0f, 9.0f, 0.0722f, third, 1.0f, 9.0f}));
+    // 155.64, 77.82 and 38.91 in 8 bits: 91.56, but 90.77 if they were truncated first.
+    CMOKTexture narrow = textureOf<std::uint8_t>({}, {});
+    EXPECT_TRUE(CopyChannels(narrow, textureOf<std::uint16_t>({}, {40000, 20000, 10000, 0}), 2, to, from));
+    EXPECT_EQ(elementsOf<std::uint8_t>(narrow), (std::vector<std::uint8_t>{91, 90, 0, 0}));
 }
 
 template <typename S>
@@ -114,22 +119,19 @@ TEST(CopyChannels, ScalesByTheUnitsTruncatesAndWraps) {
     }
 }
 
-TEST(CopyChannels, ReachesEveryPieceOfTexturesOfEqualShape) {
+TEST(CopyChannels, TakesTexturesOfEqualShape) {
     const Shape shape = {21, 17, 3, 4, 3, 6};
     const CMOKTexture source = randomTexture<std::uint8_t>(shape, 5);
     CMOKTexture destination = randomTexture<std::uint16_t>(shape, 6);
-    const std::vector<std::uint8_t> from = elementsOf<std::uint8_t>(source);
+    std::vector<std::uint8_t> from = elementsOf<std::uint8_t>(source);
     std::vector<std::uint16_t> expected = elementsOf<std::uint16_t>(destination);
-    for (std::size_t i = 0; i < from.size(); i += 4) {
+    for (std::size_t i = 0; i < from.size(); i += 4)
         expected[i] = static_cast<std::uint16_t>(from[i + 3] * 257);
-        expected[i + 2] = static_cast<std::uint16_t>(from[i] * 257);
-    }
-    EChannelName destinations[] = {eChannelBlue, eChannelRed}, sources[] = {eChannelRed, eChannelAlpha};
-    EXPECT_TRUE(CopyChannels(destination, source, 2, destinations, sources));
+    EChannelName to = eChannelRed, alpha = eChannelAlpha;
+    EXPECT_TRUE(CopyChannels(destination, source, 1, &to, &alpha));
     for (const Shape& other : {Shape{20, 17, 3, 4, 3, 6}, Shape{21, 16, 3, 4, 3, 6}, Shape{21, 17, 2, 4, 3, 6},
-                               Shape{21, 17, 3, 3, 3, 6}, Shape{21, 17, 3, 4, 2, 6}, Shape{21, 17, 3, 4, 3, 1}}) {
-        EXPECT_FALSE(CopyChannels(destination, randomTexture<std::uint8_t>(other), 2, destinations, sources));
-    }
+                               Shape{21, 17, 3, 3, 3, 6}, Shape{21, 17, 3, 4, 2, 6}, Shape{21, 17, 3, 4, 3, 1}})
+        EXPECT_FALSE(CopyChannels(destination, randomTexture<std::uint8_t>(other), 1, &to, &alpha));
     EXPECT_EQ(elementsOf<std::uint16_t>(destination), expected);
 }
 

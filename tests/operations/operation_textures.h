@@ -42,6 +42,34 @@ std::vector<T> randomElements(std::size_t count, testimages::Random& random) {
     return elements;
 }
 
+/// Puts infinities and NaNs of several payloads in place of some elements of a float image.
+template <typename T>
+void scatterSpecialValues(std::vector<T>& elements, testimages::Random& random) {
+    if constexpr (std::is_same_v<T, float>) {
+        const std::uint32_t bits[] = {0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC00000, 0x7FC12345, 0xFFFFFFFF};
+        for (float& element : elements) {
+            if (random.below(6) == 0) std::memcpy(&element, &bits[random.below(6)], sizeof element);
+        }
+    }
+}
+
+/// Pixels whose four elements are alike, one for each number.
+template <typename T, typename Number>
+std::vector<T> alikePixels(const std::vector<Number>& numbers) {
+    std::vector<T> elements;
+    for (const Number& number : numbers)
+        elements.insert(elements.end(), 4, static_cast<T>(number));
+    return elements;
+}
+
+template <typename T>
+std::vector<T> repeatedPixel(const std::vector<T>& pixel, std::size_t count) {
+    std::vector<T> elements;
+    for (std::size_t i = 0; i < count; ++i)
+        elements.insert(elements.end(), pixel.begin(), pixel.end());
+    return elements;
+}
+
 template <typename T>
 moktexture::CMOKTexture randomTexture(const Shape& shape, std::uint64_t seed = 1) {
     testimages::Random random(seed);

@@ -1,5 +1,4 @@
 #include <array>
-#include <tuple>
 
 #include "operation_textures.h"
 #include "operations/resample_level.h"
@@ -26,13 +25,10 @@ std::vector<T> resampled(const std::vector<T>& source, Size from, Size to, EResi
 /// Resamples a line of pixels, whose four channels are alike, that lies along an axis.
 template <typename T>
 std::vector<T> resampledLine(const std::vector<T>& line, std::size_t newLength, EResizeMode mode, std::size_t axis) {
-    std::vector<T> pixels;
-    for (T element : line)
-        pixels.insert(pixels.end(), 4, element);
     Size from = {1, 1, 1}, to = {1, 1, 1};
     from[axis] = static_cast<unsigned int>(line.size());
     to[axis] = static_cast<unsigned int>(newLength);
-    const std::vector<T> result = resampled<T>(pixels, from, to, mode);
+    const std::vector<T> result = resampled<T>(alikePixels<T>(line), from, to, mode);
     std::vector<T> resultLine;
     for (std::size_t i = 0; i < result.size(); i += 4) {
         EXPECT_TRUE(result[i] == result[i + 1] && result[i] == result[i + 2] && result[i] == result[i + 3]);
@@ -75,30 +71,19 @@ TEST(ResampleLevel, GivesTheHandWorkedValuesAlongEveryAxis) {
 }
 
 TEST(ResampleLevel, TreatsWhiteByElementType) {
-    // Filter, line in units of white, its new length, the pixel looked at; its value for 8, 16 and 32 bits and floats.
-    using Line = std::vector<double>;
-    const std::tuple<EResizeMode, Line, std::size_t, std::size_t, double, double, double, double> rows[] = {
-        {eResizeNearest, {1, 1}, 4, 3, 255, 65535, 4294967295, 1},
+    forEachElementType([]<typename T>(T) {
+        const T white = std::is_same_v<T, float> ? T{1} : static_cast<T>(0xFFFFFFFF);
         // 32-bit white is 4294967296 as a float, of which no low bit is left.
-        {eResizeLinear, {1, 1}, 1, 0, 254, 65534, 0, 1},
-        {eResizeLinear, {1, 1}, 4, 0, 255, 65535, 0, 1},
-        {eResizeCubic, {1, 1}, 4, 0, 255, 65535, 0, 1},
+        const T top = std::is_same_v<T, std::uint32_t> ? T{0} : white;
+        EXPECT_EQ(resampledLine<T>({white, white}, 4, eResizeNearest, 0)[3], white);
+        EXPECT_EQ(resampledLine<T>({white, white}, 1, eResizeLinear, 0)[0], sizeof(T) < 4 ? white - 1 : top);
+        EXPECT_EQ(resampledLine<T>({white, white}, 4, eResizeLinear, 0)[0], top);
+        EXPECT_EQ(resampledLine<T>({white, white}, 4, eResizeCubic, 0)[0], top);
         // Undershoot and overshoot are clamped, and what is between is truncated.
-        {eResizeCubic, {0, 0, 1, 1}, 8, 1, 0, 0, 0, 0},
-        {eResizeCubic, {0, 0, 1, 1}, 8, 3, 127, 32767, 2147483648, 0.5},
-        {eResizeCubic, {0, 0, 1, 1}, 8, 5, 255, 65535, 0, 1},
-    };
-    for (const auto& [mode, line, newLength, pixel, as8, as16, as32, asFloat] : rows) {
-        const auto pixelOf = [&, mode = mode, newLength = newLength, pixel = pixel, &line = line]<typename T>(T white) {
-            std::vector<T> elements;
-            for (double value : line)
-                elements.push_back(static_cast<T>(value * static_cast<double>(white)));
-            return resampledLine(elements, newLength, mode, 0)[pixel];
-        };
-        EXPECT_TRUE(pixelOf(std::uint8_t{255}) == as8 && pixelOf(std::uint16_t{65535}) == as16 && pixelOf(0xFFFFFFFFu) == as32 &&
-                    static_cast<double>(pixelOf(1.0f)) == asFloat)
-            << mode << " " << pixel;
-    }
+        const std::vector<T> step = resampledLine<T>({0, 0, white, white}, 8, eResizeCubic, 0);
+        const T half = static_cast<T>(static_cast<float>(white) / 2.0f);
+        EXPECT_TRUE(step[1] == 0 && step[3] == half && step[5] == top) << +white;
+    });
     EXPECT_EQ(resampledLine<float>({4, -3}, 2, eResizeLinear, 0), (std::vector<float>{4, -3}));
     EXPECT_EQ(resampledLine<float>({4, -3}, 2, eResizeCubic, 0), (std::vector<float>{1, 0}));
 }
@@ -125,7 +110,8 @@ TEST(ResampleLevel, GivesTheBitsOfThePlainForm) {
         sizes.emplace_back(randomSize(), randomSize());
     forEachElementType([&]<typename T>(T) {
         for (const auto& [from, to] : sizes) {
-            const std::vector<T> source = randomElements<T>(std::size_t{4} * from[0] * from[1] * from[2], random);
+            std::vector<T> source = randomElements<T>(std::size_t{4} * from[0] * from[1] * from[2], random);
+            if (random.below(2) == 0) scatterSpecialValues(source, random);
             for (EResizeMode mode : {eResizeNearest, eResizeLinear, eResizeCubic})
                 resampled<T>(source, from, to, mode);
         }
