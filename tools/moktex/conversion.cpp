@@ -118,6 +118,15 @@ void checkColourSpace(const ConversionRequest& request, const PlannedTexture& pl
     }
 }
 
+/// A Failure if the output's layout cannot hold what the conversion will make.
+void checkContainer(const Conversion& conversion, const std::string& output, bool isPremultiplied) {
+    if (conversion.isPictureOutput) return;
+    const auto& [format, channelType] = conversion.target;
+    const CMOKTextureHeader header(format.id, 1, 1, conversion.size.depth, 1, 1, 1, conversion.colourSpace, channelType,
+                                   isPremultiplied);
+    requireHoldable(header, {output, conversion.request.legacyApi});
+}
+
 /// The form of an output that is not told: that of the input, RGBA8 for a picture and where normals find no three channels.
 TextureForm usualForm(const TextureForm& source, bool isPictureOutput, bool holdsNormals) {
     const bool hasThreeChannels = isCompressed(source.format) || source.format.layout.channelName[2] != 0;
@@ -156,6 +165,7 @@ Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std
         checkEncoder(conversion);
     }
     checkSize(conversion);
+    checkContainer(conversion, output, planned.isPremultiplied);
     return conversion;
 }
 
@@ -280,7 +290,9 @@ void convertFile(const ConversionRequest& request, const std::string& input, con
     if (conversion.isPictureOutput) pickImage(conversion, source);
     changeForm(texture, {conversion.target, conversion.colourSpace, conversion.quality, request.dither}, name, console);
     if (conversion.isPictureOutput) changeForm(texture, {rgba8Form, conversion.colourSpace}, name, console);
-    const std::size_t bytes = writeTexture(texture, output, console);
+    const std::string caveat = containerCaveat(texture, {output, request.legacyApi});
+    if (!caveat.empty()) console.note(output + ": " + caveat);
+    const std::size_t bytes = writeTexture(texture, {output, request.legacyApi}, console);
     report(texture, output, bytes, console);
 }
 

@@ -30,7 +30,8 @@ struct ConversionRequest {
     std::optional<EMOKTColourSpace> assignedColourSpace;  ///< what the input is
     std::optional<EMOKTColourSpace> colourSpace;          ///< what the output is to be
     bool dither = false;
-    std::uint32_t level = 0, member = 0, face = 0;  ///< which image becomes a picture
+    std::uint32_t level = 0, member = 0, face = 0;    ///< which image becomes a picture
+    std::optional<moktexture::ELegacyApi> legacyApi;  ///< set to write the legacy layout
 };
 
 /// Converts one file to another. All that can be refused is refused before the work begins, by a Failure.

@@ -7,6 +7,7 @@
 
 #include "command_line.h"
 #include "console.h"
+#include "container.h"
 #include "conversion.h"
 #include "format_names.h"
 #include "operation_options.h"
@@ -22,12 +23,15 @@ namespace moktextool {
 namespace {
 
 constexpr const char* description =
-    "Converts pictures (PNG, JPEG, TGA, BMP, HDR) and textures (.mok) to textures (.mok) or pictures (.png).";
+    "Converts pictures (PNG, JPEG, TGA, BMP, HDR) and textures (.mok, .ktx, .dds) to textures (.mok, .ktx, .dds, C source\n"
+    "in .h) or pictures (.png).";
 
 constexpr const char* examples =
     "Examples:\n"
     "  moktex convert photo.png photo.mok --format dxt1 --mipmaps --resize pow2\n"
     "  moktex convert photo.mok back.png\n"
+    "  moktex convert photo.png photo.dds --format dxt5 --mipmaps --resize pow2\n"
+    "  moktex convert --legacy gl-a photo.mok old.mok\n"
     "  moktex convert a.png b.jpg -o textures --format dxt5 --overwrite\n";
 
 constexpr const char* explanation =
@@ -37,7 +41,9 @@ constexpr const char* explanation =
     "  DXT and packed formats have one. The first generation of moktc is encoded at quality 0, and that is its usual one.\n"
     "  etc1: even numbers measure errors plainly, odd ones as the eye does; names take the odd ones (1 1 3 3 5 5).\n"
     "Output:\n"
-    "  OUT ends in .mok or .png. Several inputs, or an OUT that is a folder, give OUT/NAME.mok each; the folder is\n"
+    "  OUT ends in .mok, .ktx, .dds, .h or .png. A .ktx or .dds file holds formats alone that 'moktex formats --api' has a\n"
+    "  number of OpenGL or Direct3D 9 for; the array in a .h file is named for the file. Several inputs, or an OUT that is a "
+    "folder, give OUT/NAME.mok each; the folder is\n"
     "  made if it is missing. '-' is standard input or output; what goes there is a .mok texture.\n"
     "  A PNG holds level 0, member 0, face 0 of a texture unless --level, --member or --face say otherwise; with\n"
     "  --format the picture passes through that format first.\n"
@@ -144,6 +150,7 @@ ExitStatus convertAll(ConvertArguments& arguments, const CLI::App& command, Cons
     for (const Job& job : jobs) {
         const ExitStatus jobStatus = console.guard([&] {
             outputKind(job.output);
+            requireLegacyPath({job.output, request.legacyApi});
             requireWritable(job.output, arguments.overwrite);
             convertFile(request, job.input, job.output, console);
             return ExitStatus::success;
@@ -166,6 +173,18 @@ void addSizeOptions(CLI::App& command, ConvertArguments& arguments) {
     command.add_option("--resize-filter", arguments.request.resizeFilter, "Filter of --resize (linear)")
         ->transform(CLI::CheckedTransformer(filters).description(""))
         ->type_name("nearest|linear|cubic");
+}
+
+void addLegacyOption(CLI::App& command, ConversionRequest& request) {
+    std::map<std::string, ELegacyApi> apis;
+    std::string names;
+    for (const auto& [name, api] : legacyApiNames()) {
+        apis[name] = api;
+        names += (names.empty() ? "" : "|") + std::string(name);
+    }
+    command.add_option("--legacy", request.legacyApi, "Write .mok in the legacy layout, the format numbered as that API does")
+        ->transform(CLI::CheckedTransformer(apis).description(""))
+        ->type_name(names);
 }
 
 void addOperationOptions(CLI::App& command) {
@@ -213,6 +232,7 @@ void addConvertCommand(CLI::App& app, Console& console, ExitStatus& status) {
     addSizeOptions(command, *arguments);
     addOperationOptions(command);
     addColourOptions(command, *arguments);
+    addLegacyOption(command, request);
     command.add_option("--level", request.level, "MIP level that becomes a PNG")->type_name("N");
     command.add_option("--member", request.member, "Array member that becomes a PNG")->type_name("N");
     command.add_option("--face", request.face, "Cube face that becomes a PNG")->type_name("N");

@@ -7,6 +7,7 @@
 #include "command_line.h"
 #include "console.h"
 #include "format_names.h"
+#include "graphics_api_numbers.h"
 #include "texture_input.h"
 
 using namespace moktexture;
@@ -85,6 +86,7 @@ Json describeTexture(const TextureInput& input, const std::string& file) {
             {"colourSpace", nameOf(header.getColourSpace())},
             {"channelType", nameOf(header.getChannelType())},
             {"flags", flags},
+            {"apiNumbers", describeAPINumbers(header)},
             {"topics", describeTopics(header)},
             {"metadata", describeBlocks(header)},
             {"bytes", header.getDataSize()},
@@ -116,6 +118,11 @@ void printTexture(const Json& texture, std::ostream& out) {
     row("colour space", texture["colourSpace"]);
     row("channel type", texture["channelType"]);
     row("flags", flagsText(texture["flags"]));
+    const Json& numbers = texture["apiNumbers"];
+    row("OpenGL", openGLText(numbers["openGL"]));
+    row("OpenGL ES", openGLText(numbers["openGLES"]));
+    row("Direct3D 9", direct3D9Text(numbers["direct3D9"]));
+    row("DXGI", dxgiText(numbers["dxgi"]));
     row("metadata", texture["metadata"].empty() ? "none" : std::to_string(texture["metadata"].size()) + " blocks");
     for (const auto& [topic, value] : texture["topics"].items())
         row("", topic + ' ' + dump(value));
@@ -150,11 +157,12 @@ void addInfoCommand(CLI::App& app, Console& console, ExitStatus& status) {
         std::vector<std::string> files;
         bool json = false;
     };
-    CLI::App& command =
-        *app.add_subcommand("info", "Shows what textures and pictures are: format, sizes, colour space, metadata.");
+    CLI::App& command = *app.add_subcommand(
+        "info", "Shows what textures and pictures are: format, sizes, colour space, metadata, numbers of graphics APIs.");
     const auto arguments = std::make_shared<Arguments>();
     command.footer(
-        "Example: moktex info leaf.mok bark.mok --json\nWith --json, an array with an object for each file that could be read.");
+        "Example: moktex info leaf.mok bark.dds --json\nOpenGL's numbers are internal format, format and type; '-' is a format "
+        "without a number.\nWith --json, an array with an object for each file that could be read.");
     command.add_option("FILE", arguments->files, "Files, or '-' for standard input")->required()->type_name("");
     command.add_flag("--json", arguments->json, "Print JSON");
     command.callback([arguments, &console, &status] { status = describeAll(arguments->files, arguments->json, console); });

@@ -1,13 +1,13 @@
 #include "texture_input.h"
 
 #include <array>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <istream>
 #include <vector>
 
 #include "console.h"
+#include "container.h"
 #include "picture_file.h"
 
 using namespace moktexture;
@@ -38,27 +38,25 @@ std::vector<unsigned char> readFile(const std::string& path) {
     return readAll(stream, path);
 }
 
-bool hasMagic(const std::vector<unsigned char>& bytes) {
-    const std::uint32_t magic = MOKTextureHeaderV3::magic;
-    return bytes.size() >= sizeof magic && std::memcmp(bytes.data(), &magic, sizeof magic) == 0;
-}
-
-bool hasTextureExtension(const std::string& path) {
-    const std::filesystem::path extension = std::filesystem::path(path).extension();
-    return extension == ".mok" || extension == ".ktx" || extension == ".dds";
-}
+constexpr const char* readableFiles = "use a .mok, .ktx or .dds file, or a PNG, JPEG, TGA, BMP or HDR picture";
 
 Failure loadFailure(ELoadStatus status, const std::string& name) {
-    const std::string what = describe(status);
+    std::string what = describe(status);
+    if (what.ends_with('.')) what.pop_back();
     switch (status) {
         case eLoadUnreadable:
             return {ExitStatus::inputOutput, name, what + "; check that it can be read"};
         case eLoadTooLarge:
             return {ExitStatus::notSupported, name, what + "; use a smaller texture"};
         case eLoadUnsupported:
-            return {ExitStatus::notSupported, name, what + "; use .mok or a picture"};
+            return {ExitStatus::notSupported, name,
+                    what + "; export it as KTX 1 with all counts told, as DDS without pitch and extended head, or as a picture"};
+        case eLoadTruncated:
+            return {ExitStatus::invalidInput, name, what + "; copy or export it again"};
+        case eLoadCorrupt:
+            return {ExitStatus::invalidInput, name, what + "; export it again"};
         default:
-            return {ExitStatus::invalidInput, name, what + "; use a .mok file, or a PNG, JPEG, TGA, BMP or HDR picture"};
+            return {ExitStatus::invalidInput, name, what + "; " + readableFiles};
     }
 }
 
@@ -71,19 +69,13 @@ std::string displayName(const std::string& path) {
 TextureInput readTexture(const std::string& path, Console& console) {
     const bool isStandard = path == standardStream;
     const std::string name = displayName(path);
-    std::vector<unsigned char> bytes = isStandard ? readAll(console.in, name) : readFile(path);
+    const std::vector<unsigned char> bytes = isStandard ? readAll(console.in, name) : readFile(path);
     if (bytes.empty()) throw Failure(ExitStatus::invalidInput, name, "empty; name a picture or texture");
-    const bool isPicture =
-        !hasMagic(bytes) && (hasPictureExtension(path) || (!hasTextureExtension(path) && looksLikePicture(bytes)));
+    const bool isPicture = !startsLikeTexture(bytes) &&
+                           (hasPictureExtension(path) || (!isReadableExtension(extensionOf(path)) && looksLikePicture(bytes)));
     if (isPicture) return {decodePicture(bytes, name), true};
     TextureInput input{{}, false};
-    ELoadStatus status;
-    if (isStandard) {
-        status = LoadTexture(input.texture, bytes.data(), bytes.size());
-    } else {
-        bytes = {};
-        status = LoadTextureFile(input.texture, path.c_str());
-    }
+    const ELoadStatus status = LoadTexture(input.texture, bytes.data(), bytes.size());
     if (status != eLoadOk) throw loadFailure(status, name);
     return input;
 }

@@ -1,14 +1,12 @@
 #include "texture_output.h"
 
-#include <algorithm>
-#include <cctype>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <random>
 #include <vector>
 
 #include "console.h"
 #include "picture_file.h"
+#include "temporary_file.h"
 #include "texture_input.h"
 
 namespace fs = std::filesystem;
@@ -17,56 +15,35 @@ namespace moktextool {
 
 namespace {
 
-/// A file that vanishes unless it is moved to its final name.
-class TemporaryFile {
-public:
-    explicit TemporaryFile(const fs::path& target) : path(target) {
-        std::random_device random;
-        path += ".part" + std::to_string(random());
-    }
-    ~TemporaryFile() {
-        std::error_code ignored;
-        if (!path.empty()) fs::remove(path, ignored);
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    bool write(std::span<const unsigned char> bytes) const {
-        std::ofstream stream(path, std::ios::binary);
-        stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-        stream.close();
-        return !stream.fail();
-    }
-    bool moveTo(const fs::path& target) {
-        std::error_code error;
-        fs::rename(path, target, error);
-        if (!error) path.clear();
-        return !error;
-    }
-
-private:
-    fs::path path;
-};
+constexpr const char* noPixels = "there are no pixels, or empty metadata, to write; check the input";
+constexpr const char* writingFailed = "writing failed; check the folder's permissions and the disk's space";
 
 std::vector<unsigned char> encode(const moktexture::CMOKTexture& texture, const std::string& path) {
     if (outputKind(path) == OutputKind::picture) return encodePNG(texture, path);
-    std::vector<unsigned char> image;
-    if (!moktexture::SaveTexture(texture, "mok", image))
-        throw Failure(ExitStatus::workFailed, displayName(path),
-                      "there are no pixels, or empty metadata, to write; check the input");
+    std::vector<unsigned char> image = encodeContainer(texture, path);
+    if (image.empty()) {
+        requireHoldable(texture, {path, {}});
+        throw Failure(ExitStatus::workFailed, displayName(path), noPixels);
+    }
     return image;
+}
+
+/// Writes the legacy layout, which the library writes to files alone.
+void writeLegacy(const moktexture::CMOKTexture& texture, const OutputTarget& target, const TemporaryFile& file) {
+    requireHoldable(texture, target);
+    if (!file.write({})) throw Failure(ExitStatus::inputOutput, target.path, writingFailed);
+    if (!texture.saveFileLegacyMOK(file.getPath().string().c_str(), *target.legacyApi))
+        throw Failure(ExitStatus::inputOutput, target.path, "writing failed; check the disk's space");
 }
 
 }  // namespace
 
 OutputKind outputKind(const std::string& path) {
     if (path == standardStream) return OutputKind::texture;
-    std::string extension = fs::path(path).extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    if (extension == ".mok") return OutputKind::texture;
+    const std::string extension = extensionOf(path);
+    if (isContainerExtension(extension)) return OutputKind::texture;
     if (extension == ".png") return OutputKind::picture;
-    throw Failure(ExitStatus::notSupported, path, "such files cannot be written; use .mok or .png");
+    throw Failure(ExitStatus::notSupported, path, "such files cannot be written; use .mok, .ktx, .dds, .h or .png");
 }
 
 void requireWritable(const std::string& path, bool overwrite) {
@@ -80,8 +57,9 @@ void requireWritable(const std::string& path, bool overwrite) {
     if (!overwrite) throw Failure(ExitStatus::inputOutput, path, "exists already; use --overwrite or another name");
 }
 
-std::size_t writeTexture(const moktexture::CMOKTexture& texture, const std::string& path, Console& console) {
-    const std::vector<unsigned char> image = encode(texture, path);
+std::size_t writeTexture(const moktexture::CMOKTexture& texture, const OutputTarget& output, Console& console) {
+    const std::string& path = output.path;
+    const std::vector<unsigned char> image = output.legacyApi ? std::vector<unsigned char>{} : encode(texture, path);
     if (path == standardStream) {
         console.out.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size())).flush();
         if (!console.out) throw Failure(ExitStatus::inputOutput, displayName(path), "writing failed; check what reads it");
@@ -90,9 +68,13 @@ std::size_t writeTexture(const moktexture::CMOKTexture& texture, const std::stri
     std::error_code error;
     const fs::path target = fs::is_symlink(path, error) ? fs::canonical(path, error) : fs::path(path);
     TemporaryFile file(target);
-    if (!file.write(image) || !file.moveTo(target))
-        throw Failure(ExitStatus::inputOutput, path, "writing failed; check the folder's permissions and the disk's space");
-    return image.size();
+    if (output.legacyApi)
+        writeLegacy(texture, output, file);
+    else if (!file.write(image))
+        throw Failure(ExitStatus::inputOutput, path, writingFailed);
+    const std::uintmax_t size = fs::file_size(file.getPath(), error);
+    if (error || !file.moveTo(target)) throw Failure(ExitStatus::inputOutput, path, writingFailed);
+    return static_cast<std::size_t>(size);
 }
 
 }  // namespace moktextool

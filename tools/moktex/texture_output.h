@@ -1,9 +1,9 @@
 #pragma once
 
-#include <span>
 #include <string>
 
 #include "MOKTexLib.h"
+#include "container.h"
 
 namespace moktextool {
 
@@ -20,6 +20,6 @@ void requireWritable(const std::string& path, bool overwrite);
 /// Writes a texture, or the RGBA8 picture in it, to a file or, for "-", to standard output. A file appears under its name when it
 /// is complete, or not at all.
 /// @return the number of bytes written
-std::size_t writeTexture(const moktexture::CMOKTexture& texture, const std::string& path, Console& console);
+std::size_t writeTexture(const moktexture::CMOKTexture& texture, const OutputTarget& output, Console& console);
 
 }  // namespace moktextool

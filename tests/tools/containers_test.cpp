@@ -1,0 +1,164 @@
+#include <map>
+#include <utility>
+
+#include "tool_fixture.h"
+
+TEST_F(ToolTest, TexturesComeBackFromFilesOfOtherMakersByNameAndByContent) {
+    writePNG("a.png", 16, 8, testimages::Kind::noise);
+    const struct {
+        const char* format;
+        const char* container;
+        const char* formatRead;
+    } cases[] = {
+        {"rgba8888", "ktx", "rgba8888"},
+        {"bgra8888", "KTX", "bgra8888"},
+        {"rgb565", "ktx", "rgb565"},
+        {"rgba16161616:float --mipmaps", "ktx", "rgba16161616:float"},
+        {"moktc-4bpp-rgba", "ktx", "moktc-4bpp-rgba"},
+        {"argb8888:uintnorm --mipmaps", "dds", "argb8888:uintnorm"},
+        {"rgb565", "DDS", "rgb565:uintnorm"},
+        {"dxt1 --mipmaps", "dds", "dxt1"},
+        {"dxt5", "dds", "dxt5"},
+        {"uyvy", "dds", "uyvy"},
+    };
+    for (const auto& [format, container, formatRead] : cases) {
+        const std::string file = std::string("a.") + container, options = std::string(" -y -f ") + format;
+        expectSuccess("convert @a.png @plain.mok" + options);
+        expectSuccess("convert @a.png @" + file + options);
+        EXPECT_EQ(info(file)["format"], formatRead) << file;
+        EXPECT_EQ(info(file)["levels"], info("plain.mok")["levels"]) << file;
+        EXPECT_EQ(compare("plain.mok", file, "--levels")["equal"], true) << format << ' ' << file;
+        expectSuccess("convert - @piped.mok -y", read(file));
+        expectSuccess("convert @" + file + " @named.mok -y");
+        EXPECT_EQ(read("piped.mok"), read("named.mok")) << file;
+    }
+}
+
+TEST_F(ToolTest, FormatsThatAContainerCannotHoldAreRefusedWithThoseThatCan) {
+    writePNG("a.png", 8, 8);
+    write("taken.dds", "precious");
+    const struct {
+        const char* arguments;
+        const char* line;
+    } cases[] = {
+        {"@taken.dds -y", "taken.dds: .dds files cannot hold rgba8888, srgb; use .mok, .ktx or .h, or a --format"},
+        {"@new.ktx -f dxt1", "new.ktx: .ktx files cannot hold dxt1, srgb; use .mok, .dds or .h, or a --format"},
+        {"@new.ktx -f etc1", "new.ktx: .ktx files cannot hold etc1, srgb; use .mok or .h, or a --format"},
+        {"@new.mok -f dxt1 --legacy gl-a",
+         "new.mok: --legacy gl-a files cannot hold dxt1, srgb; use --legacy d3d-a or d3d-b, or"},
+        {"@new.mok -f bw1 --legacy d3d-b", "new.mok: --legacy d3d-b files cannot hold bw1, srgb; "},
+    };
+    for (const auto& [arguments, line] : cases) {
+        const ToolRun result = run(std::string("convert @a.png ") + arguments);
+        EXPECT_EQ(result.status, ExitStatus::notSupported) << arguments;
+        EXPECT_NE(result.err.find(line), std::string::npos) << result.err;
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+        EXPECT_EQ(files(), (std::vector<std::string>{"a.png", "taken.dds"}));
+        EXPECT_EQ(read("taken.dds"), "precious");
+    }
+    for (const char* arguments : {"@new.ktx --legacy vg", "- --legacy vg", "@new.mok --legacy gl"})
+        EXPECT_EQ(run(std::string("convert @a.png ") + arguments).status, ExitStatus::commandLine) << arguments;
+}
+
+TEST_F(ToolTest, FilesThatReadersUnderstandInAnotherWayAreToldOf) {
+    writePNG("a.png", 8, 8);
+    const struct {
+        const char* arguments;
+        const char* note;
+    } cases[] = {{"@b.dds -f argb8888", "reads back from a .dds file as argb8888:uintnorm, which gives other colours"},
+                 {"@b.dds -f argb8888:uintnorm", ""},
+                 {"@b.dds -f rgb565", ""},
+                 {"@b.dds -f dxt5", ""},
+                 {"@b.ktx -f rgba5551", "reads back from a .ktx file as rgba1555"},
+                 {"@b.ktx -f rgba8888", ""},
+                 {"@b.mok -f argb8888", ""}};
+    for (const auto& [arguments, note] : cases) {
+        const std::string err = expectSuccess(std::string("convert @a.png -y ") + arguments).err;
+        EXPECT_EQ(err.empty(), *note == '\0') << arguments << err;
+        EXPECT_NE(err.find(note), std::string::npos) << err;
+    }
+    expectSuccess("convert @a.png @volume.mok -f rgb565");
+    std::string volume = read("volume.mok");
+    volume[32] = 2;
+    write("volume.mok", volume + volume.substr(volume.size() - 128));
+    EXPECT_NE(expectSuccess("convert @volume.mok @b.dds -y").err.find("slices"), std::string::npos);
+    EXPECT_EQ(run("convert @volume.mok @c.mok --legacy gl-a").status, ExitStatus::notSupported);
+}
+
+TEST_F(ToolTest, LegacyLayoutIsWrittenWithTheNumberOfEachApiAndReadBack) {
+    writePNG("a.png", 16, 8, testimages::Kind::noise);
+    const struct {
+        const char* api;
+        const char* format;
+        int number;
+    } cases[] = {{"gl-a", "moktc-4bpp-rgba", 25}, {"gl-b", "rgba8888", 18}, {"gl-c", "rgb565", 19}, {"d3d-a", "dxt1", 32},
+                 {"d3d-b", "dxt5", 36},           {"dxgi", "rgba8888", 97}, {"vg", "rgba8888", 145}};
+    for (const auto& [api, format, number] : cases) {
+        expectSuccess(std::string("convert @a.png @plain.mok -y -f ") + format);
+        expectSuccess(std::string("convert @plain.mok @old.mok -y --legacy ") + api);
+        EXPECT_EQ(read("old.mok").substr(0, 4), std::string("\x34\0\0\0", 4)) << api;
+        EXPECT_EQ(static_cast<unsigned char>(read("old.mok")[16]), number) << api;
+        EXPECT_EQ(info("old.mok")["format"], format) << api;
+        EXPECT_TRUE(areEqual("plain.mok", "old.mok")) << api;
+        EXPECT_EQ(nlohmann::json::parse(expectSuccess("info - --json", read("old.mok")).out)[0]["width"], 16);
+    }
+}
+
+TEST_F(ToolTest, CSourceHoldsTheNativeFileInAnArrayNamedForTheFile) {
+    writePNG("a.png", 8, 8, testimages::Kind::noise);
+    expectSuccess("convert @a.png @a.mok");
+    for (const auto& [file, name] : {std::pair{"leaf.h", "leaf"}, {"2nd-leaf.v1.h", "_2nd_leaf_v1"}, {"texture.H", "texture"}}) {
+        expectSuccess(std::string("convert @a.png @") + file);
+        const std::string source = read(file);
+        EXPECT_NE(source.find(std::string("A8BIT ") + name + "[] = {"), std::string::npos) << file;
+        std::string bytes;
+        for (std::size_t at = source.find("0x"); at != std::string::npos; at = source.find("0x", at + 2))
+            bytes += static_cast<char>(std::stoi(source.substr(at + 2, 2), nullptr, 16));
+        EXPECT_EQ(bytes, read("a.mok")) << file;
+    }
+}
+
+TEST_F(ToolTest, NumbersOfGraphicsApisAreShownForTexturesAndFormats) {
+    using nlohmann::json;
+    const json rgba8 = {{"internalFormat", 0x8058}, {"format", 0x1908}, {"type", 0x1401}};
+    writePNG("a.png", 4, 4);
+    expectSuccess("convert @a.png @dxt.mok -f dxt5");
+    EXPECT_EQ(info("a.png")["apiNumbers"]["openGL"], rgba8);
+    EXPECT_EQ(info("a.png")["apiNumbers"]["openGLES"]["internalFormat"], 0x1908);
+    EXPECT_EQ(info("a.png")["apiNumbers"]["dxgi"], 29) << "sRGB";
+    EXPECT_EQ(info("dxt.mok")["apiNumbers"]["direct3D9"], 0x35545844);
+    EXPECT_TRUE(info("dxt.mok")["apiNumbers"]["openGL"].is_null());
+    const json formats = json::parse(expectSuccess("formats --api --json").out);
+    std::map<std::string, json> dxgi;
+    for (const json& format : formats)
+        dxgi[format["name"]] = {format["apiNumbers"]["dxgi"], format["apiNumbers"]["dxgiSRGB"]};
+    EXPECT_EQ(dxgi["rgba8888"], json({28, 29}));
+    EXPECT_EQ(dxgi["dxt1"], json({71, 72}));
+    EXPECT_EQ(dxgi["etc1"], json({nullptr, nullptr}));
+    const std::string table = expectSuccess("formats --api").out, text = expectSuccess("info @dxt.mok").out;
+    EXPECT_NE(table.find("0x8058 0x1908 0x1401  0x1908 0x1908 0x1401  -           28    29"), std::string::npos) << table;
+    EXPECT_NE(text.find("Direct3D 9     DXT5"), std::string::npos) << text;
+}
+
+TEST_F(ToolTest, FilesThatDoNotLoadSayWhatToDo) {
+    writePNG("a.png", 8, 8);
+    expectSuccess("convert @a.png @a.dds -f dxt1");
+    const std::string dds = read("a.dds");
+    std::string pitch = dds, size = dds;
+    pitch[8] |= 8;
+    size[4] = 1;
+    const struct {
+        std::string bytes;
+        ExitStatus status;
+        const char* remedy;
+    } cases[] = {{pitch, ExitStatus::notSupported, "not read; export it as KTX 1 with all counts told, as DDS without pitch"},
+                 {size, ExitStatus::invalidInput, "itself; export it again"},
+                 {dds.substr(0, 130), ExitStatus::invalidInput, "; copy or export it again"},
+                 {"nothing", ExitStatus::invalidInput, "; use a .mok, .ktx or .dds file, or a PNG"}};
+    for (const auto& [bytes, status, remedy] : cases) {
+        write("bad.dds", bytes);
+        const ToolRun result = run("info @bad.dds");
+        EXPECT_EQ(result.status, status);
+        EXPECT_NE(result.err.find(remedy), std::string::npos) << result.err;
+    }
+}
