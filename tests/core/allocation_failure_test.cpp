@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "CMOKTextureHeader.h"
 #include "metadata_samples.h"
@@ -11,12 +13,8 @@
 using namespace metadatasamples;
 using moktexture::CMOKTextureHeader;
 
-namespace {
-
 /// Allocations of arrays that still succeed before one fails; below 0 none fails.
-int allocationsLeft = -1;
-
-}  // namespace
+static int allocationsLeft = -1;
 
 void* operator new[](std::size_t size) {
     void* const memory = allocationsLeft == 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
@@ -33,20 +31,19 @@ void operator delete[](void* memory, std::size_t) noexcept {
 
 namespace {
 
-/// Runs `operation` with its first, second, … allocation failing until it succeeds.
-/// @return how often it failed, or -1 if a failure changed `state`
-template <class State, class Operation>
-int failEachAllocation(State state, Operation operation) {
-    const std::string before = state();
-    for (int allowed = 0;; ++allowed) {
-        allocationsLeft = allowed;
-        try {
-            operation();
+/// Runs each operation with its first, second, … allocation failing until it succeeds; a failure is to leave `state` as it was.
+void failEachAllocation(const std::function<std::string()>& state, const std::vector<std::function<void()>>& operations) {
+    for (const auto& operation : operations) {
+        const std::string before = state();
+        for (int allowed = 0, isDone = 0; !isDone; ++allowed) {
+            allocationsLeft = allowed;
+            try {
+                operation();
+                isDone = 1;
+            } catch (const std::bad_alloc&) {
+            }
             allocationsLeft = -1;
-            return allowed;
-        } catch (const std::bad_alloc&) {
-            allocationsLeft = -1;
-            if (state() != before) return -1;
+            EXPECT_TRUE(isDone ? allowed > 0 : state() == before) << &operation - operations.data() << ' ' << allowed;
         }
     }
 }
@@ -60,21 +57,18 @@ TEST(AllocationFailure, LeavesArraysAndMapsAsTheyWere) {
         map[100 + i] = makeMap(3);
         header.addMetaData(makeBlock("x", 10 + i, 5));
     }
-    const auto size = [&] { return std::to_string(array.GetSize()); };
-    EXPECT_GT(failEachAllocation(size, [&] { array.Append(array[0]); }), 0);
-    EXPECT_GT(failEachAllocation(size, [&] { array.Remove(0); }), 0);
-    const auto letters = [&] { return lettersOf(map); };
-    EXPECT_GT(failEachAllocation(letters, [&] { OuterMap copy(map); }), 0);
-    EXPECT_GT(failEachAllocation(letters, [&] { map[100].Remove(10); }), 0);
-    EXPECT_GT(failEachAllocation(letters, [&] { map[7]; }), 0) << "grows both arrays";
+    // clang-format off
+    failEachAllocation([&] { return std::to_string(array.GetSize()); },
+                       {[&] { array.Append(array[0]); }, [&] { array.Remove(0); }});
+    failEachAllocation([&] { return lettersOf(map); },
+                       {[&] { OuterMap copy(map); }, [&] { map[100].Remove(10); }, [&] { map[7]; }});  // grows both arrays
     EXPECT_EQ(map.GetSize(), 17u);
-    EXPECT_GT(failEachAllocation(letters, [&] { map = OuterMap(); }), 0);
-    const auto counted = [&] {
-        return std::to_string(header.getMetaDataSize()) + lettersOf(*header.getMetaDataMap().GetDataAtIndex(0));
-    };
-    EXPECT_GT(failEachAllocation(counted, [&] { header.removeMetaData(5, 10); }), 0);
-    EXPECT_GT(failEachAllocation(counted, [&] { header.addMetaData(makeBlock("new", 99, 5)); }), 0);
-    EXPECT_GT(failEachAllocation(counted, [&] { header.setBorder(1, 2, 3); }), 0);
+    failEachAllocation([&] { return lettersOf(map); }, {[&] { map = OuterMap(); }});
+    failEachAllocation(
+        [&] { return std::to_string(header.getMetaDataSize()) + lettersOf(*header.getMetaDataMap().GetDataAtIndex(0)); },
+        {[&] { header.removeMetaData(5, 10); }, [&] { header.addMetaData(makeBlock("new", 99, 5)); },
+         [&] { header.setBorder(1, 2, 3); }});
+    // clang-format on
 }
 
 TEST(AllocationFailure, LeavesStringsAsTheyWere) {
@@ -82,21 +76,18 @@ TEST(AllocationFailure, LeavesStringsAsTheyWere) {
     S string;
     const S other("other text");
     const auto state = [&] { return string.c_str() + std::to_string(string.length()) + ' ' + std::to_string(string.capacity()); };
+    // clang-format off
     void (*const changes[])(S&, const S&) = {
-        [](S& s, const S& o) { s = o; },
-        [](S& s, const S&) { s.assign(9, 'x'); },
-        [](S& s, const S& o) { s.append(o); },
-        [](S& s, const S&) { s.clear(); },
-        [](S& s, const S&) { s.reserve(9); },
-        [](S& s, const S&) { s.resize(9, 'x'); },
-        [](S& s, const S& o) { s.replace_all("a", o); },
-        [](S& s, const S& o) { s.assign_format("%s!", o.c_str()); },
-        [](S& s, const S& o) { s = o + "x" + o; },
-    };
+        [](S& s, const S& o) { s = o; }, [](S& s, const S&) { s.assign(9, 'x'); }, [](S& s, const S& o) { s.append(o); },
+        [](S& s, const S&) { s.clear(); }, [](S& s, const S&) { s.reserve(9); }, [](S& s, const S&) { s.resize(9, 'x'); },
+        [](S& s, const S& o) { s.replace_all("a", o); }, [](S& s, const S& o) { s.assign_format("%s!", o.c_str()); },
+        [](S& s, const S& o) { s = o + "x" + o; }};
+    // clang-format on
     for (const auto& change : changes) {
+        SCOPED_TRACE(&change - changes);
         string = "aba";
         string.append("c");  // leaves no room
-        EXPECT_GT(failEachAllocation(state, [&] { change(string, other); }), 0) << &change - changes;
+        failEachAllocation(state, {[&] { change(string, other); }});
     }
 }
 

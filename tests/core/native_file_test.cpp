@@ -22,17 +22,16 @@ MOKTextureHeaderV3 smallRecord(std::uint32_t metaDataSize) {
     record.metaDataSize = metaDataSize;
     return record;
 }
+const NativeReadRules byPath = NativeReadRules::fileConstructor(), byAddress = NativeReadRules::memoryConstructor();
 constexpr std::uint64_t smallSize = 2 * 4 * (6 + 1);
 
 const std::vector<Block> twoBlocks = {{owner, 7, {1, 2, 3, 4, 5}}, {owner, 8, {6}}};
 constexpr std::uint32_t twoBlocksSize = 17 + 13;
 
 /// LoadTexture() from memory of exactly the image's size.
-ELoadStatus load(const Bytes& image, const LoadLimits& limits = {}, CMOKTexture* texture = nullptr) {
+ELoadStatus load(const Bytes& image, const LoadLimits& limits = {}, CMOKTexture&& texture = CMOKTexture()) {
     const Bytes exact(image.begin(), image.end());
-    CMOKTexture dropped;
-    return LoadTexture(texture == nullptr ? dropped : *texture, exact.empty() ? &huge : static_cast<const void*>(exact.data()),
-                       exact.size(), limits);
+    return LoadTexture(texture, exact.empty() ? &huge : static_cast<const void*>(exact.data()), exact.size(), limits);
 }
 
 /// What a door with these rules leaves of an image.
@@ -63,15 +62,14 @@ TEST(NativeFile, EveryFormatComesBackBitForBit) {
         const Bytes pixels = testimages::randomBytes(header.getDataSize(), id);
         const Bytes image = make(record, twoBlocks, pixels);
         CMOKTexture texture;
-        ASSERT_EQ(load(image, {}, &texture), eLoadOk);
+        ASSERT_EQ(load(image, {}, std::move(texture)), eLoadOk);
         EXPECT_EQ(contentsOf(texture), expected(record, twoBlocks, &pixels));
         EXPECT_EQ(contentsOf(CMOKTexture(static_cast<const void*>(image.data()))), contentsOf(texture));
         // Without pixels the file is complete, but not "saved".
         Bytes saved = {1};
         EXPECT_EQ(SaveTexture(texture, ".MOK", saved), !pixels.empty());
-        EXPECT_EQ(saved, pixels.empty() ? Bytes{1} : image);
         EXPECT_EQ(texture.saveFile(folder.path("out.mok").c_str()), !pixels.empty());
-        EXPECT_EQ(folder.read("out.mok"), image);
+        EXPECT_TRUE(saved == (pixels.empty() ? Bytes{1} : image) && folder.read("out.mok") == image);
     }
 }
 
@@ -81,12 +79,12 @@ TEST(NativeFile, EveryPrefixLeavesAKnownState) {
     const std::size_t pixelStart = 52 + twoBlocksSize;
     // Prefixes of a length below `end`, from the end of the row before: blocks that the constructor from a path takes, and
     // whether there is a buffer. Below 49 bytes the record does not tell of metadata.
-    const struct {
-        std::size_t end, blocks;
-        bool hasBuffer;
-    } ranges[] = {{4, 0, false}, {49, 0, true}, {52 + 17, 0, false}, {pixelStart, 1, false}, {image.size() + 1, 2, true}};
+    // clang-format off
+    const struct { std::size_t end, blocks; bool hasBuffer; } ranges[] = {
+        {4, 0, false}, {49, 0, true}, {52 + 17, 0, false}, {pixelStart, 1, false}, {image.size() + 1, 2, true}};
+    // clang-format on
     std::size_t length = 0;
-    for (const auto& range : ranges) {
+    for (const auto& range : ranges)
         for (; length < range.end; ++length) {
             SCOPED_TRACE(length);
             const Bytes prefix(image.begin(), image.begin() + static_cast<std::ptrdiff_t>(length));
@@ -101,54 +99,40 @@ TEST(NativeFile, EveryPrefixLeavesAKnownState) {
             const Contents before = contentsOf(kept);
             const ELoadStatus status = length == image.size() ? eLoadOk : length == 0 ? eLoadUnknown : eLoadTruncated;
             EXPECT_EQ(LoadTextureFile(kept, path.c_str()), status);
-            EXPECT_EQ(load(prefix, {}, &kept), status);
+            EXPECT_EQ(load(prefix, {}, std::move(kept)), status);
             EXPECT_EQ(contentsOf(kept) == before, status != eLoadOk);
         }
-    }
-    Bytes longer = image;
-    longer.push_back(0);
-    EXPECT_EQ(load(longer), eLoadOk);
+    EXPECT_EQ(load(make(smallRecord(0), {}, Bytes(smallSize + 1))), eLoadOk);
 }
 
 TEST(NativeFile, OddMetaDataIsReadAsEachDoorDoes) {
     using Blocks = std::vector<Block>;
     const Block a = twoBlocks[0], b = twoBlocks[1], empty = {owner, 1, {}}, zero = {0, 0, {}};
-    const struct {
-        std::uint32_t declared;
-        Blocks blocks, acceptedByFile, acceptedByMemory;
-        bool fileHasBuffer;
-        ELoadStatus status;
-    } cases[] = {
-        // clang-format off
-        {twoBlocksSize - 1, {a, b},     {a},    {a, b},       true,  eLoadCorrupt},    // the last one overruns
-        {5,                 {a, b},     {},     {a},          true,  eLoadCorrupt},    // less than a block's head
-        {twoBlocksSize + 1, {a, b},     {a, b}, {a, b, zero}, false, eLoadTruncated},  // pixels are taken for an empty block
-        {13 + 12,           {b, empty}, {b},    {b, empty},   false, eLoadCorrupt},
-        // clang-format on
-    };
+    // clang-format off
+    const struct { std::uint32_t declared; Blocks blocks, inFile, inMemory; bool fileHasBuffer; ELoadStatus status; } cases[] = {
+        {twoBlocksSize - 1, {a, b}, {a}, {a, b}, true, eLoadCorrupt},  // the last one overruns
+        {5, {a, b}, {}, {a}, true, eLoadCorrupt},  // less than a block's head
+        {twoBlocksSize + 1, {a, b}, {a, b}, {a, b, zero}, false, eLoadTruncated},  // pixels are taken for an empty block
+        {13 + 12, {b, empty}, {b}, {b, empty}, false, eLoadCorrupt}};
+    // clang-format on
     Bytes pixels(smallSize, 0);
     pixels.back() = 9;
     for (const auto& item : cases) {
         SCOPED_TRACE(&item - cases);
         const MOKTextureHeaderV3 record = smallRecord(item.declared);
         const Bytes image = make(record, item.blocks, pixels);
-        const auto rest = [&](const Blocks& accepted) {
-            return Bytes(image.begin() + static_cast<std::ptrdiff_t>(make({}, accepted, {}).size()), image.end());
-        };
-        const Bytes byFile = rest(item.acceptedByFile), byMemory = rest(item.acceptedByMemory);
-        EXPECT_EQ(readBy(NativeReadRules::fileConstructor(), image, image.size()),
-                  expected(record, item.acceptedByFile, item.fileHasBuffer ? &byFile : nullptr));
-        EXPECT_EQ(readBy(NativeReadRules::memoryConstructor(), image, image.size()),
-                  expected(record, item.acceptedByMemory, &byMemory));
+        const Bytes restOfFile(image.begin() + std::ssize(make({}, item.inFile, {})), image.end());
+        const Bytes restOfMemory(image.begin() + std::ssize(make({}, item.inMemory, {})), image.end());
+        EXPECT_EQ(readBy(byPath, image, image.size()), expected(record, item.inFile, item.fileHasBuffer ? &restOfFile : nullptr));
+        EXPECT_EQ(readBy(byAddress, image, image.size()), expected(record, item.inMemory, &restOfMemory));
         EXPECT_EQ(load(image), item.status);
     }
 
     // A block that would end behind 2^32 bytes overruns whatever is declared.
     std::memset(pixels.data() + 8, 0xFF, 4);
     const Bytes image = make(smallRecord(huge), {}, pixels);
-    EXPECT_EQ(readBy(NativeReadRules::fileConstructor(), image, MemoryReader::unknownSize),
-              expected(smallRecord(0), {}, &pixels));
-    EXPECT_EQ(readBy(NativeReadRules::memoryConstructor(), image, MemoryReader::unknownSize), contentsOf(CMOKTexture()));
+    EXPECT_EQ(readBy(byPath, image, MemoryReader::unknownSize), expected(smallRecord(0), {}, &pixels));
+    EXPECT_EQ(readBy(byAddress, image, MemoryReader::unknownSize), contentsOf(CMOKTexture()));
 }
 
 TEST(NativeFile, BlocksAreWrittenAsTheyAreAndCounted) {
@@ -156,15 +140,13 @@ TEST(NativeFile, BlocksAreWrittenAsTheyAreAndCounted) {
     texture.setCubeMapOrder("XxYyZz");
     Bytes image;
     ASSERT_TRUE(SaveTexture(texture, "mok", image));
-    ASSERT_EQ(load(image, {}, &texture), eLoadOk);
-    EXPECT_TRUE(texture.getCubeMapOrder().empty());
-    EXPECT_STREQ(texture.getBumpMapOrder().c_str(), "Zz");
+    ASSERT_EQ(load(image, {}, std::move(texture)), eLoadOk);
+    EXPECT_TRUE(texture.getCubeMapOrder().empty() && texture.getBumpMapOrder() == "Zz");
 
     // A block that was replaced is counted twice in the file and written once.
     texture.addMetaData(texture.getMetaData(MOKTextureHeaderV3::magic, 1));
     ASSERT_TRUE(SaveTexture(texture, "mok", image));
-    EXPECT_EQ(image.size(), 52u + 18 + texture.getDataSize());
-    EXPECT_EQ(image[48], 36);
+    EXPECT_TRUE(image.size() == 52u + 18 + texture.getDataSize() && image[48] == 36);
     EXPECT_EQ(load(image), eLoadTruncated);
 
     // An empty one is written, but counts as not written.
@@ -177,45 +159,32 @@ TEST(NativeFile, BlocksAreWrittenAsTheyAreAndCounted) {
 
 TEST(NativeFile, WhatIsRefusedSaysWhy) {
     using Record = MOKTextureHeaderV3;
-    const struct {
-        std::uint32_t Record::*field;
-        std::uint32_t value;
-        ELoadStatus status;
-        LoadLimits limits = {};
-    } cases[] = {
-        // clang-format off
-        {&Record::version,         0x4D4F4B03,      eLoadUnknown},
-        {&Record::numMIPLevels,    0,               eLoadCorrupt},
-        {&Record::numArrayMembers, 0,               eLoadCorrupt},
-        {&Record::numFaces,        0,               eLoadCorrupt},
-        {&Record::numMIPLevels,    256,             eLoadTooLarge,  {.maxLevels = huge}},
-        {&Record::numMIPLevels,    255,             eLoadTruncated, {.maxLevels = huge}},
-        {&Record::numMIPLevels,    18,              eLoadTooLarge},
-        {&Record::numArrayMembers, 2049,            eLoadTooLarge},
-        {&Record::depth,           65537,           eLoadTooLarge},
-        {&Record::numFaces,        huge,            eLoadTooLarge},
-        {&Record::metaDataSize,    (16u << 20) + 1, eLoadTooLarge},
-        {&Record::flags,           0,               eLoadOk,        {.maxMetaDataBlocks = 2, .maxTotalSize = smallSize}},
-        {&Record::flags,           0,               eLoadTooLarge,  {.maxTotalSize = smallSize - 1}},
-        {&Record::flags,           0,               eLoadTooLarge,  {.maxMetaDataBlocks = 1}},
-        // clang-format on
-    };
+    // clang-format off
+    const struct { std::uint32_t Record::*field; std::uint32_t value; ELoadStatus status; LoadLimits limits = {}; } cases[] = {
+        {&Record::version, 0x4D4F4B03, eLoadUnknown}, {&Record::numMIPLevels, 0, eLoadCorrupt},
+        {&Record::numArrayMembers, 0, eLoadCorrupt}, {&Record::numFaces, 0, eLoadCorrupt},
+        {&Record::numMIPLevels, 256, eLoadTooLarge, {.maxLevels = huge}},
+        {&Record::numMIPLevels, 255, eLoadTruncated, {.maxLevels = huge}}, {&Record::numMIPLevels, 18, eLoadTooLarge},
+        {&Record::numArrayMembers, 2049, eLoadTooLarge}, {&Record::depth, 65537, eLoadTooLarge},
+        {&Record::numFaces, huge, eLoadTooLarge}, {&Record::metaDataSize, (16u << 20) + 1, eLoadTooLarge},
+        {&Record::flags, 0, eLoadOk, {.maxMetaDataBlocks = 2, .maxTotalSize = smallSize}},
+        {&Record::flags, 0, eLoadTooLarge, {.maxTotalSize = smallSize - 1}},
+        {&Record::flags, 0, eLoadTooLarge, {.maxMetaDataBlocks = 1}}};
+    // clang-format on
     for (const auto& item : cases) {
         Record record = smallRecord(twoBlocksSize);
         record.*item.field = item.value;
         EXPECT_EQ(load(make(record, twoBlocks, Bytes(smallSize)), item.limits), item.status) << &item - cases;
     }
     EXPECT_EQ(load({'h', 'i'}), eLoadUnknown);
-    for (const NativeReadRules& rules : {NativeReadRules::fileConstructor(), NativeReadRules::memoryConstructor()})
-        EXPECT_EQ(rules.limits.maxMetaDataBlocks, 65536u);
+    EXPECT_TRUE(byPath.limits.maxMetaDataBlocks == 65536 && byAddress.limits.maxMetaDataBlocks == 65536);
 
     const TemporaryFolder folder;
     const Bytes good = make(smallRecord(0), {}, Bytes(smallSize));
     CMOKTexture texture;
-    EXPECT_EQ(LoadTexture(texture, nullptr, 0), eLoadUnreadable);
-    EXPECT_EQ(LoadTextureFile(texture, nullptr), eLoadUnreadable);
-    EXPECT_EQ(LoadTextureFile(texture, folder.path("none.mok").c_str()), eLoadUnreadable);
-    EXPECT_EQ(LoadTextureFile(texture, folder.path("").c_str()), eLoadUnreadable);
+    EXPECT_TRUE(LoadTexture(texture, nullptr, 0) == eLoadUnreadable && LoadTextureFile(texture, nullptr) == eLoadUnreadable);
+    for (const char* name : {"none.mok", ""})
+        EXPECT_EQ(LoadTextureFile(texture, folder.path(name).c_str()), eLoadUnreadable);
     EXPECT_EQ(LoadTextureFile(texture, folder.write("a.png", good).c_str()), eLoadOk);
     for (const char* name : {"a.ktx", "a.DDS"}) {
         EXPECT_EQ(LoadTextureFile(texture, folder.write(name, good).c_str()), eLoadUnknown);
@@ -232,16 +201,14 @@ TEST(NativeFile, RandomHeadersNeitherCrashNorHang) {
             const std::size_t word = 4 * (1 + random.below(20));
             std::memcpy(image.data() + word, &extremes[random.below(std::size(extremes))], 4);
         }
-        for (const NativeReadRules& rules :
-             {NativeReadRules::strict({.maxLevels = 255, .maxTotalSize = 1u << 20}), NativeReadRules::fileConstructor()}) {
+        for (const NativeReadRules& rules : {NativeReadRules::strict({.maxLevels = 255, .maxTotalSize = 1u << 20}), byPath}) {
             CMOKTexture texture;
             MemoryReader reader(image.data(), image.size());
             readNativeFile(reader, rules, texture);
             texture.getTextureSize();
             texture.getDataPtr(0xFFFFFFFE, huge, huge);
-            if (TextureInternals::data(texture) == nullptr) continue;
-            EXPECT_TRUE(sizesAreTrue(texture));
-            EXPECT_EQ(texture.getDataSize(), TextureInternals::dataSize(texture));
+            EXPECT_TRUE(TextureInternals::data(texture) == nullptr ||
+                        (sizesAreTrue(texture) && texture.getDataSize() == TextureInternals::dataSize(texture)));
         }
     }
 }

@@ -27,18 +27,17 @@ TEST(TextureHeader, SizesOfEveryFormatFollowTheTable) {
     // clang-format off
     constexpr std::uint32_t sizes[][3] = {
         {32, 256, 96}, {32, 256, 96}, {32, 384, 96}, {32, 384, 96}, {8, 144, 24}, {8, 240, 32},  // MOKTC
-        {8, 240, 32}, {8, 240, 32},                                                              // ETC1, DXT1
-        {16, 480, 64}, {16, 480, 64}, {16, 480, 64}, {16, 480, 64}, {8, 240, 32}, {16, 480, 64}, // DXT2 to BC5
-        {0, 0, 0}, {0, 0, 0},                                                                    // BC6, BC7
-        {4, 648, 44}, {4, 648, 44}, {1, 54, 5}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0},                 // packed
-        {0, 153, 9}, {1, 306, 18}, {0, 153, 9}, {0, 153, 9}, {0, 153, 9}, {1, 306, 18}, {1, 306, 18},
-        {0, 0, 0}, {0, 0, 0}};
+        {8, 240, 32}, {8, 240, 32},  // ETC1, DXT1
+        {16, 480, 64}, {16, 480, 64}, {16, 480, 64}, {16, 480, 64}, {8, 240, 32}, {16, 480, 64},  // DXT2 to BC5
+        {0, 0, 0}, {0, 0, 0},  // BC6, BC7
+        {4, 648, 44}, {4, 648, 44}, {1, 54, 5}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0},  // packed
+        {0, 153, 9}, {1, 306, 18}, {0, 153, 9}, {0, 153, 9}, {0, 153, 9}, {1, 306, 18}, {1, 306, 18}, {0, 0, 0}, {0, 0, 0}};
     // clang-format on
     for (std::uint64_t id = 0; id < std::size(sizes); ++id) {
         SCOPED_TRACE(id);
-        EXPECT_EQ(header(id, 1, 1).getDataSize(), sizes[id][0]);
-        EXPECT_EQ(header(id, 17, 9, 1, 1, 1, 2).getDataSize(), sizes[id][1]);
-        EXPECT_EQ(header(id, 5, 3, 3).getDataSize(), sizes[id][2]);
+        unsigned int column = 0;
+        for (const CMOKTextureHeader& sized : {header(id, 1, 1), header(id, 17, 9, 1, 1, 1, 2), header(id, 5, 3, 3)})
+            EXPECT_EQ(sized.getDataSize(), sizes[id][column++]);
         EXPECT_TRUE(sizesAreTrue(header(id, 17, 9, 3)));
         EXPECT_EQ(header(id, 4, 4).getTextureSize() == 0, bitsPerPixel(id) == 0);
     }
@@ -46,22 +45,21 @@ TEST(TextureHeader, SizesOfEveryFormatFollowTheTable) {
 
 TEST(TextureHeader, LevelsBeyondTheLastAnswerOnceAndBitsAreSummedOverTheLevels) {
     const CMOKTextureHeader texture = header(PixelTypeRGBA8, 40, 20, 33, 1, 1, 6);
+    // clang-format off
     const std::uint32_t sizes[][4] = {
         // level, width, height, depth
         {2, 10, 5, 1}, {1, 20, 10, 3}, {5, 1, 1, 1}, {32, 40, 20, 6}, {33, 20, 10, 3}, {34, 0, 0, 0}, {huge, 0, 0, 0}};
-    for (const auto& [level, width, height, depth] : sizes) {
-        EXPECT_EQ(texture.getWidth(level), width) << level;
-        EXPECT_EQ(texture.getHeight(level), height) << level;
-        EXPECT_EQ(texture.getDepth(level), depth) << level;
-    }
+    // clang-format on
+    for (const auto& [level, width, height, depth] : sizes)
+        EXPECT_EQ(std::tuple(texture.getWidth(level), texture.getHeight(level), texture.getDepth(level)),
+                  std::tuple(width, height, depth))
+            << level;
     EXPECT_EQ(texture.getDataSize(33, true, true), texture.getDataSize(1, true, true));
     EXPECT_EQ(header(PixelTypeRGBA8, 0, 0).getWidth(), 1u);
 
     const CMOKTextureHeader nibble = header(PixelType('l', 0, 0, 0, 4, 0, 0, 0), 2, 1, 2, 3, 2);
-    EXPECT_EQ(nibble.getDataSize(1, true, true), 0u);
-    EXPECT_EQ(nibble.getDataSize(-1, false, false), 1u);
-    EXPECT_EQ(nibble.getDataSize(-1, true, false), 3u);
-    EXPECT_EQ(nibble.getDataSize(-1, false, true), 2u);
+    EXPECT_TRUE(nibble.getDataSize(1, true, true) == 0 && nibble.getDataSize(-1, false, false) == 1);
+    EXPECT_TRUE(nibble.getDataSize(-1, true, false) == 3 && nibble.getDataSize(-1, false, true) == 2);
     EXPECT_EQ(header(eFmtDXT1, 5, 3, 3).getTextureSize(), 64u);
     EXPECT_EQ(header(PixelType('r', 'g', 'b', 0, 8, 8, 8, 0), 1, 1).getTextureSize(), 1u);
     EXPECT_EQ(header(PixelType('l', 0, 0, 0, 8, 0, 0, 0), 1u << 14, 1u << 14, 1, 3).getTextureSize(), 1u << 28);  // wraps
@@ -73,20 +71,16 @@ TEST(TextureHeader, SizesThatWrapAreToldApart) {
     // Header, size as it wraps, whether that is the true size.
     // clang-format off
     const std::tuple<CMOKTextureHeader, std::uint32_t, bool> cases[] = {
-        {header(byte, 1u << 14, (1u << 15) - 1, 1, 8),               0u - (1u << 17),   true},
-        {header(byte, 1u << 14, 1u << 15),                           0,                 false},  // 2^32 bits
-        {header(byte, 1u << 14, 1u << 14, 1, 4, 4),                  0,                 false},  // 2^32 bytes
-        {header(eFmtDXT1, huge, 1),                                  0,                 false},  // rounded up past 32 bits
-        {header(eFmtGRGB8888, huge, huge, 255, huge, huge, huge),    0,                 true},
-        {header(widest, huge, huge, 1, huge, huge, huge),            0x1FFFFF80,        false},
-        {header(byte, 4, 4, 255),                                    399,               true},
-        {header(byte, 4, 4, 256),                                    0,                 false},
-    };
+        {header(byte, 1u << 14, (1u << 15) - 1, 1, 8), 0u - (1u << 17), true},
+        {header(byte, 1u << 14, 1u << 15), 0, false},  // 2^32 bits
+        {header(byte, 1u << 14, 1u << 14, 1, 4, 4), 0, false},  // 2^32 bytes
+        {header(eFmtDXT1, huge, 1), 0, false},  // rounded up past 32 bits
+        {header(eFmtGRGB8888, huge, huge, 255, huge, huge, huge), 0, true},
+        {header(widest, huge, huge, 1, huge, huge, huge), 0x1FFFFF80, false}, {header(byte, 4, 4, 255), 399, true},
+        {header(byte, 4, 4, 256), 0, false}};
     // clang-format on
-    for (const auto& [texture, size, isTrue] : cases) {
-        EXPECT_EQ(sizesAreTrue(texture), isTrue) << texture.getWidth() << ' ' << texture.getHeight();
-        EXPECT_EQ(texture.getDataSize(), size) << texture.getWidth() << ' ' << texture.getHeight();
-    }
+    for (const auto& [texture, size, isTrue] : cases)
+        EXPECT_EQ(std::pair(texture.getDataSize(), sizesAreTrue(texture)), std::pair(size, isTrue)) << texture.getWidth();
 }
 
 TEST(TextureHeader, SettersStoreWhatTheyGetAndClearingOneFlagClearsBoth) {
@@ -94,18 +88,17 @@ TEST(TextureHeader, SettersStoreWhatTheyGetAndClearingOneFlagClearsBoth) {
     const CMOKTextureHeader built(PixelTypeRGBA16.id, 2, 3, 4, 5, 6, 7, eColourSpaceSRGB, eVarFloat, true);
     CMOKTextureHeader set;
     set.setPixelFormat(built.getPixelType());
-    set.setHeight(built.getHeight());
-    set.setWidth(built.getWidth());
-    set.setDepth(built.getDepth());
-    set.setNumMIPLevels(built.getNumMIPLevels());
-    set.setNumArrayMembers(built.getNumArrayMembers());
-    set.setNumFaces(built.getNumFaces());
+    using H = CMOKTextureHeader;
+    std::uint32_t next = 2;
+    for (const auto setter :
+         {&H::setHeight, &H::setWidth, &H::setDepth, &H::setNumMIPLevels, &H::setNumArrayMembers, &H::setNumFaces})
+        (set.*setter)(next++);
     set.setColourSpace(built.getColourSpace());
     set.setChannelType(built.getChannelType());
     set.setIsPreMultiplied(built.isPreMultiplied());
     for (const MOKTextureHeaderV3& record : {built.getFileHeader(), set.getFileHeader()})
         EXPECT_EQ(std::memcmp(&record, &expected, sizeof(record)), 0);
-    for (const auto clear : {&CMOKTextureHeader::setIsFileCompressed, &CMOKTextureHeader::setIsPreMultiplied}) {
+    for (const auto clear : {&H::setIsFileCompressed, &H::setIsPreMultiplied}) {
         set.setIsFileCompressed(true);
         set.setIsPreMultiplied(true);
         EXPECT_TRUE(set.isFileCompressed() && set.isPreMultiplied() && set.getFileHeader().flags == 3);
@@ -134,18 +127,16 @@ TEST(TextureMetaData, TopicsReadBackAndCountOnce) {
     // clang-format on
     for (const auto& [key, storedKey, payload] : payloads) {
         const MetaDataBlock block = texture.getMetaData(own, key);
-        EXPECT_EQ(block.key, storedKey);
-        EXPECT_EQ(payloadOf(block), payload) << key;
+        EXPECT_EQ(std::pair(block.key, payloadOf(block)), std::pair(storedKey, payload));
     }
-    EXPECT_STREQ(texture.getCubeMapOrder().c_str(), "XxYyZz");
+    EXPECT_TRUE(texture.getCubeMapOrder() == "XxYyZz");
     texture.setNumFaces(1);
     EXPECT_TRUE(texture.getCubeMapOrder().empty());
     const std::uint32_t atlasSizes[][4] = {{2, 1, 1, 2}, {1, 2, 1, 2}, {1, 1, 2, 2}, {1, 1, 1, 0}};
     for (const auto& [width, height, depth, members] : atlasSizes) {
-        texture.setWidth(width);
-        texture.setHeight(height);
-        texture.setDepth(depth);
-        EXPECT_EQ(texture.getNumTextureAtlasMembers(), static_cast<int>(members));
+        CMOKTextureHeader sized = header(PixelTypeRGBA8, width, height, 1, 1, 1, depth);
+        sized.setTextureAtlas(atlas, 2);
+        EXPECT_EQ(sized.getNumTextureAtlasMembers(), static_cast<int>(members));
     }
 }
 
@@ -154,12 +145,10 @@ TEST(TextureMetaData, ReadingMakesTheOuterEntryOnly) {
     EXPECT_TRUE(!texture.isBumpMap() && texture.getBumpMapScale() == 0.0f && texture.getBumpMapOrder().empty());
     EXPECT_EQ(texture.getMetaDataMap().GetSize(), 1u);
     EXPECT_FALSE(texture.hasMetaData(7, 7));
-    EXPECT_EQ(texture.getMetaDataMap().GetSize(), 2u);
-    EXPECT_EQ(texture.getMetaDataMap().GetDataAtIndex(1)->GetSize(), 0u);
+    EXPECT_TRUE(texture.getMetaDataMap().GetSize() == 2 && texture.getMetaDataMap().GetDataAtIndex(1)->GetSize() == 0);
     const MetaDataBlock missing = texture.getMetaData(7, 8);
     EXPECT_TRUE(missing.data != nullptr && missing.dataSize == 0 && missing.fourCC == 0);
-    EXPECT_TRUE(texture.hasMetaData(7, 8));
-    EXPECT_EQ(texture.getMetaDataSize(), 0u);
+    EXPECT_TRUE(texture.hasMetaData(7, 8) && texture.getMetaDataSize() == 0);
 }
 
 TEST(TextureMetaData, GettersReadZeroesBehindAShortPayload) {
@@ -171,8 +160,7 @@ TEST(TextureMetaData, GettersReadZeroesBehindAShortPayload) {
                                        makeBlock("\1", 3, own), makeBlock({7, 0, 0, 0, 9}, 4, own)})
         texture.addMetaData(added);
     EXPECT_TRUE(texture.getNumTextureAtlasMembers() == 0 && texture.getTextureAtlasData() == nullptr);
-    EXPECT_TRUE(texture.getBumpMapScale() == 1.5f && texture.getBumpMapOrder() == "x");
-    EXPECT_TRUE(texture.getCubeMapOrder() == "ab");
+    EXPECT_TRUE(texture.getBumpMapScale() == 1.5f && texture.getBumpMapOrder() == "x" && texture.getCubeMapOrder() == "ab");
     EXPECT_TRUE(texture.getOrientation(eAxisX) == eOrientLeft && texture.getOrientation(eAxisZ) == eOrientIn);
     unsigned int x, y, z;
     texture.getBorder(x, y, z);
@@ -189,9 +177,8 @@ TEST(TextureMetaData, ReplacingCountsTwiceAndRemovingMayWrap) {
     EXPECT_EQ(texture.getMetaDataSize(), 100u + 14 + 13 + 13);
     EXPECT_EQ(payloadOf(texture.getMetaData(5, 1)), "3");
     texture.removeMetaData(5, 9);
-    EXPECT_EQ(texture.getMetaDataSize(), 127u);
     empty.removeMetaData(5, 9);
-    EXPECT_EQ(empty.getMetaDataSize(), 0u - 12u);
+    EXPECT_TRUE(texture.getMetaDataSize() == 127 && empty.getMetaDataSize() == 0u - 12u);
     EXPECT_FALSE(texture.hasMetaData(5, 9) || empty.hasMetaData(5, 9));
 
     // Blocks and keys may lie in the map itself.

@@ -26,12 +26,8 @@ std::vector<std::uint32_t> decode(const std::vector<std::uint64_t>& halves, DXTM
 }  // namespace
 
 TEST(DXTnDecoder, BuildsThePaletteOfEachRule) {
-    const struct {
-        DXTMode mode;
-        std::uint64_t c0, c1;
-        std::uint32_t palette[4];
-    } cases[] = {
-        // clang-format off
+    // clang-format off
+    const struct { DXTMode mode; std::uint64_t c0, c1; std::uint32_t palette[4]; } cases[] = {
         {1, 0xFFFF, 0x0000, {0xFFFFFFFF, 0xFF000000, 0xFFA7A7A7, 0xFF575757}},  // 42 and 22 over 64
         {1, 0xF800, 0x07E0, {0xFF0000FF, 0xFF00FF00, 0xFF0057A7, 0xFF00A757}},
         {1, 0x8410, 0x0821, {0xFF848284, 0xFF080408, 0xFF595659, 0xFF322F32}},  // replicated bits
@@ -40,9 +36,8 @@ TEST(DXTnDecoder, BuildsThePaletteOfEachRule) {
         {1, 0x7FFF, 0x8000, {0xFFFFFF7B, 0xFF000084, 0xFF7F7F7F, 0x00000000}},  // compared without sign
         {2, 0xFFFF, 0x0000, {0x55FFFFFF, 0x55000000, 0x55A7A7A7, 0x55575757}},
         {3, 0x0000, 0xFFFF, {0x55000000, 0x55FFFFFF, 0x557F7F7F, 0x55000000}},  // three colours here too
-        {5, 0x8410, 0x8410, {0x55848284, 0x55848284, 0x55848284, 0x55000000}},
-        // clang-format on
-    };
+        {5, 0x8410, 0x8410, {0x55848284, 0x55848284, 0x55848284, 0x55000000}}};
+    // clang-format on
     for (const auto& row : cases) {
         const std::uint64_t indices0123 = 0xE4E4E4E4, colours = indices0123 << 32 | row.c1 << 16 | row.c0;
         const std::uint64_t alpha = row.mode >= 4 ? 0x5555 : 0x5555555555555555;
@@ -58,16 +53,12 @@ TEST(DXTnDecoder, ExpandsAlpha) {
         EXPECT_EQ(explicitAlpha[pixel], pixel * 17 << 24);
 
     constexpr std::uint64_t indices0to7Twice = 0xFAC688FAC688;
+    // clang-format off
     const std::uint32_t cases[][8] = {
-        // clang-format off
         // a0,  a1, entries 2 to 7
-        {255,   0, 218, 182, 145, 109,  72,  36},
-        {200, 101, 185, 171, 157, 143, 129, 115},
-        {  0, 255,  51, 102, 153, 204,   0, 255},
-        { 10,  20,  12,  14,  16,  18,   0, 255},
-        {  9,   9,   9,   9,   9,   9,   0, 255},  // equal: the shorter table
-        // clang-format on
-    };
+        {255, 0, 218, 182, 145, 109, 72, 36}, {200, 101, 185, 171, 157, 143, 129, 115}, {0, 255, 51, 102, 153, 204, 0, 255},
+        {10, 20, 12, 14, 16, 18, 0, 255}, {9, 9, 9, 9, 9, 9, 0, 255}};  // equal: the shorter table
+    // clang-format on
     for (const auto& row : cases) {
         const auto pixels = decode({indices0to7Twice << 16 | row[1] << 8 | row[0], 0xFFFF}, 5);
         for (std::size_t pixel = 0; pixel < 16; ++pixel)

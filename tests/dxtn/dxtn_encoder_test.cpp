@@ -61,12 +61,8 @@ constexpr std::uint32_t black = 0xFF000000, white = 0xFFFFFFFF;
 }  // namespace
 
 TEST(DXTnEncoder, EncodesTheColoursOfHandWorkedBlocks) {
-    const struct {
-        const char* name;
-        Pixels pixels;
-        std::uint64_t inMode1, inOthers;
-    } cases[] = {
-        // clang-format off
+    // clang-format off
+    const struct { const char* name; Pixels pixels; std::uint64_t inMode1, inOthers; } cases[] = {
         //                                                                  indices  c1  c0     indices  c1  c0
         {"one colour",              checked(dark, dark),                    0x00000000000011AA, 0x00000000000011AA},
         {"one colour, black",       checked(black, black),                  0x0000000000000000, 0x0000000000000000},
@@ -81,9 +77,8 @@ TEST(DXTnEncoder, EncodesTheColoursOfHandWorkedBlocks) {
         {"two, one all cut out",    checked(dark, white & 0xFFFFFF),        0xCCCCCCCCFFFF11AA, 0x1111111111AAFFFF},
         {"along the axis",          greyRows(),                             0x00AAFF552124E73C, 0x00AAFF552124E73C},
         {"along the axis, cut out", withAlpha(greyRows(), 15, 0),           0xD5AAAA00E73C2124, 0x00AAFF552124E73C},
-        {"no axis",                 acrossTheFirstVector(),                 0x00000000632C632C, 0x00000000632C632C},
-        // clang-format on
-    };
+        {"no axis",                 acrossTheFirstVector(),                 0x00000000632C632C, 0x00000000632C632C}};
+    // clang-format on
     for (const auto& row : cases) {
         EXPECT_EQ(encode(row.pixels, 1)[1], row.inMode1) << row.name;
         for (DXTMode mode = 2; mode <= 5; ++mode)
@@ -110,18 +105,14 @@ TEST(DXTnEncoder, TruncatesExplicitAlpha) {
 }
 
 TEST(DXTnEncoder, InterpolatesAlpha) {
-    const struct {
-        std::uint32_t alphas[16];
-        std::uint64_t indices;  // octal: the last pixel's first
-        std::uint64_t ends;
-    } cases[] = {
-        // clang-format off
-        {{  0,  18,  19,  54,  55,  91,  92, 127, 128, 163, 164, 200, 201, 236, 237, 255}, 0022334455667711, 0x00FF},  // beside
-        {{100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 113, 114, 114}, 0002233445566771, 0x6472},  // on halves
-        {{  3,   3,   3,   3,   3,   3,   4,   3,   3,   3,   3,   3,   3,   3,   3,   3}, 01111111110111111, 0x0304},
-        {{ 77,  77,  77,  77,  77,  77,  77,  77,  77,  77,  77,  77,  77,  77,  77,  77}, 0,                 0x4D4D},
-        // clang-format on
-    };
+    // clang-format off
+    // Indices in octal, the last pixel's first: values beside halves, then on halves.
+    const struct { std::uint32_t alphas[16]; std::uint64_t indices; std::uint64_t ends; } cases[] = {
+        {{0, 18, 19, 54, 55, 91, 92, 127, 128, 163, 164, 200, 201, 236, 237, 255}, 0022334455667711, 0x00FF},
+        {{100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 113, 114, 114}, 0002233445566771, 0x6472},
+        {{3, 3, 3, 3, 3, 3, 4, 3, 3, 3, 3, 3, 3, 3, 3, 3}, 01111111110111111, 0x0304},
+        {{77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77}, 0, 0x4D4D}};
+    // clang-format on
     for (const auto& row : cases) {
         Pixels pixels;
         std::transform(row.alphas, row.alphas + 16, pixels.begin(), [](std::uint32_t alpha) { return grey(9, alpha); });
@@ -132,17 +123,16 @@ TEST(DXTnEncoder, InterpolatesAlpha) {
 
 /// Digests by a slow second writing of the encoder.
 TEST(DXTnEncoder, EncodesImagesLikeASecondWriting) {
+    // clang-format off
     const std::uint64_t digests[][3] = {
-        // clang-format off
         // DXT1,            DXT3,               DXT5
         {0x720AAC781012AFA1, 0xC5B612411841B779, 0xCC104B526F864717},  // gradient
         {0x2318927E4E4B9861, 0x773CAE36C9A3680A, 0xF2F318677048C558},  // noise
         {0x88AC3682BCB4346E, 0xD9C04599A6D08736, 0x05C595992108E9D4},  // edges
         {0xDD40E1DAC4DE2E9C, 0xE6903252EAAC3AA4, 0xCF4E581CA6ED22A2},  // text
         {0xF49AAC81E1C34BEE, 0x0AA1610FC390A45C, 0xAADF50C98EBF174E},  // cutOut
-        {0xB40C818AB4A538CA, 0xA7D7134B29F176F8, 0xA505FA4BB61E3B9C},  // softAlpha
-        // clang-format on
-    };
+        {0xB40C818AB4A538CA, 0xA7D7134B29F176F8, 0xA505FA4BB61E3B9C}};  // softAlpha
+    // clang-format on
     for (const testimages::Kind kind : testimages::allKinds) {
         const std::uint32_t width = 132, height = 60;
         const auto image = testimages::make(kind, width, height);

@@ -7,6 +7,7 @@
 
 using namespace moktexture;
 using testimages::Random;
+using Bytes = std::vector<std::uint8_t>;
 
 namespace {
 
@@ -15,9 +16,9 @@ namespace {
 constexpr std::uint32_t blockKinds = 8;
 
 /// One row of blocks, some pixels of which are cut out.
-std::vector<std::uint8_t> rowOfBlocks(std::uint32_t kind, int blocks, Random& random) {
-    std::vector<std::uint8_t> image;
-    for (int y = 0; y < 4; ++y) {
+Bytes rowOfBlocks(std::uint32_t kind, int blocks, Random& random) {
+    Bytes image;
+    for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4 * blocks; ++x) {
             Random ofBlock(1000 * kind + 37 * blocks + x / 4);  // what a block's pixels share
             const std::uint32_t thisKind = kind == blockKinds ? ofBlock.below(blockKinds) : kind;
@@ -28,19 +29,20 @@ std::vector<std::uint8_t> rowOfBlocks(std::uint32_t kind, int blocks, Random& ra
                 const int base = 128 + around(ofBlock, 128), slope = around(ofBlock, 20), other = around(ofBlock, 128);
                 const int across[] = {u, v, -u - v, 99}, square[] = {12 * (x % 4), 12 * y, base / 2, 99};
                 const int noise = static_cast<int>(random.below(256)), near = around(random, 1);
-                const int values[] = {noise,          base,        isSecond ? other : base, base + slope * (x % 4 + 3 * y),
-                                      isSecond * 255, base + near, 128 + across[channel],   110 + square[channel]};
+                // clang-format off
+                const int values[] = {
+                    noise, base, isSecond ? other : base, base + slope * (x % 4 + 3 * y), isSecond * 255, base + near,
+                    128 + across[channel], 110 + square[channel]};
+                // clang-format on
                 image.push_back(static_cast<std::uint8_t>(std::clamp(values[thisKind], 0, 255)));
             }
             if (isCutOut) image.back() = 0;
         }
-    }
     return image;
 }
 
-std::vector<std::uint8_t> encodeBy(const dxtn::EncoderKernel& kernel, const std::vector<std::uint8_t>& image,
-                                   std::uint32_t mode) {
-    std::vector<std::uint8_t> out(image.size() / (mode == 1 ? 8 : 4));
+Bytes encodeBy(const dxtn::EncoderKernel& kernel, const Bytes& image, std::uint32_t mode) {
+    Bytes out(image.size() / (mode == 1 ? 8 : 4));
     kernel.encode(image.data(), out.data(), image.size() / 16, 4, mode);
     return out;
 }
@@ -50,8 +52,10 @@ std::vector<std::uint8_t> encodeBy(const dxtn::EncoderKernel& kernel, const std:
 TEST(DXTnKernels, GiveTheBitsOfThePlainForm) {
     const dxtn::EncoderKernel& plain = dxtn::encoderFor(ProcessorLevel::baseline);
     ASSERT_STREQ(plain.name, "plain");
-    const std::pair<ProcessorLevel, const char*> fastLevels[] = {{ProcessorLevel::sse41, "SSE4.1"},
-                                                                 {ProcessorLevel::avx2, "AVX2"}};
+    // clang-format off
+    const std::pair<ProcessorLevel, const char*> fastLevels[] = {
+        {ProcessorLevel::sse41, "SSE4.1"}, {ProcessorLevel::avx2, "AVX2"}};
+    // clang-format on
     for (const auto& [level, name] : fastLevels) {
         if (level > detectProcessorLevel()) continue;
         const dxtn::EncoderKernel& kernel = dxtn::encoderFor(level);

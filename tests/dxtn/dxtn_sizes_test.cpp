@@ -26,24 +26,17 @@ TEST(DXTnSizes, AreRefusedWithoutATouch) {
 }
 
 TEST(DXTnSizes, AreAnsweredForNullBuffersModulo32Bits) {
-    const struct {
-        std::uint32_t width, height, mode, pixelBytes, blockBytes;
-    } cases[] = {
-        // clang-format off
-        {    4,     8, 1,        128,         16},
-        {    4,     8, 5,        128,         32},
-        {    4,     6, 2,         96,         24},  // answered, though it would be refused
-        {65536, 65536, 3,          0,          0},
-        {65532, 65540, 5, 0xFFFFFFC0, 0xFFFFFFF0},
-        {65540, 65540, 1, 0x00200040, 0x00040008},  // wraps, then halves
-        // clang-format on
-    };
-    std::uint32_t buffer = 7;
-    for (const auto& row : cases) {
-        EXPECT_EQ(DecompressDXTn(nullptr, &buffer, &row.width, &row.height, &row.mode), row.pixelBytes);
-        EXPECT_EQ(DecompressDXTn(&buffer, nullptr, &row.width, &row.height, &row.mode), row.pixelBytes);
-        EXPECT_EQ(CompressDXTn(nullptr, &buffer, &row.width, &row.height, &row.mode), row.blockBytes);
-        EXPECT_EQ(CompressDXTn(&buffer, nullptr, &row.width, &row.height, &row.mode), row.blockBytes);
-    }
+    // clang-format off
+    const struct { std::uint32_t width, height, mode, pixelBytes, blockBytes; } cases[] = {
+        {4, 8, 1, 128, 16}, {4, 8, 5, 128, 32}, {4, 6, 2, 96, 24},  // answered, though it would be refused
+        {65536, 65536, 3, 0, 0}, {65532, 65540, 5, 0xFFFFFFC0, 0xFFFFFFF0},
+        {65540, 65540, 1, 0x00200040, 0x00040008}};  // wraps, then halves
+    // clang-format on
+    std::uint32_t buffer = 7, *const null = nullptr;
+    for (const auto& row : cases)
+        for (const auto& [source, target] : {std::pair(null, &buffer), {&buffer, null}}) {
+            EXPECT_EQ(DecompressDXTn(source, target, &row.width, &row.height, &row.mode), row.pixelBytes);
+            EXPECT_EQ(CompressDXTn(source, target, &row.width, &row.height, &row.mode), row.blockBytes);
+        }
     EXPECT_EQ(buffer, 7u);
 }

@@ -53,42 +53,34 @@ Bytes imageOf(const Bytes& blocks, const StreamRules& rules, std::uint32_t width
 }  // namespace
 
 TEST(MOKTCDecodeEquality, FastFormGivesThePlainFormsPixels) {
-    const std::uint32_t sizes[][2] = {{1, 1},  {2, 3},   {4, 4},   {7, 9},   {8, 8},   {9, 8},   {16, 8},  {15, 17}, {17, 5},
-                                      {20, 4}, {23, 33}, {32, 16}, {48, 48}, {1, 100}, {100, 1}, {40, 72}, {64, 64}, {130, 12}};
-    const std::uint32_t kinds[][2] = {{0, 0},
-                                      {~0u, 0},
-                                      {0, ~0u},
-                                      {modeBit, flatBit},
-                                      {0, modeBit | flatBit},
-                                      {modeBit | flatBit, 0},
-                                      {flatBit, modeBit},
-                                      {1u << 31, flatBit}};
+    // clang-format off
+    const std::uint32_t sizes[][2] = {
+        {1, 1}, {2, 3}, {4, 4}, {7, 9}, {8, 8}, {9, 8}, {16, 8}, {15, 17}, {17, 5}, {20, 4}, {23, 33}, {32, 16}, {48, 48},
+        {1, 100}, {100, 1}, {40, 72}, {64, 64}, {130, 12}};
+    // clang-format on
+    // clang-format off
+    const std::uint32_t kinds[][2] = {
+        {0, 0}, {~0u, 0}, {0, ~0u}, {modeBit, flatBit}, {0, modeBit | flatBit}, {modeBit | flatBit, 0}, {flatBit, modeBit},
+        {1u << 31, flatBit}};
+    // clang-format on
     std::uint64_t seed = 1;
-    for (const auto& [width, height] : sizes) {
-        for (const auto& [set, cleared] : kinds) {
+    for (const auto& [width, height] : sizes)
+        for (const auto& [set, cleared] : kinds)
             for (const int format : {0, 1, 2, 3}) {
                 const Level level = {width, height, (format & 1) != 0, (format & 2) != 0};
                 const Bytes blocks = randomBlocks(level, set, cleared, seed++);
                 ASSERT_EQ(decoded(level, blocks), decoded(level, blocks, true))
                     << width << 'x' << height << " format " << format << std::hex << " bits " << set << ' ' << cleared;
             }
-        }
-    }
 }
 
 /// Digests over four sizes by a slow second writing of both decoders.
 TEST(MOKTCDecodeEquality, RandomBlocksDecodeLikeASecondWriting) {
-    const struct {
-        bool is2bpp, secondGeneration;
-        std::uint64_t digest;
-    } cases[] = {
-        // clang-format off
-        {false, false, 0x7B8861B982E57CFE},
-        {false, true,  0x97D4300FA85AFB28},
-        {true,  false, 0xC55C3B1B2BCD9F1E},
-        {true,  true,  0x872DD3CF3D9E868E},
-        // clang-format on
-    };
+    // clang-format off
+    const struct { bool is2bpp, secondGeneration; std::uint64_t digest; } cases[] = {
+        {false, false, 0x7B8861B982E57CFE}, {false, true, 0x97D4300FA85AFB28}, {true, false, 0xC55C3B1B2BCD9F1E},
+        {true, true, 0x872DD3CF3D9E868E}};
+    // clang-format on
     for (const auto& [is2bpp, secondGeneration, digest] : cases) {
         Bytes all;
         for (const auto& [width, height] : {std::pair{64u, 32u}, {48u, 48u}, {13u, 7u}, {3u, 70u}}) {
@@ -127,24 +119,13 @@ TEST(MOKTCDecodeEquality, ThePixelWalkCanClampAtTheEdges) {
 }
 
 TEST(MOKTCSizes, AreAnsweredModulo32BitsAndRefusedWhereTheyDoNotFit) {
-    const struct {
-        std::uint32_t width, height;
-        std::uint8_t is2bpp;
-        std::uint32_t generation, answer;
-        bool isDecoded;
-    } cases[] = {
-        // clang-format off
-        {         4,     6, 0, 0,       96, true },
-        {        13,     5, 1, 1,      260, true },
-        {         4,     6, 2, 7,       96, true },  // any other number is true
-        {         0,     9, 0, 0,        0, true },
-        {0xFFFFFFFF,     0, 1, 1,        0, true },
-        {     65536, 65536, 0, 0,        0, false},
-        {     65540, 65540, 1, 1, 0x200040, false},
-        {     32768, 32768, 1, 0,        0, false},
-        {         1, 1u << 29, 0, 0, 1u << 31, false},  // 8 columns of blocks' pixels are too many bits
-        // clang-format on
-    };
+    // clang-format off
+    const struct { std::uint32_t width, height; std::uint8_t is2bpp; std::uint32_t second, answer; bool isDecoded; } cases[] = {
+        {4, 6, 0, 0, 96, true}, {13, 5, 1, 1, 260, true}, {4, 6, 2, 7, 96, true},  // any other number is true
+        {0, 9, 0, 0, 0, true}, {0xFFFFFFFF, 0, 1, 1, 0, true}, {65536, 65536, 0, 0, 0, false},
+        {65540, 65540, 1, 1, 0x200040, false}, {32768, 32768, 1, 0, 0, false},
+        {1, 1u << 29, 0, 0, 1u << 31, false}};  // 8 columns of blocks' pixels are too many bits
+    // clang-format on
     const Bytes blocks(64, 0xFF);
     for (const auto& [width, height, is2bpp, generation, answer, isDecoded] : cases) {
         Bytes pixels(260, 7);

@@ -23,7 +23,7 @@ constexpr std::uint32_t opaqueBlock(std::uint32_t rA, std::uint32_t gA, std::uin
 }  // namespace
 
 TEST(MOKTCGenerations, DifferInTheOrderOfBlocks) {
-    for (const bool is2bpp : {false, true}) {
+    for (const bool is2bpp : {false, true})
         for (const bool second : {false, true}) {
             const std::uint32_t length = blockWidth(is2bpp);
             const Level level = {8 * length, 16, is2bpp, second};
@@ -36,7 +36,6 @@ TEST(MOKTCGenerations, DifferInTheOrderOfBlocks) {
             EXPECT_EQ(pixels[centre], white) << is2bpp << second;
             EXPECT_EQ(std::count(pixels.begin(), pixels.end(), white), 1) << is2bpp << second;
         }
-    }
 }
 
 TEST(MOKTCGenerations, DifferInTheSmallestLevel) {
@@ -93,7 +92,7 @@ TEST(MOKTCGenerations, ReadBlocksBeyondTheDataAsZero) {
 
 TEST(MOKTCGenerations, SecondUpscalesUnlessTheUpperLeftBlockIsFlat) {
     // Two columns of blocks, black and white, one of them flat. The cell between their centres has the flat flag of its left one.
-    for (const bool is2bpp : {false, true}) {
+    for (const bool is2bpp : {false, true})
         for (const bool isFirstFlat : {false, true}) {
             const std::uint32_t length = blockWidth(is2bpp), half = length / 2;
             const std::uint32_t black = opaqueBothBit | (isFirstFlat ? flatBit : 0),
@@ -105,7 +104,6 @@ TEST(MOKTCGenerations, SecondUpscalesUnlessTheUpperLeftBlockIsFlat) {
             EXPECT_EQ(pixels[0], isFirstFlat ? 0xFF7F7F7Fu : 0xFF000000u);
             EXPECT_EQ(pixels[length + half], white);
         }
-    }
 }
 
 TEST(MOKTCGenerations, SecondDrawsFlatCellsFromOwnBlocksOrTheCornerPalette) {
@@ -113,9 +111,12 @@ TEST(MOKTCGenerations, SecondDrawsFlatCellsFromOwnBlocksOrTheCornerPalette) {
     const Level level = {8, 8, false, true};
     const std::uint32_t columns[] = {1, 2}, rows[] = {0, 16};
     // Corner and colour of each pixel in the order dy, dx by index 0 to 3: a capital is colour B of P Q / R S.
-    const char* const taps[16] = {"    ", "pPqQ", "pPqQ", "pPqQ", "pPrR", "pPqR", "pPqQ", "sPqQ",
-                                  "pPrR", "pPrR", "pSrQ", "sSqQ", "pPrR", "pSrR", "sSrR", "sSrQ"};
-    for (std::uint32_t index = 0; index < 4; ++index) {
+    // clang-format off
+    const char* const taps[16] = {
+        "    ", "pPqQ", "pPqQ", "pPqQ", "pPrR", "pPqR", "pPqQ", "sPqQ", "pPrR", "pPrR", "pSrQ", "sSqQ", "pPrR", "pSrR", "sSrR",
+        "sSrQ"};
+    // clang-format on
+    for (std::uint32_t index = 0; index < 4; ++index)
         for (const std::uint32_t mode : {0u, modeBit}) {
             std::vector<Block> blocks;
             for (unsigned corner = 0; corner < 4; ++corner) {
@@ -135,5 +136,4 @@ TEST(MOKTCGenerations, SecondDrawsFlatCellsFromOwnBlocksOrTheCornerPalette) {
                     << pixel << ' ' << index << ' ' << mode;
             }
         }
-    }
 }

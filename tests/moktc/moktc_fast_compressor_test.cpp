@@ -51,26 +51,19 @@ Block blockAt(const Bytes& blocks, std::uint64_t place) {
 // The digests come from a second implementation, which was written apart from this one. The plain form is told of alpha, the fast
 // one is not: it plays no part.
 TEST(MOKTCFastCompressor, GivesTheSameBytesInEveryForm) {
-    struct Case {
-        std::uint32_t blocksX, blocksY;
-        Kind kind;
-        std::uint64_t digest4bpp, digest2bpp;
-    };
     // clang-format off
-    const Case cases[] = {
-        { 5,  3, Kind::noise,      0x329922B66E05D58B, 0x500F0114B8185A0E},
-        { 5,  3, Kind::edges,      0x0E395B3E1A176702, 0xE091B248E78A75E4},
-        { 5,  3, Kind::softAlpha,  0x8ADDCC657B8C8B30, 0x87ECDC429661CBA9},
-        {12, 12, Kind::noise,      0x4CA2E65978A7E730, 0xB57149E0D61544EE},
-        {12, 12, Kind::text,       0xD6A2A2CC271E2BC2, 0x75805E24C3406EF7},
-        {12, 12, Kind::cutOut,     0xE9999078B3F2B763, 0xF2AEE04B202266E0},
-        {17,  9, Kind::gradient,   0xCC12DE7C4FA0542B, 0xCBD81BD2E37FA5F5},
-        {17,  9, Kind::noise,      0xD60BFF89C0C162E8, 0x5AB848897D751294},
-        {17,  9, Kind::cutOut,     0xCB7571CFFCB996D7, 0xA50764A8B08F5C2A},
-        {17,  9, Kind::softAlpha,  0x752D83D7AFFF4C05, 0x946BA220FA14A310},
-    };
+    const struct Case { std::uint32_t blocksX, blocksY; Kind kind; std::uint64_t digest4bpp, digest2bpp; } cases[] = {
+        {5, 3, Kind::noise, 0x329922B66E05D58B, 0x500F0114B8185A0E}, {5, 3, Kind::edges, 0x0E395B3E1A176702, 0xE091B248E78A75E4},
+        {5, 3, Kind::softAlpha, 0x8ADDCC657B8C8B30, 0x87ECDC429661CBA9},
+        {12, 12, Kind::noise, 0x4CA2E65978A7E730, 0xB57149E0D61544EE},
+        {12, 12, Kind::text, 0xD6A2A2CC271E2BC2, 0x75805E24C3406EF7},
+        {12, 12, Kind::cutOut, 0xE9999078B3F2B763, 0xF2AEE04B202266E0},
+        {17, 9, Kind::gradient, 0xCC12DE7C4FA0542B, 0xCBD81BD2E37FA5F5},
+        {17, 9, Kind::noise, 0xD60BFF89C0C162E8, 0x5AB848897D751294},
+        {17, 9, Kind::cutOut, 0xCB7571CFFCB996D7, 0xA50764A8B08F5C2A},
+        {17, 9, Kind::softAlpha, 0x752D83D7AFFF4C05, 0x946BA220FA14A310}};
     // clang-format on
-    for (const Case& c : cases) {
+    for (const Case& c : cases)
         for (const bool is2bpp : {false, true}) {
             const Image image(c.kind, c.blocksX, c.blocksY, is2bpp);
             const std::uint32_t width = image.width(), height = image.height();
@@ -80,7 +73,6 @@ TEST(MOKTCFastCompressor, GivesTheSameBytesInEveryForm) {
                 << nameOf(c.kind) << ", " << c.blocksX << " x " << c.blocksY << (is2bpp ? ", 2 bpp" : ", 4 bpp");
             EXPECT_EQ(encode(image, 8, plainFastKernels), blocks) << nameOf(c.kind);
         }
-    }
 }
 
 // Blocks that modes 2 and 3 fit best, with weights beyond the whole on their rims. The digest has the same origin.
@@ -115,13 +107,12 @@ TEST(MOKTCFastCompressor, DoesNotDependOnThreads) {
 
 TEST(MOKTCParallelTasks, AreEachRunOnce) {
     EXPECT_GE(availableThreads(), 1u);
-    for (const std::uint32_t count : {0u, 1u, 5u, 64u, 1000u}) {
+    for (const std::uint32_t count : {0u, 1u, 5u, 64u, 1000u})
         for (const std::uint32_t threads : {0u, 1u, 2u, 64u, 200u}) {
             std::vector<std::atomic<int>> runs(count);
             runTasks(count, threads, [&](std::uint32_t i) { ++runs.at(i); });
             EXPECT_TRUE(std::ranges::all_of(runs, [](int number) { return number == 1; })) << count << ' ' << threads;
         }
-    }
 }
 
 TEST(MOKTCCompressorDriver, LeavesTheRemainderAtItsStart) {
@@ -129,7 +120,7 @@ TEST(MOKTCCompressorDriver, LeavesTheRemainderAtItsStart) {
     const Bytes start = encode(image, 0), refined = encode(image, 8);
     int changed = 0;
     std::vector<bool> isTaken(144);
-    for (std::uint32_t y = 0; y < 12; ++y) {
+    for (std::uint32_t y = 0; y < 12; ++y)
         for (std::uint32_t x = 0; x < 12; ++x) {
             const std::uint64_t place = TwiddleIndex(12, 12, x, y);
             if (place >= isTaken.size()) continue;
@@ -142,7 +133,6 @@ TEST(MOKTCCompressorDriver, LeavesTheRemainderAtItsStart) {
                 EXPECT_TRUE(isSame) << x << ", " << y;
             }
         }
-    }
     EXPECT_GT(changed, 50);
     EXPECT_EQ(std::ranges::count(isTaken, false), 32);
     for (std::uint64_t place = 0; place < isTaken.size(); ++place) {
@@ -170,10 +160,9 @@ TEST(MOKTCFastCompressor, StartsFromTheDarkerOrLowerOfTwoColours) {
     const std::uint32_t red = 0xFF00003B, green = 0xFF001E00, white = 0xFFFFFFFF;  // red and green have luminance 17
     for (const auto& [one, other] : {std::pair(white, green), {green, white}, {red, green}, {green, red}, {red, red}}) {
         Image image(4, 4, true);
-        for (std::uint32_t i = 0; i < image.width() * image.height(); ++i) {
+        for (std::uint32_t i = 0; i < image.width() * image.height(); ++i)
             for (std::uint32_t shift = 0; shift < 32; shift += 8)
                 image.pixels.push_back(static_cast<std::uint8_t>((i % 4 == 2 ? other : one) >> shift));
-        }
         Block expected = {0, 0};
         packColourA(expected, std::min(one, other));
         packColourB(expected, std::max(one, other));

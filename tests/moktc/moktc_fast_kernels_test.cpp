@@ -39,15 +39,11 @@ Images makeImages(std::uint32_t kind, Random& random) {
     expandModulation(block, kind >= 3 ? kind - 3 : 0, eighths.data());
     for (std::size_t i = 0; i < images.source.size(); ++i) {
         std::uint8_t &source = images.source[i], &a = images.a[i], &b = images.b[i];
-        if (kind == 1) {
-            for (std::uint8_t* value : {&source, &a, &b})
-                *value = *value < 128 ? 0 : 255;
-        } else if (kind == 2) {
-            for (std::uint8_t* value : {&source, &a, &b})
-                *value = static_cast<std::uint8_t>(100 + *value % 3);
-        } else if (kind == 7) {
-            source = a = b = 77;
-        } else if (kind >= 3) {
+        for (std::uint8_t* value : {&source, &a, &b}) {
+            const int values[] = {*value, *value < 128 ? 0 : 255, 100 + *value % 3, *value, *value, *value, *value, 77};
+            *value = static_cast<std::uint8_t>(values[kind]);
+        }
+        if (kind >= 3 && kind < 7) {
             const std::size_t x = i % rowBytes / bytesPerPixel, y = i / rowBytes;
             const int weight = eighths[8 * y + std::min<std::size_t>(x, 7)];
             source = static_cast<std::uint8_t>(((b - a) * weight + a * 8) >> 3);
