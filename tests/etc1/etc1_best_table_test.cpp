@@ -27,9 +27,10 @@ TEST(ETC1BestTable, TakesTheFirstLeastErrorByTheRulesOfTheMeasure) {
         {"black, weighted",         {0, 0, 0},       {0, 0, 0},       perceptual, columns, 0,      0, 3},
         {"white from below 0",      {255, 255, 255}, {1, 1, 1},       plain,      columns, 0,      0, 3},
         {"white from above",        {255, 255, 255}, {250, 250, 250}, plain,      rows,    0,      0, 1},
-        {"8 * 0.299, truncated",    {103, 102, 102}, {100, 100, 100}, perceptual, rows,    2,      0, 0},
-        {"8 * 0.587, truncated",    {102, 103, 102}, {100, 100, 100}, perceptual, rows,    4,      0, 0},
-        {"8 * 0.114, truncated",    {102, 102, 103}, {100, 100, 100}, perceptual, rows,    0,      0, 0},
+        // A difference of 1 in one channel, weighted and truncated: 8 * 0.299, 8 * 0.587, 8 * 0.114.
+        {"red", {103, 102, 102}, {100, 100, 100}, perceptual, rows, 2, 0, 0},
+        {"green", {102, 103, 102}, {100, 100, 100}, perceptual, rows, 4, 0, 0},
+        {"blue", {102, 102, 103}, {100, 100, 100}, perceptual, rows, 0, 0, 0},
     };
     // clang-format on
     for (const Case& c : cases) {
@@ -59,8 +60,10 @@ TEST(ETC1Quantiser, RoundsToTheNearestCode) {
         float value;
         int fiveBits, fourBits;
     };
-    const Case cases[] = {{0.0f, 0, 0},    {4.0f, 0, 0},      {4.125f, 1, 0},    {8.375f, 1, 0},    {8.499f, 1, 1},  {8.5f, 1, 1},
-                          {127.5f, 16, 8}, {127.375f, 15, 7}, {246.75f, 30, 15}, {250.75f, 30, 15}, {255.0f, 31, 15}};
+    // clang-format off
+    const Case cases[] = {{0.0f, 0, 0}, {4.0f, 0, 0}, {4.125f, 1, 0}, {8.375f, 1, 0}, {8.499f, 1, 1}, {8.5f, 1, 1},
+        {127.5f, 16, 8}, {127.375f, 15, 7}, {246.75f, 30, 15}, {250.75f, 30, 15}, {255.0f, 31, 15}};
+    // clang-format on
     for (const Case& c : cases) {
         EXPECT_EQ(RoundToFiveBits(c.value), c.fiveBits) << c.value;
         EXPECT_EQ(RoundToFourBits(c.value), c.fourBits) << c.value;
@@ -76,17 +79,19 @@ TEST(ETC1Quantiser, KeepsTheHue) {
     };
     // Errors of low and high codes stand behind the colours.
     const Case cases[] = {
+        // clang-format off
         {"equal errors: all low", QuantiseColour444, {24, 41, 58}, {1, 2, 3}},         // -7 of 10
         {"large equal errors: all high", QuantiseColour444, {26, 43, 60}, {2, 3, 4}},  // -9: 243
         {"192 is not large", QuantiseColour444, {25, 42, 59}, {1, 2, 3}},              // -8: 192
-        {"mixed corner", QuantiseColour444, {18, 33, 58}, {1, 2, 3}},                  // -1, +1, -7
-        {"large but weighted: all low", QuantiseColour444Perceptual, {26, 43, 60}, {1, 2, 3}},
-        {"large in 5 bits: all low", QuantiseColour555, {7, 15, 23}, {0, 1, 2}},  // -7, -7, -7
+        // Mixed corner: -1, +1, -7. Large but weighted, or in 5 bits (-7, -7, -7): all low.
+        {"mixed", QuantiseColour444, {18, 33, 58}, {1, 2, 3}}, {"weighted", QuantiseColour444Perceptual, {26, 43, 60}, {1, 2, 3}},
+        {"large in 5 bits", QuantiseColour555, {7, 15, 23}, {0, 1, 2}},
         {"capped", QuantiseColour555, {255, 255, 255}, {31, 31, 31}},
-        {"capped", QuantiseColour444, {255, 255, 255}, {15, 15, 15}},
-        {"one channel high", QuantiseColour555, {0, 7, 0}, {0, 1, 0}},           // 0, +1, 0
-        {"equal weights", QuantiseColour555, {0, 6, 3}, {0, 1, 0}},              // 0, +2, -3
-        {"unequal weights", QuantiseColour555Perceptual, {0, 6, 3}, {0, 1, 1}},  // 0, +2, +5
+        {"capped", QuantiseColour444, {255, 255, 255}, {15, 15, 15}}, {"one high", QuantiseColour555, {0, 7, 0}, {0, 1, 0}},
+        // 0, +2 and -3 or, with unequal weights, +5.
+        {"equal weights", QuantiseColour555, {0, 6, 3}, {0, 1, 0}},
+        {"unequal weights", QuantiseColour555Perceptual, {0, 6, 3}, {0, 1, 1}},
+        // clang-format on
     };
     for (const Case& c : cases)
         EXPECT_EQ(c.quantise(c.colour), c.expected) << c.what;

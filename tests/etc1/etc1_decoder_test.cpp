@@ -17,20 +17,12 @@ constexpr std::uint32_t rgba(std::uint32_t r, std::uint32_t g, std::uint32_t b) 
     return r | g << 8 | b << 16 | 0xFF000000u;
 }
 
-Bytes bytesOf(const std::vector<etc1::BlockWords>& blocks) {
-    Bytes bytes(blocks.size() * etc1::bytesPerBlock);
-    for (std::size_t block = 0; block < blocks.size(); ++block)
-        etc1::writeWords(&bytes[block * etc1::bytesPerBlock], blocks[block]);
-    return bytes;
-}
-
-std::size_t blockBytes(std::uint32_t width, std::uint32_t height) {
-    return std::size_t{(width + 3) / 4} * ((height + 3) / 4) * etc1::bytesPerBlock;
-}
-
 Pixels decode(const std::vector<etc1::BlockWords>& blocks, std::uint32_t width, std::uint32_t height) {
     Pixels pixels(std::size_t{width} * height);
-    EXPECT_EQ(DecompressETC1(bytesOf(blocks).data(), pixels.data(), &width, &height), width * height * 4);
+    Bytes bytes;
+    for (const etc1::BlockWords& words : blocks)
+        etc1::writeWords(&*bytes.insert(bytes.end(), etc1::bytesPerBlock, 0), words);
+    EXPECT_EQ(DecompressETC1(bytes.data(), pixels.data(), &width, &height), width * height * 4);
     return pixels;
 }
 
@@ -88,30 +80,12 @@ TEST(ETC1Decoder, SpillsIntoTheNextRowAndNowhereElse) {
     };
     // clang-format off
     const Case cases[] = {
-        {{a, b}, 5, 4, {A, A, A, A, B,
-                        B, B, B, A, B,
-                        B, B, B, A, B,
-                        B, B, B, A, B}},
-        {{a, b, c, d}, 6, 5, {A, A, A, A, B, B,
-                              B, B, A, A, B, B,
-                              B, B, A, A, B, B,
-                              B, B, A, A, B, B,
-                              C, C, C, C, D, D}},
+        {{a, b}, 5, 4, {A, A, A, A, B,  B, B, B, A, B,  B, B, B, A, B,  B, B, B, A, B}},
+        {{a, b, c, d}, 6, 5, {A, A, A, A, B, B,  B, B, A, A, B, B,  B, B, A, A, B, B,  B, B, A, A, B, B,  C, C, C, C, D, D}},
         // Below 4 pixels wide a block covers itself: its second half may hide the first, and spilled pixels wanted ones.
-        {{abLeftRight}, 1, 3, {A, A, A}},
-        {{abLeftRight}, 3, 2, {A, A, B,
-                               A, A, B}},
-        {{abTopBottom}, 2, 2, {A, A,
-                               A, A}},
-        {{abTopBottom}, 2, 4, {A, A,
-                               A, A,
-                               A, A,
-                               B, B}},
-        {{abTopBottom}, 3, 4, {A, A, A,
-                               A, A, A,
-                               A, B, B,
-                               B, B, B}},
-        {{abTopBottom}, 1, 4, {A, A, A, A}},
+        {{abLeftRight}, 1, 3, {A, A, A}}, {{abLeftRight}, 3, 2, {A, A, B,  A, A, B}}, {{abTopBottom}, 1, 4, {A, A, A, A}},
+        {{abTopBottom}, 2, 2, {A, A,  A, A}}, {{abTopBottom}, 2, 4, {A, A,  A, A,  A, A,  B, B}},
+        {{abTopBottom}, 3, 4, {A, A, A,  A, A, A,  A, B, B,  B, B, B}},
     };
     // clang-format on
     for (const Case& test : cases)
@@ -122,7 +96,8 @@ TEST(ETC1Decoder, TakesAnyBitsAtAnySize) {
     for (std::uint32_t width = 0; width <= 13; ++width) {
         for (std::uint32_t height = 0; height <= 9; ++height) {
             // Exactly as large as told, for the address sanitizer.
-            const Bytes blocks = testimages::randomBytes(blockBytes(width, height), width * 16 + height);
+            const std::size_t size = std::size_t{(width + 3) / 4} * ((height + 3) / 4) * etc1::bytesPerBlock;
+            const Bytes blocks = testimages::randomBytes(size, width * 16 + height);
             Pixels pixels(std::size_t{width} * height);
             if (pixels.empty()) pixels.reserve(1);
             EXPECT_EQ(DecompressETC1(blocks.data(), pixels.data(), &width, &height), width * height * 4);

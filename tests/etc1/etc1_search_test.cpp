@@ -34,8 +34,6 @@ BlockPixels anyBlock(Random& random) {
 }  // namespace
 
 TEST(ETC1Search, GivesTheBitsOfThePlainForm) {
-    ASSERT_STREQ(plainEncoder.name, "plain");
-    ASSERT_STREQ(boundedEncoder.name, "bounded");
     ASSERT_NE(plainEncoder.search, boundedEncoder.search);
     Random random(11);
     for (const auto& [radius, rounds] : {std::pair{narrowRadius, narrowRounds}, {wideRadius, wideRounds}}) {
@@ -66,9 +64,7 @@ TEST(ETC1Search, NeverTakesTheIndividualCode15) {
         for (const Measure measure : bothMeasures) {
             const BlockWords words = CompressBlockSearchBounded(block, radius, measure);
             ASSERT_EQ(formOf(words), Form::individual);
-            const std::array<Codes, 2> codes = codesOf(words);
-            for (const int code : codes[0])
-                EXPECT_LE(code, 14);
+            EXPECT_LE(std::ranges::max(codesOf(words)[0]), 14);
         }
     }
 }

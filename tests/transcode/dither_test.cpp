@@ -10,11 +10,7 @@
 
 using namespace moktexture;
 
-namespace {
-
 using Values = std::vector<std::uint8_t>;
-
-}  // namespace
 
 TEST(Dither, ErrorGoesRightBelowAndLowerRight) {
     const struct {
@@ -23,17 +19,17 @@ TEST(Dither, ErrorGoesRightBelowAndLowerRight) {
         unsigned int width, height, depth;
         Values before, after;
     } cases[] = {
-        {"white stays white", 5, 1, 1, 1, {255}, {255}},
+        // clang-format off
         {"half goes right, truncated; the sum is clamped at 255", 5, 3, 1, 1, {10, 20, 255}, {8, 16, 255}},
         {"one bit is the top bit plus half of the value", 1, 2, 1, 1, {100, 200}, {50, 240}},
         {"a negative error is truncated toward zero", 1, 2, 1, 1, {201, 100}, {228, 43}},
-        {"the sum is clamped at 0", 1, 2, 1, 1, {200, 7}, {228, 0}},
+        {"clamped at 0", 1, 2, 1, 1, {200, 7}, {228, 0}},
         {"in a single column a quarter goes below and the half is lost", 1, 1, 2, 1, {100, 100}, {50, 56}},
         {"all three shares", 1, 2, 2, 1, {100, 100, 100, 100}, {50, 62, 56, 205}},
-        {"each share is clamped before the next is added", 1, 2, 2, 1, {127, 0, 184, 250}, {63, 16, 228, 250}},
         {"slices are apart", 1, 1, 1, 2, {100, 100}, {50, 50}},
-        {"no bits", 0, 2, 1, 1, {100, 200}, {100, 200}},
-        {"8 bits", 8, 2, 1, 1, {101, 203}, {101, 203}},
+        {"each share is clamped before the next is added", 1, 2, 2, 1, {127, 0, 184, 250}, {63, 16, 228, 250}},
+        {"no bits", 0, 2, 1, 1, {100, 200}, {100, 200}}, {"8 bits", 8, 2, 1, 1, {101, 203}, {101, 203}},
+        // clang-format on
     };
     for (const auto& c : cases) {
         Values pixels, expected;
@@ -41,30 +37,28 @@ TEST(Dither, ErrorGoesRightBelowAndLowerRight) {
             pixels.insert(pixels.end(), {c.before[i], 77, 78, 79});
             expected.insert(expected.end(), {c.after[i], 77, 78, 79});
         }
-        Values plain = pixels;
-        const PixelType target('r', 0, 0, 0, c.bits, 0, 0, 0);
-        ditherLevel(pixels.data(), target, c.width, c.height, c.depth);
-        ditherLevelPlain(plain.data(), target, c.width, c.height, c.depth);
-        EXPECT_EQ(pixels, expected) << c.what;
-        EXPECT_EQ(plain, expected) << c.what;
+        for (const auto dither : {ditherLevel, ditherLevelPlain}) {
+            Values dithered = pixels;
+            dither(dithered.data(), PixelType('r', 0, 0, 0, c.bits, 0, 0, 0), c.width, c.height, c.depth);
+            EXPECT_EQ(dithered, expected) << c.what;
+        }
     }
 }
 
 TEST(Dither, RatesFollowTheLettersAndTheTable) {
     const std::map<std::uint64_t, DitherRates> cases = {
-        {PixelType('a', 'b', 'g', 'r', 2, 10, 3, 4).id, {4, 3, 10, 2}},
-        {PixelType('l', 'a', 0, 0, 4, 3, 0, 0).id, {4, 4, 4, 3}},
-        {PixelType('r', 'i', 'x', 0, 5, 2, 3, 0).id, {2, 2, 2, 3}},    // the later position counts
-        {PixelType('l', 'r', 'r', 0, 2, 5, 0, 0).id, {0, 2, 2, 0}},    // also without bits
-        {PixelType('x', 'a', 'q', 'g', 3, 4, 5, 6).id, {0, 6, 0, 4}},  // unknown letters count nowhere
-        {eFmtETC1, {4, 4, 4, 4}},
-        {eFmtUnknown, {0, 0, 0, 0}},
+        // clang-format off
+        {PixelType('a', 'b', 'g', 'r', 2, 10, 3, 4).id, {4, 3, 10, 2}}, {PixelType('l', 'a', 0, 0, 4, 3, 0, 0).id, {4, 4, 4, 3}},
+        // The later position counts, also without bits; unknown letters count nowhere.
+        {PixelType('r', 'i', 'x', 0, 5, 2, 3, 0).id, {2, 2, 2, 3}}, {PixelType('l', 'r', 'r', 0, 2, 5, 0, 0).id, {0, 2, 2, 0}},
+        {PixelType('x', 'a', 'q', 'g', 3, 4, 5, 6).id, {0, 6, 0, 4}}, {eFmtETC1, {4, 4, 4, 4}}, {eFmtUnknown, {0, 0, 0, 0}},
         {0xFFFFFFFFu, {0, 0, 0, 0}},
+        // clang-format on
     };
     for (const auto& [target, rates] : cases)
         EXPECT_EQ(ditherRates(PixelType(target)), rates) << std::hex << target;
 
-    std::vector<std::uint8_t> allRates;
+    Values allRates;
     for (std::uint64_t number = 0; number < eFmtUnknown; ++number) {
         const DitherRates rates = ditherRates(PixelType(number));
         allRates.insert(allRates.end(), rates.begin(), rates.end());

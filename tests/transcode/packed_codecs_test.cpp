@@ -20,12 +20,6 @@ Bytes rgba(const Bytes& rgb) {
     return pixels;
 }
 
-Bytes encodedYUV(const Bytes& pixels, std::uint32_t width, std::uint32_t height, std::uint32_t format) {
-    Bytes groups(std::size_t{width / 2} * height * 4);
-    EXPECT_EQ(encodeYUV(pixels.data(), groups.data(), &width, &height, &format), static_cast<int>(width * height * 2));
-    return groups;
-}
-
 Bytes decodedYUV(const Bytes& groups, std::uint32_t width, std::uint32_t height, std::uint32_t format) {
     Bytes pixels(std::size_t{width} * height * 4);
     EXPECT_EQ(decodeYUV(groups.data(), pixels.data(), &width, &height, &format), static_cast<int>(width * height * 4));
@@ -35,19 +29,20 @@ Bytes decodedYUV(const Bytes& groups, std::uint32_t width, std::uint32_t height,
 }  // namespace
 
 TEST(PackedYUV, TakesEachChromaFromOnePixelOfThePair) {
-    const struct {
-        Bytes even, odd, uyvy;
-    } pairs[] = {
-        {{0, 0, 0}, {0, 0, 0}, {128, 16, 128, 16}},
-        {{255, 255, 255}, {255, 255, 255}, {128, 235, 128, 235}},
-        {{255, 0, 0}, {0, 0, 255}, {90, 82, 110, 41}},   // U of red, V of blue
-        {{0, 0, 255}, {255, 0, 0}, {240, 41, 240, 82}},  // U of blue, V of red
+    const std::pair<Bytes, Bytes> pairs[] = {
+        // clang-format off
+        {{0, 0, 0, 0, 0, 0}, {128, 16, 128, 16}}, {{255, 255, 255, 255, 255, 255}, {128, 235, 128, 235}},
+        {{255, 0, 0, 0, 0, 255}, {90, 82, 110, 41}},   // U of red, V of blue
+        {{0, 0, 255, 255, 0, 0}, {240, 41, 240, 82}},  // U of blue, V of red
+        // clang-format on
     };
-    for (const auto& pair : pairs) {
-        Bytes both = pair.even;
-        both.insert(both.end(), pair.odd.begin(), pair.odd.end());
-        EXPECT_EQ(encodedYUV(rgba(both), 2, 1, eFmtUYVY), pair.uyvy);
-        EXPECT_EQ(encodedYUV(rgba(both), 2, 1, eFmtYUY2), (Bytes{pair.uyvy[1], pair.uyvy[0], pair.uyvy[3], pair.uyvy[2]}));
+    const std::uint32_t two = 2, one = 1, formats[] = {eFmtUYVY, eFmtYUY2};
+    for (const auto& [pixels, uyvy] : pairs) {
+        Bytes groups[] = {Bytes(4), Bytes(4)};
+        for (const int i : {0, 1})
+            EXPECT_EQ(encodeYUV(rgba(pixels).data(), groups[i].data(), &two, &one, &formats[i]), 4);
+        EXPECT_EQ(groups[0], uyvy);
+        EXPECT_EQ(groups[1], (Bytes{uyvy[1], uyvy[0], uyvy[3], uyvy[2]}));
     }
 }
 
@@ -74,12 +69,10 @@ TEST(PackedYUV, OddRowsSpillIntoTheNextAndStayInsideTheLevel) {
 
 TEST(PackedYUV, TellsMoreThanAnOddRowHas) {
     const std::uint32_t three = 3, format = eFmtYUY2;
-    Bytes groups(18, 7), expected;
+    Bytes groups(18, 7);
     EXPECT_EQ(encodeYUV(rgba(Bytes(27, 0)).data(), groups.data(), &three, &three, &format), 18);
-    for (int row = 0; row < 3; ++row)
-        expected.insert(expected.end(), {16, 128, 16, 128});
-    expected.resize(18, 7);
-    EXPECT_EQ(groups, expected) << "the third pixel of a row is dropped";
+    // The third pixel of a row is dropped.
+    EXPECT_EQ(groups, (Bytes{16, 128, 16, 128, 16, 128, 16, 128, 16, 128, 16, 128, 7, 7, 7, 7, 7, 7}));
 }
 
 TEST(OneBit, IsTheMeanOfTheColoursInMemoryOrder) {
@@ -94,9 +87,7 @@ TEST(OneBit, IsTheMeanOfTheColoursInMemoryOrder) {
     const Bytes twelveBits = {0b01100110, 0b1001};
     Bytes decoded(48);
     EXPECT_EQ(decode1bpp(twelveBits.data(), decoded.data(), &width, &height), 48);
-    const Bytes whites = {0, 1, 1, 0, 0, 1, 1, 0, 1, 0, 0, 1};
-    for (std::size_t i = 0; i < whites.size(); ++i) {
-        EXPECT_EQ(decoded[i * 4 + 2], whites[i] * 255) << i;
-        EXPECT_EQ(decoded[i * 4 + 3], 255) << i;
-    }
+    constexpr int W = 255;
+    EXPECT_EQ(decoded,
+              rgba({0, 0, 0, W, W, W, W, W, W, 0, 0, 0, 0, 0, 0, W, W, W, W, W, W, 0, 0, 0, W, W, W, 0, 0, 0, 0, 0, 0, W, W, W}));
 }

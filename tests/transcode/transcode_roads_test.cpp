@@ -2,42 +2,15 @@
 
 #include <algorithm>
 #include <cstring>
-#include <vector>
+#include <utility>
 
-#include "MOKTexLib.h"
-#include "core/TextureInternals.h"
 #include "dxtn/dxtn.h"
-#include "support/test_images.h"
-#include "transcode/dither.h"
 #include "transcode/dither_stage.h"
+#include "transcode_samples.h"
 
-using namespace moktexture;
+using namespace samples;
 
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-
-struct Shape {
-    std::uint32_t width, height, depth = 1, levels = 1, members = 1, faces = 1;
-};
-
-CMOKTexture textureOf(PixelType format, const Shape& shape, EMOKTColourSpace colourSpace = eColourSpaceLinear,
-                      EMOKTVariableType channelType = eVarUByteNorm) {
-    const CMOKTextureHeader header(format.id, shape.height, shape.width, shape.depth, shape.levels, shape.members, shape.faces,
-                                   colourSpace, channelType, true);
-    const bool isLarge = header.getDataSize() > 1u << 20;
-    return CMOKTexture(header, isLarge ? nullptr : testimages::randomBytes(header.getDataSize(), 3).data());
-}
-
-Bytes bytesOf(const CMOKTexture& texture) {
-    const unsigned char* data = TextureInternals::data(texture);
-    return Bytes(data, data + TextureInternals::dataSize(texture));
-}
-
-Bytes levelOf(const CMOKTexture& texture, std::uint32_t level, std::uint32_t member, std::uint32_t face) {
-    const auto* data = static_cast<const std::uint8_t*>(texture.getDataPtr(level, member, face));
-    return Bytes(data, data + texture.getDataSize(static_cast<int>(level), false, false));
-}
 
 bool isInForm(const CMOKTexture& texture, PixelType format, EMOKTVariableType channelType, EMOKTColourSpace colourSpace) {
     return texture.getPixelType() == format && texture.getChannelType() == channelType && texture.getColourSpace() == colourSpace;
@@ -45,12 +18,12 @@ bool isInForm(const CMOKTexture& texture, PixelType format, EMOKTVariableType ch
 
 /// What the encoder makes of one slice of RGBA8, repeated up to 4 by 4 where it is smaller.
 Bytes encodedDXTn(const Bytes& pixels, std::uint32_t width, std::uint32_t height, DXTMode mode) {
-    const std::uint32_t padded[] = {std::max(width, 4u), std::max(height, 4u)};
-    Bytes tiled(std::size_t{padded[0]} * padded[1] * 4);
-    for (std::size_t i = 0; i < tiled.size() / 4; ++i)
-        std::memcpy(&tiled[i * 4], &pixels[(i / padded[0] % height * width + i % padded[0] % width) * 4], 4);
-    Bytes blocks(tiled.size() / (mode == 1 ? 8 : 4));
-    EXPECT_EQ(CompressDXTn(tiled.data(), blocks.data(), &padded[0], &padded[1], &mode), blocks.size());
+    const std::uint32_t paddedWidth = std::max(width, 4u), paddedHeight = std::max(height, 4u);
+    Bytes padded(std::size_t{paddedWidth} * paddedHeight * 4);
+    for (std::size_t i = 0; i < padded.size() / 4; ++i)
+        std::memcpy(&padded[i * 4], &pixels[(i / paddedWidth % height * width + i % paddedWidth % width) * 4], 4);
+    Bytes blocks(padded.size() / (mode == 1 ? 8 : 4));
+    EXPECT_EQ(CompressDXTn(padded.data(), blocks.data(), &paddedWidth, &paddedHeight, &mode), blocks.size());
     return blocks;
 }
 
@@ -61,18 +34,20 @@ constexpr PixelType rgb565('r', 'g', 'b', 0, 5, 6, 5, 0), oneBitGrey('l', 0, 0, 
 TEST(Transcode, ConvertsOnlyWhereTheFormDiffers) {
     // A layout with an error converts to zeros, so what is left of the pixels tells whether they were touched.
     const PixelType twiceRed('r', 'r', 0, 0, 8, 8, 0, 0), fourReds('r', 'r', 'r', 'r', 8, 8, 8, 8);
+    constexpr auto norm = eVarUByteNorm;
+    constexpr auto linear = eColourSpaceLinear;
     const struct {
         PixelType source, target;
         EMOKTVariableType channelType;
         EMOKTColourSpace colourSpace;
         bool dither, touched;
     } cases[] = {
-        {twiceRed, twiceRed, eVarUByteNorm, eColourSpaceLinear, false, false},
-        {twiceRed, twiceRed, eVarUByteNorm, eColourSpaceLinear, true, true},
-        {fourReds, fourReds, eVarUByteNorm, eColourSpaceLinear, true, false},  // 32 bits are never dithered
-        {twiceRed, fourReds, eVarUByteNorm, eColourSpaceLinear, false, true},
-        {twiceRed, twiceRed, eVarUByte, eColourSpaceLinear, false, true},
-        {twiceRed, twiceRed, eVarUByteNorm, eColourSpaceSRGB, false, true},
+        // clang-format off
+        {twiceRed, twiceRed, norm, linear, false, false}, {twiceRed, twiceRed, norm, linear, true, true},
+        {fourReds, fourReds, norm, linear, true, false},  // 32 bits are never dithered
+        {twiceRed, fourReds, norm, linear, false, true}, {twiceRed, twiceRed, eVarUByte, linear, false, true},
+        {twiceRed, twiceRed, norm, eColourSpaceSRGB, false, true},
+        // clang-format on
     };
     for (const auto& c : cases) {
         CMOKTexture texture = textureOf(c.source, {4, 3, 1, 2});
@@ -91,15 +66,14 @@ TEST(Transcode, RefusedTexturesStayUnchanged) {
         PixelType target;
         bool dither = false;
     } cases[] = {
-        {CMOKTexture(), PixelTypeRGBA8},
-        {lacking, PixelTypeRGBA16},
-        {textureOf(eFmtDXT1, {8, 8}), eFmtUnknown},
+        // clang-format off
+        {CMOKTexture(), PixelTypeRGBA8}, {lacking, PixelTypeRGBA16}, {textureOf(eFmtDXT1, {8, 8}), eFmtUnknown},
         {textureOf(eFmtDXT1, {8, 8}), PixelType(0xFFFFFFFFu)},
         // One bit a pixel fits; the bits of RGBA8 do not, wherever it stands on the road.
-        {textureOf(oneBitGrey, {16384, 8192}), PixelTypeRGBA8},
-        {textureOf(oneBitGrey, {16384, 8192}), eFmtDXT1},
+        {textureOf(oneBitGrey, {16384, 8192}), PixelTypeRGBA8}, {textureOf(oneBitGrey, {16384, 8192}), eFmtDXT1},
         {textureOf(oneBitGrey, {16384, 8192}), oneBitGrey, true},
         {textureOf(eFmtBW1bpp, {16384, 8192}), PixelType('l', 0, 0, 0, 8, 0, 0, 0)},
+        // clang-format on
     };
     for (const auto& c : cases) {
         CMOKTexture texture = c.texture;
@@ -117,9 +91,11 @@ TEST(Transcode, CompressedTargetsReportWhatTheirEncodersWrote) {
         std::size_t size;
         DXTMode encodedBy;  // 0: nothing is written
     } cases[] = {
-        {eFmtDXT1, {1, 1}, true, 8, 1},       {eFmtDXT2, {4, 4}, true, 16, 2},  {eFmtDXT3, {2, 8}, true, 32, 3},
-        {eFmtDXT4, {4, 4}, true, 16, 4},      {eFmtDXT1, {6, 4}, false, 16, 0}, {eFmtDXT5, {4, 4, 2}, false, 32, 5},
+        // clang-format off
+        {eFmtDXT1, {1, 1}, true, 8, 1}, {eFmtDXT2, {4, 4}, true, 16, 2}, {eFmtDXT3, {2, 8}, true, 32, 3},
+        {eFmtDXT4, {4, 4}, true, 16, 4}, {eFmtDXT1, {6, 4}, false, 16, 0}, {eFmtDXT5, {4, 4, 2}, false, 32, 5},
         {eFmtEACRG11S, {5, 3}, false, 15, 0}, {eFmtBC7, {4, 4}, true, 0, 0},
+        // clang-format on
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.target.id);
@@ -145,10 +121,9 @@ TEST(Transcode, SmallLevelsAreTiledForTheEncoderAndLostByTheDecoder) {
     CMOKTexture decoded = encoded, again = encoded;
     ASSERT_TRUE(Transcode(decoded, PixelTypeRGBA8, eVarUByteNorm, eColourSpaceLinear));
     ASSERT_TRUE(Transcode(again, eFmtDXT5, eVarUByteNorm, eColourSpaceLinear));
-    unsigned int border[3] = {};
-    decoded.getBorder(border[0], border[1], border[2]);
-    EXPECT_EQ(border[2], 3u);
-    EXPECT_TRUE(decoded.isPreMultiplied());
+    unsigned int x, y, z;
+    decoded.getBorder(x, y, z);
+    EXPECT_TRUE(z == 3 && decoded.isPreMultiplied());
 
     const DXTMode mode = 5;
     for (std::uint32_t image = 0; image < shape.levels * shape.members * shape.faces; ++image) {
@@ -175,33 +150,39 @@ TEST(Transcode, DecodedDataCountsAsLinearWhateverItsTextureDeclares) {
 }
 
 TEST(Transcode, GreyTargetsNameTheSourceOfTheirDither) {
-    for (const PixelType& target : {PixelType('l', 'a', 0, 0, 4, 4, 0, 0), PixelType('l', 'g', 'r', 0, 5, 6, 5, 0)})
-        EXPECT_EQ(greySource(target), eChannelLuminance);
-    for (const PixelType& target :
-         {PixelType('i', 'l', 0, 0, 4, 4, 0, 0), PixelType('l', 'i', 0, 0, 4, 4, 0, 0), PixelType(eFmtBW1bpp)})
-        EXPECT_EQ(greySource(target), eChannelIntensity);
-    for (const PixelType& target : {PixelType(0x505060072676cu), rgb565, PixelType(eFmtDXT1)})
-        EXPECT_EQ(greySource(target), eChannelNone);
+    const std::pair<PixelType, EChannelName> rows[] = {
+        // clang-format off
+        {{'l', 'a', 0, 0, 4, 4, 0, 0}, eChannelLuminance}, {{'l', 'g', 'r', 0, 5, 6, 5, 0}, eChannelLuminance},
+        {{'i', 'l', 0, 0, 4, 4, 0, 0}, eChannelIntensity}, {{'l', 'i', 0, 0, 4, 4, 0, 0}, eChannelIntensity},
+        {eFmtBW1bpp, eChannelIntensity}, {PixelType(0x505060072676cu), eChannelNone}, {rgb565, eChannelNone},
+        {eFmtDXT1, eChannelNone},
+        // clang-format on
+    };
+    for (const auto& [target, source] : rows)
+        EXPECT_EQ(greySource(target), source) << target.id;
 }
 
-TEST(Transcode, DitheringIsATripThroughRGBA8BeforeTheCurve) {
-    EChannelName rgb[] = {eChannelRed, eChannelGreen, eChannelBlue};
-    for (const PixelType target : {rgb565, PixelType('a', 'l', 0, 0, 4, 4, 0, 0), PixelType(eFmtDXT1)}) {
-        SCOPED_TRACE(target.id);
-        CMOKTexture dithered = textureOf(PixelTypeRGBA16, {8, 8, 1, 2, 2, 6}, eColourSpaceSRGB, eVarUShortNorm);
-        CMOKTexture expected = dithered, plain = dithered;
-        ASSERT_TRUE(Transcode(expected, PixelTypeRGBA8, eVarUByteNorm, eColourSpaceSRGB));
-        const EChannelName source = greySource(target);
-        EChannelName grey[] = {source, source, source};
-        if (source != eChannelNone) CopyChannels(expected, expected, 3, rgb, grey);
-        for (std::uint32_t image = 0; image < 2 * 2 * 6; ++image) {
-            const std::uint32_t level = image % 2;
-            auto* pixels = static_cast<unsigned char*>(expected.getDataPtr(level, image / 2 % 2, image / 4));
-            ditherLevelPlain(pixels, target, expected.getWidth(level), expected.getHeight(level), 1);
-        }
-        for (CMOKTexture* texture : {&expected, &plain, &dithered})
-            Transcode(*texture, target, eVarUByteNorm, eColourSpaceLinear, eCompressorQuality0, texture == &dithered);
-        EXPECT_EQ(bytesOf(dithered), bytesOf(expected));
-        EXPECT_NE(bytesOf(dithered), bytesOf(plain));
+TEST(Transcode, DithersEveryImageBeforeTheCurve) {
+    // Four pixels by two in 16 bits, 103, 63, 198 and 144 of 255.
+    const std::uint16_t pixel[] = {0x6790, 0x3F40, 0xC720, 0x9090};
+    CMOKTexture source = textureOf(PixelTypeRGBA16, {4, 2, 1, 1, 2, 6}, eColourSpaceSRGB, eVarUShortNorm);
+    for (std::uint32_t i = 0; i < source.getDataSize(); i += 8)
+        std::memcpy(TextureInternals::data(source) + i, pixel, 8);
+    const struct {
+        PixelType target;
+        Bytes image;
+    } rows[] = {
+        // clang-format off
+        {rgb565, {0x71, 0x20, 0x71, 0x28, 0x71, 0x20, 0x71, 0x28, 0x71, 0x28, 0x71, 0x20, 0x71, 0x28, 0x71, 0x20}},
+        {{'a', 'l', 0, 0, 4, 4, 0, 0}, {0x91, 0x81, 0x91, 0x81, 0x81, 0x91, 0x81, 0x91}}, {eFmtBW1bpp, {0xAA, 0x55}},
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        CMOKTexture texture = source;
+        ASSERT_TRUE(Transcode(texture, row.target, eVarUByteNorm, eColourSpaceLinear, eCompressorQuality0, true));
+        Bytes expected;
+        for (int image = 0; image < 12; ++image)
+            expected.insert(expected.end(), row.image.begin(), row.image.end());
+        EXPECT_EQ(bytesOf(texture), expected) << row.target.id;
     }
 }
