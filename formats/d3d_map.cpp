@@ -9,7 +9,7 @@ namespace {
 using enum MapDirection;
 
 // Columns: Direct3D's number; the texture's format and channel type; the way the row is read; whether the setter marks the
-// texture as premultiplied. The third section and the last rows of the second stand apart because only one direction knows them.
+// texture as premultiplied. The second section is for the getter alone; the third holds what the two directions see differently.
 // clang-format off
 constexpr D3DRow rows[] = {
     {D3DFMT_R8G8B8,        layout("rgb", 8, 8, 8),         eVarUIntNorm,  getAndSet},
@@ -79,7 +79,8 @@ constexpr D3DRow rows[] = {
     {d3dMOKTC4bpp,        eFmtMOKTC4bppRGBA,              eVarUByteNorm, getOnly},
     // Kept: four bits of x are read as alpha; loaded DDS files have the layout with alpha, and 26 as their number.
     {D3DFMT_X4R4G4B4,     layout("argb", 4, 4, 4, 4),     eVarUIntNorm,  setOnly},
-    // Kept: these are read and never given; DDS files of them load and cannot be saved again.
+    // Kept: these numbers are read and never given; DDS files of the first three load and cannot be saved again, while in DDS
+    // files the other two stay unknown.
     {D3DFMT_A8B8G8R8,     layout("abgr", 8, 8, 8, 8),     eVarUIntNorm,  setOnly},
     {D3DFMT_X8B8G8R8,     layout("xbgr", 8, 8, 8, 8),     eVarUIntNorm,  setOnly},
     {D3DFMT_Q16W16V16U16, layout("abgr", 16, 16, 16, 16), eVarSIntNorm,  setOnly},

@@ -128,7 +128,7 @@ ELoadStatus readDDSFile(ByteReader& source, const LoadLimits* limits, CMOKTextur
     TextureInternals::allocate(texture);
     bool isWhole = true;
     forEachPiece(texture, [&](void* piece, std::uint32_t size) {
-        // A piece of 0 bytes counts as missing.
+        // Kept: a piece of 0 bytes counts as missing: loading refuses a file whose format is unknown.
         isWhole = size != 0 && source.readAll(piece, size) && isWhole;
     });
     return isWhole ? eLoadOk : endedEarly(source);

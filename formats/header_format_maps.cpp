@@ -1,4 +1,6 @@
 // The members of CMOKTextureHeader that translate its format to and from the numbers of graphics APIs.
+#include <span>
+
 #include "CMOKTextureHeader.h"
 #include "core/data_size.h"
 #include "formats/api_constants.h"
@@ -32,7 +34,7 @@ unsigned int baseFormat(unsigned int internalFormat, unsigned int format, unsign
 bool setFromOpenGL(CMOKTextureHeader& header, std::span<const OpenGLRow> rows, unsigned int internalFormat, unsigned int format,
                    unsigned int type) {
     if (format == 0) {
-        // Kept: an unknown compressed format changes channel type and colour space and succeeds; such KTX files load so far.
+        // Kept: an unknown compressed format changes channel type and colour space and succeeds; such KTX files load.
         const OpenGLRow* row = findOpenGLCompressed(rows, internalFormat);
         setFormat(header, row != nullptr ? row->pixelFormat : header.getPixelType(), eVarUIntNorm, eColourSpaceLinear);
         return true;

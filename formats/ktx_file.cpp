@@ -99,12 +99,14 @@ ELoadStatus judgePairs(ByteReader& source, std::uint64_t end, const LoadLimits& 
     return eLoadOk;
 }
 
-/// Reads the key-value area, which starts behind the head, and moves to its end, where the pixels start.
+/// Reads the key-value area, which starts behind the head, and moves to its end, where the pixels start. Of an area that ends
+/// beyond the source the constructors take the pairs that are there.
 ELoadStatus readKeyValueData(ByteReader& source, std::uint32_t size, const LoadLimits* limits, CMOKTextureHeader& header) {
     const std::uint64_t end = sizeof(KTXHead) + std::uint64_t{size};
-    if (limits != nullptr && size > limits->maxMetaDataSize) return eLoadTooLarge;
-    if (size > source.remaining()) return eLoadTruncated;
+    const bool isPresent = size <= source.remaining();
     if (limits != nullptr) {
+        if (size > limits->maxMetaDataSize) return eLoadTooLarge;
+        if (!isPresent) return eLoadTruncated;
         const ELoadStatus status = judgePairs(source, end, *limits);
         if (status != eLoadOk) return status;
         source.seek(sizeof(KTXHead));
@@ -112,6 +114,7 @@ ELoadStatus readKeyValueData(ByteReader& source, std::uint32_t size, const LoadL
     bool isWhole = true;
     while (isWhole && source.position() < end)
         isWhole = readPair(source, header);
+    if (!isPresent) return endedEarly(source);
     source.seek(end);
     if (source.failed()) return eLoadUnreadable;
     // A sound area may read as an odd one, by the padding above.

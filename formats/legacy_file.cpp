@@ -120,7 +120,7 @@ bool writeLegacyFile(const CMOKTexture& texture, ELegacyApi api, ByteWriter& tar
     const bool recordWritten = target.write(&record, sizeof(record));
     const unsigned char* const pixels = TextureInternals::data(texture);
     const std::size_t size = static_cast<std::size_t>(TextureInternals::dataSize(texture));
-    // A buffer of 0 bytes counts as not written, as in native files.
+    // Kept: a buffer of 0 bytes counts as not written, as in native files: callers see that nothing was saved.
     return pixels != nullptr && size != 0 && target.write(pixels, size) && recordWritten;
 }
 

@@ -26,8 +26,10 @@ struct TextureInternals;
 /// | above 255 MIP levels, sizes above 32 bits, above 65536 metadata blocks | default; of KTX and DDS as read | null |
 /// | a DDS file tells a pitch or a refused layout; a KTX file ends before its pixels | as read | null |
 /// | the metadata breaks off, or a block in a file is empty | as in the file, with the blocks before | null |
-/// | the file ends within the header record or the pixels | as far as it is there, then defaults | not null; zeroes at the end |
-/// | a KTX or DDS file has an unknown format, or a count of 0 | as read | not null; 0 bytes |
+/// | a native file ends within the header record | as far as it is there, then defaults | not null; zeroes |
+/// | a legacy, KTX or DDS file ends within its head | default | null |
+/// | the file ends within the pixels | as read | not null; zeroes at the end |
+/// | a legacy, KTX or DDS file has an unknown format, or a count of 0 | as read | not null; 0 bytes |
 ///
 /// Raises `std::bad_alloc`, and no other exception. Moves allocate as well and are not `noexcept`, so that a growing
 /// `std::vector` copies its textures: reserve room, or hold pointers.
@@ -89,8 +91,8 @@ public:
     ///
     /// MOKTC formats can be saved as DDS, but do not read back.
     /// @return false if the file could not be opened or written, which goes unnoticed for "h"; if the layout cannot hold the
-    ///         format, which leaves an empty file; and for "mok" and "ktx" if the texture or a metadata block is empty: an empty
-    ///         piece counts as not written, though the file is complete
+    ///         format, which leaves an empty file; and, as an empty piece counts as not written though the file is complete, for
+    ///         "mok" if the texture or a metadata block is empty, and for "ktx" if the texture is empty
     bool saveFile(const CMOKTString& filePath) const;
     /// Saves in the legacy native layout to exactly that path.
     /// @param api  the part of the legacy numbering that is to name the pixel format

@@ -30,6 +30,9 @@ MOKTEX_API const char* describe(ELoadStatus status);
 /// What a load may take. A texture above any of these is refused with eLoadTooLarge. So is, whatever the limits, one with more
 /// than 255 MIP levels, one whose pixel data reaches 2^32 bytes, and one of which a single face over all its levels reaches 2^32
 /// bits (512 MiB).
+///
+/// The limits of metadata are those of the metadata that the file itself holds, not of the blocks that are made of it. A legacy
+/// file holds the pixels of its first array member only: those of the others are zeroed memory, which the limits alone bound.
 struct LoadLimits {
     std::uint32_t maxEdge = 65536;                              ///< width, height and depth, in pixels
     std::uint32_t maxLevels = 17;                               ///< MIP levels
@@ -40,7 +43,8 @@ struct LoadLimits {
 };
 
 /// Loads a texture from `size` bytes of a file's image, which is not kept. Its first bytes tell its layout: native, legacy, KTX
-/// or DDS. KTX and DDS files with a count of 0, which the constructors take for textures without pixels, are eLoadUnsupported.
+/// or DDS. A count of 0, with which the constructors leave a texture without pixels, is eLoadUnsupported in KTX, DDS and legacy
+/// files and eLoadCorrupt in native ones.
 /// @param texture  replaced on eLoadOk, else untouched
 /// Raises `std::bad_alloc`, with the texture untouched.
 MOKTEX_API ELoadStatus LoadTexture(CMOKTexture& texture, const void* image, std::size_t size, const LoadLimits& limits = {});

@@ -8,14 +8,9 @@ using namespace foreignimage;
 namespace {
 
 const std::string banner =
-    "/********************************************************** \n"
-    " * MOKTexLib v 4.4 \n"
-    " **********************************************************/\n"
-    "\n"
-    "#ifndef A8BIT \n"
-    " #define A8BIT static const unsigned char\n"
-    "#endif\n"
-    "\n";
+    "/********************************************************** \n * MOKTexLib v 4.4 \n"
+    " **********************************************************/\n\n"
+    "#ifndef A8BIT \n #define A8BIT static const unsigned char\n#endif\n\n";
 
 /// A texture of one row of single bytes.
 CMOKTexture row(std::uint32_t width) {
@@ -30,25 +25,18 @@ std::string record(const std::string& width, const std::string& metaDataSize) {
            width + "0x00,0x00,0x00,\n" + one + one + one + one + metaDataSize + "0x00,0x00,0x00,\n";
 }
 
-std::string repeated(const std::string& text, int count) {
-    std::string result;
-    for (int i = 0; i < count; ++i)
-        result += text;
-    return result;
-}
-
-std::string textOf(const CMOKTexture& texture, const std::string& path = "a.h", const std::string& name = "a.h") {
+std::string textOf(const CMOKTexture& texture) {
     const TemporaryFolder folder;
-    EXPECT_TRUE(texture.saveFile(folder.path(path).c_str()));
-    const Bytes bytes = folder.read(name);
+    EXPECT_TRUE(texture.saveFile(folder.path("a.h").c_str()));
+    const Bytes bytes = folder.read("a.h");
     return std::string(bytes.begin(), bytes.end());
 }
 
 TEST(CSourceFile, IsWrittenByteForByte) {
     const std::string start = banner + "A8BIT a[] = {\n", data = "\n/* Data */\n", end = "};\n";
-    EXPECT_EQ(textOf(row(2)), start + record("0x02,", "0x00,") + data + "0xab,0xab," + end);
-    EXPECT_EQ(textOf(row(32)), start + record("0x20,", "0x00,") + data + repeated("0xab,", 32) + "\n" + end);
-    EXPECT_EQ(textOf(row(33)), start + record("0x21,", "0x00,") + data + repeated("0xab,", 32) + "\n0xab," + end);
+    const std::string eight = "0xab,0xab,0xab,0xab,0xab,0xab,0xab,0xab,", line = eight + eight + eight + eight + "\n";
+    EXPECT_EQ(textOf(row(32)), start + record("0x20,", "0x00,") + data + line + end);
+    EXPECT_EQ(textOf(row(33)), start + record("0x21,", "0x00,") + data + line + "0xab," + end);
 
     CMOKTexture texture = row(2);
     MetaDataBlock block;

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <string>
 
 #include "../core/native_image.h"
 #include "support/temporary_folder.h"
@@ -86,40 +87,6 @@ inline void tryHeads(const Bytes& image, const std::string& name, std::initializ
             EXPECT_EQ(TextureInternals::dataSize(texture), static_cast<std::uint64_t>(item.size));
         }
         EXPECT_EQ(contentsOf(texture) == contentsOf(CMOKTexture()), item.isDefault);
-    }
-}
-
-/// Cuts an image everywhere, and changes random words and bytes of it: nothing may crash, hang or read outside.
-/// Whatever both doors load must be the same, and every buffer as large as its header says.
-inline void batter(const Bytes& image, const std::string& extension, std::size_t headSize) {
-    const TemporaryFolder folder;
-    constexpr std::uint32_t extremes[] = {0, 1, 2, 3, 6, 16, 255, 256, 65536, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF};
-    testimages::Random dice(headSize);
-    const std::size_t runs = image.size() + 400;
-    for (std::size_t run = 0; run < runs; ++run) {
-        SCOPED_TRACE(run);
-        Bytes changed(image.begin(), image.begin() + static_cast<std::ptrdiff_t>(std::min(run, image.size())));
-        if (run >= image.size()) {
-            for (std::uint32_t changes = dice.below(3) + 1; changes > 0; --changes) {
-                if (dice.below(2) == 0)
-                    setWord(changed, 4 * dice.below(static_cast<std::uint32_t>(headSize / 4)), extremes[dice.below(13)]);
-                else
-                    changed[dice.below(static_cast<std::uint32_t>(headSize))] ^= static_cast<unsigned char>(1u << dice.below(8));
-            }
-        }
-        const CMOKTexture fromFile(folder.write("changed." + extension, changed).c_str());
-        EXPECT_EQ(TextureInternals::dataSize(fromFile), fromFile.getDataSize());
-        CMOKTexture loaded, loadedFile;
-        const LoadLimits limits = {.maxLevels = 255, .maxTotalSize = 1u << 24};
-        const ELoadStatus status = load(changed, loaded, limits);
-        const ELoadStatus fileStatus = LoadTextureFile(loadedFile, folder.path("changed." + extension).c_str(), limits);
-        if (run < image.size()) {
-            EXPECT_EQ(status, run == 0 ? eLoadUnknown : eLoadTruncated);
-        }
-        EXPECT_EQ(contentsOf(loaded) == contentsOf(CMOKTexture()), status != eLoadOk);
-        if (status != eLoadOk || fileStatus != eLoadOk) continue;
-        EXPECT_EQ(contentsOf(loaded), contentsOf(loadedFile));
-        EXPECT_EQ(contentsOf(loaded), contentsOf(fromFile));
     }
 }
 

@@ -55,8 +55,7 @@ TEST(KTXFile, IsWrittenByteForByteAndComesBack) {
         EXPECT_EQ(contentsOf(back), contentsOf(CMOKTexture(header, texture.getDataPtr())));
     }
     CMOKTexture plain = random(PixelTypeRGBA8, eVarUByteNorm, 1, 1, 1);
-    const std::string text(reinterpret_cast<const char*>(save(plain, "ktx").data()) + 64 + 4 + 15);
-    EXPECT_EQ(text, "S=rT=dR=i");
+    EXPECT_STREQ(reinterpret_cast<const char*>(save(plain, "ktx").data()) + 64 + 4 + 15, "S=rT=dR=i");
     EXPECT_TRUE(save(random(eFmtETC1, eVarUByteNorm, 1, 1, 1), "ktx").empty());
     const TemporaryFolder folder;
     plain.setNumMIPLevels(0);
@@ -73,22 +72,17 @@ TEST(KTXFile, TheFirstLetterOfAnOrientationIsSeen) {
     } cases[] = {
         {{}, 2, eLoadOk},
         {pair(orientation("d"), 0), 0, eLoadOk},
-        {pair(orientation("i"), 0), 0, eLoadOk},
         {pair(orientation("l"), 0), 1, eLoadOk},
-        {pair(orientation("u"), 0), 2, eLoadOk},
         {pair(orientation("S=l,T=d"), 2), 2, eLoadOk},
         {pair(orientation(""), 1), 2, eLoadOk},                               // too short for a value
-        {pair(orientation("d"), 0) + pair(orientation("l"), 0), 1, eLoadOk},  // the later one replaces
-        {pair(other, 0) + pair(orientation("l"), 0), 1, eLoadOk},
+        {pair(orientation("i"), 0) + pair(orientation("l"), 0), 1, eLoadOk},  // the later one replaces
         // Behind an odd size the reader skips 4 bytes or none; what the pairs then say counts.
         {pair(other + "x", 4) + pair(orientation("l"), 0), 1, eLoadCorrupt},
         {pair(other + "x", 3) + pair(orientation("l"), 0), 2, eLoadOk},
         {pair(other + "xxxxxx", 0) + pair(orientation("l"), 0), 1, eLoadCorrupt},
         {pair(other + "xxxxxx", 2) + pair(orientation("l"), 0), 2, eLoadOk},
-        {pair(orientation("l"), 0, 1), 1, eLoadCorrupt},           // ends beyond its area
         {pair(orientation("l"), 0, 0xFFFFFFEF), 1, eLoadCorrupt},  // ends beyond the file
         {words({0}) + pair(orientation("l"), 0), 2, eLoadCorrupt},
-        {words({0xFFFFFFFF}) + pair(orientation("l"), 0), 2, eLoadCorrupt},
     };
     const TemporaryFolder folder;
     for (const auto& item : cases) {
@@ -100,17 +94,17 @@ TEST(KTXFile, TheFirstLetterOfAnOrientationIsSeen) {
         EXPECT_EQ(fromFile.getMetaDataSize(), 15u);
         CMOKTexture loaded;
         EXPECT_EQ(load(image, loaded), item.status);
-        if (item.status == eLoadOk) {
-            EXPECT_EQ(contentsOf(loaded), contentsOf(fromFile));
-        }
+        EXPECT_EQ(contentsOf(loaded), contentsOf(item.status == eLoadOk ? fromFile : CMOKTexture()));
     }
-    // An area that the file does not have.
-    const CMOKTexture beyond(folder.write("a.KTX", headWith(0xFFFFFFF0) + pixels).c_str());
-    EXPECT_EQ(beyond.getDataPtr(), nullptr);
-    EXPECT_EQ(TextureInternals::dataSize(beyond), pixels.size());
+    // Of an area that ends beyond the file the pairs that are there are taken.
     CMOKTexture texture;
-    EXPECT_EQ(load(headWith(0xF0) + pixels, texture), eLoadTruncated);
-    EXPECT_EQ(load(headWith(0xFFFFFFF0) + pixels, texture), eLoadTooLarge);
+    for (const auto& [size, status] : {std::pair{0xF0u, eLoadTruncated}, {0xFFFFFFF0u, eLoadTooLarge}}) {
+        const Bytes image = headWith(size) + pair(orientation("l"), 0) + pixels;
+        const CMOKTexture beyond(folder.write("a.KTX", image).c_str());
+        EXPECT_EQ(beyond.getDataPtr(), nullptr);
+        EXPECT_EQ(beyond.getOrientation(eAxisX), eOrientLeft);
+        EXPECT_EQ(load(image, texture), status);
+    }
     EXPECT_EQ(load(headWith(16) + pair(std::string(12, 'x'), 0) + pixels, texture, {.maxMetaDataBlocks = 0}), eLoadTooLarge);
 }
 
@@ -119,10 +113,10 @@ TEST(KTXFile, OddHeadsAreTakenByTheConstructorAndRefusedByLoading) {
     // clang-format off
     tryHeads(headWith(0) + pixels, "head.ktx", {
         {8, 0x0A1A0A0C, eLoadUnknown, -1, true}, {12, 0x01020304, eLoadUnsupported, -1, true},
-        {16, 0x1403, eLoadUnsupported, 0}, {20, 77, eLoadOk, 28}, {24, 0, eLoadUnsupported, 0}, {24, 1, eLoadOk, 28},
+        {16, 0x1403, eLoadUnsupported, 0}, {20, 77, eLoadOk, 28}, {24, 0, eLoadUnsupported, 0},
         {28, 0, eLoadOk, 28}, {32, glRGBA8, eLoadUnsupported, 0}, {36, 65537, eLoadTooLarge, 4 * (65537 * 2 + 32768)},
-        {36, 0xFFFFFFFF, eLoadTooLarge, -1}, {44, 1, eLoadOk, 28}, {44, 2, eLoadTruncated, 52}, {48, 0, eLoadUnsupported, 0},
-        {52, 0, eLoadUnsupported, 0}, {56, 0, eLoadUnsupported, 0}, {56, 256, eLoadTooLarge, -1}, {60, 0, eLoadOk, 28}});
+        {36, 0xFFFFFFFF, eLoadTooLarge, -1}, {44, 2, eLoadTruncated, 52}, {48, 0, eLoadUnsupported, 0},
+        {52, 0, eLoadUnsupported, 0}, {56, 0, eLoadUnsupported, 0}, {56, 256, eLoadTooLarge, -1}});
     // clang-format on
     const TemporaryFolder folder;
     // Of a file that ends within its pixels the constructor has what is there.
@@ -131,10 +125,6 @@ TEST(KTXFile, OddHeadsAreTakenByTheConstructorAndRefusedByLoading) {
     Bytes present(pixels.begin(), pixels.end() - 5);
     present.resize(pixels.size());
     EXPECT_EQ(pixelsOf(CMOKTexture(folder.write("cut.ktx", cut).c_str())), present);
-}
-
-TEST(KTXFile, BatteredFilesDoNoHarm) {
-    batter(headWith(28) + pair(orientation("l"), 0) + pair("key!", 0) + pixels, "ktx", 92);
 }
 
 }  // namespace
