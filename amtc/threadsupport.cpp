@@ -1,0 +1,31 @@
+#include "amtc/threadsupport.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <system_error>
+
+namespace moktexture::amtc {
+
+void failToCreateThread() {
+    // Kept: file and line are those that logs of this message have always named.
+    std::fprintf(stderr, "%s at \"%s\":%d\n", "Create thread", "threadsupport.cpp", 85);
+    std::abort();
+}
+
+std::thread StartThread(ThreadRoutine routine, void* context) {
+    try {
+        return std::thread(routine, context);
+    } catch (const std::system_error&) {
+        failToCreateThread();
+    } catch (const std::bad_alloc&) {
+        failToCreateThread();
+    }
+}
+
+void WaitForThreads(std::thread* handles, std::uint32_t count) {
+    for (std::uint32_t i = 0; i < count; ++i)
+        handles[i].join();
+}
+
+}  // namespace moktexture::amtc
