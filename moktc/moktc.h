@@ -14,11 +14,12 @@ std::uint32_t DecompressMOKTC(const void* blocks, void* pixels, const std::uint3
 
 /// Encodes one surface of `*width * *height` RGBA8 pixels (red in the lowest byte) and returns its bytes,
 /// `width * height * bits per pixel / 8`. `secondGeneration` is 0 for the formats in twiddled order and 1 for those in linear
-/// order, whose sizes need not be whole blocks. Quality 0 of the first generation is the fast compressor; translucency comes from
-/// the pixels, whatever `hasAlpha` says. `destination` takes 8 bytes for every block of the size rounded up to whole blocks,
-/// which in the second generation can be more than is told. With a null `pixels` or `destination` nothing is encoded. 0 if it
-/// refuses: a side above 4096, in the first generation a size that is not whole blocks, and a quality or generation that no
-/// encoder serves.
+/// order, whose sizes need not be whole blocks. Quality 0 of the first generation is the fast compressor, 1 to 5 are the efforts
+/// of the slow one; in the second these are 0 to 4. A higher quality is the highest effort. Translucency comes from the pixels,
+/// whatever `hasAlpha` says. `destination` takes 8 bytes for every block of the size rounded up to whole blocks, which in the
+/// second generation can be more than is told. With a null `pixels` or `destination` nothing is encoded. 0 if it refuses: a side
+/// above 4096, in the first generation a size that is not whole blocks, another generation, and if memory is short for the slow
+/// encoder's own work; other allocations throw std::bad_alloc.
 std::uint32_t CompressMOKTC(const void* pixels, void* destination, const std::uint32_t* width, const std::uint32_t* height,
                             bool hasAlpha, bool is2bpp, std::uint32_t secondGeneration, std::uint32_t quality);
 

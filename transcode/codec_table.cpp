@@ -67,7 +67,8 @@ constexpr LevelEncoder noEncoder = nullptr;
 
 // Row: the format of that number. Columns: format, decoder, encoder, arguments of both, whether the decoder deals with levels
 // below the format's block by itself. The last row serves every number that is no format.
-// The encoder of the second generation is told of no alpha, unlike that of the first.
+// Kept: the encoder of the second generation is told of no alpha, unlike that of the first. The flag is passed as it is and
+// plays no part in what is written: files of both generations hold the alpha of their pixels.
 // clang-format off
 constexpr std::array<LevelCodec, eFmtUnknown + 1> codecs = {{
     {eFmtMOKTC2bppRGB,  decodeMOKTC,     encodeMOKTC,     {0, true,  false}, true },

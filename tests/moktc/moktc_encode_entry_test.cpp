@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "amtc/amtc_localised.h"
 #include "moktc/block_padding.h"
 #include "moktc/moktc.h"
 #include "support/test_images.h"
@@ -37,8 +38,32 @@ TEST(MOKTCEncodeEntry, WritesNothingWhereItEncodesNothing) {
     EXPECT_EQ(CompressMOKTC(nullptr, blocks.data(), &width, &height, true, false, 0, 0), 64u);
     EXPECT_EQ(CompressMOKTC(pixels.data(), blocks.data(), &odd, &height, true, true, 0, 0), 0u);
     EXPECT_EQ(CompressMOKTC(pixels.data(), blocks.data(), &none, &height, true, true, 0, 0), 0u);
+    EXPECT_EQ(CompressMOKTC(pixels.data(), blocks.data(), &none, &height, true, true, 1, 3), 0u);
+    EXPECT_EQ(CompressMOKTC(pixels.data(), blocks.data(), &width, &height, true, true, 2, 3), 0u);
     EXPECT_EQ(blocks, untouched);
     EXPECT_EQ(CompressMOKTC(pixels.data(), nullptr, &width, &height, true, false, 0, 0), 64u);
+}
+
+TEST(MOKTCEncodeEntry, HandsAllButTheLowestFirstQualityToTheSlowEncoder) {
+    const struct {
+        std::uint32_t width, height, secondGeneration, quality;
+        std::uint8_t effort;
+    } cases[] = {{16, 8, 0, 1, 0}, {16, 8, 0, 3, 2}, {8, 8, 0, 5, 4}, {8, 8, 0, 257, 4}, {16, 8, 1, 0, 0},
+                 {8, 8, 1, 4, 4},  {8, 8, 1, 5, 4},  {9, 6, 1, 2, 2}, {1, 1, 1, 0, 0}};
+    for (const auto& [width, height, secondGeneration, quality, effort] : cases)
+        for (const bool is2bpp : {true, false}) {
+            const auto pixels = testimages::make(Kind::softAlpha, width, height);
+            const std::uint32_t step = is2bpp ? 8 : 4, bits = is2bpp ? 2 : 4, size = width * height * bits / 8;
+            const std::uint32_t paddedWidth = (width + step - 1) / step * step, paddedHeight = (height + 3) / 4 * 4;
+            const auto padded = moktc::padByRepeating(pixels.data(), width, height, paddedWidth, paddedHeight);
+            std::vector<std::uint8_t> blocks(paddedWidth * paddedHeight * bits / 8, 0xCD), expected(blocks.size());
+            amtc::CompressImageLevels(padded.data(), 1, static_cast<std::int32_t>(paddedWidth),
+                                      static_cast<std::int32_t>(paddedHeight), 0, expected.data(), effort, 0, 1, 0, 4, bits,
+                                      secondGeneration, 0, secondGeneration, 0, nullptr);
+            EXPECT_EQ(CompressMOKTC(pixels.data(), blocks.data(), &width, &height, true, is2bpp, secondGeneration, quality),
+                      size);
+            EXPECT_EQ(blocks, expected) << width << " x " << height << " at " << quality;
+        }
 }
 
 TEST(MOKTCBlockPadding, RepeatsTheLastColumnsAndRows) {
