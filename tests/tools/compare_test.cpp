@@ -4,14 +4,11 @@ TEST_F(ToolTest, CompareGivesNumbersWorkedByHand) {
     writePNG("a.png", 2, 1, {10, 20, 30, 255, 0, 0, 0, 255});
     writePNG("b.png", 2, 1, {13, 20, 30, 255, 0, 4, 0, 255});
     const nlohmann::json comparison = compare("a.png", "b.png");
-    const struct {
-        const char* channel;
-        double error, psnr, largest;
-    } expected[] = {{"r", 4.5, 41.5987, 3},
-                    {"g", 8, 39.0998, 4},
-                    {"rgb", 12.5 / 3, 41.9329, 4},
-                    {"rgba", 3.125, 43.1823, 4},
-                    {"weighted", 0.299 * 4.5 + 0.587 * 8, 40.3193, 4}};
+    // clang-format off
+    const struct { const char* channel; double error, psnr, largest; } expected[] = {
+        {"r", 4.5, 41.5987, 3}, {"g", 8, 39.0998, 4}, {"rgb", 12.5 / 3, 41.9329, 4}, {"rgba", 3.125, 43.1823, 4},
+        {"weighted", 0.299 * 4.5 + 0.587 * 8, 40.3193, 4}};
+    // clang-format on
     const nlohmann::json& channels = comparison["levels"][0]["channels"];
     for (const auto& [channel, error, psnr, largest] : expected) {
         EXPECT_DOUBLE_EQ(channels[channel]["mse"], error) << channel;
@@ -40,11 +37,9 @@ TEST_F(ToolTest, CompareLooksAtWideFormsInFullWidth) {
     writePNG("a.png", 4, 4);
     expectSuccess("convert @a.png @wide.mok -f rgba16161616");
     expectSuccess("convert @a.png @float.mok -f rgba32323232");
-    expectSuccess("convert @a.png @block.mok -f dxt5");
     EXPECT_EQ(compare("wide.mok", "wide.mok")["peak"], 65535);
     EXPECT_EQ(compare("wide.mok", "float.mok")["peak"], 1);
     EXPECT_EQ(compare("wide.mok", "a.png")["peak"], 255);
-    EXPECT_EQ(compare("float.mok", "block.mok")["peak"], 255);
 }
 
 TEST_F(ToolTest, InfoTellsAllThatAHeaderHolds) {
@@ -70,14 +65,4 @@ TEST_F(ToolTest, InfoTellsAllThatAHeaderHolds) {
     EXPECT_EQ(text.find('\xFF'), std::string::npos);
     EXPECT_EQ(run("convert @a.mok @b.mok --colour-space srgb").status, ExitStatus::notSupported);
     expectSuccess("convert @a.mok @c.png --member 2 --face 5 --level 1");
-}
-
-TEST_F(ToolTest, FormatsAreListedOnce) {
-    const nlohmann::json formats = nlohmann::json::parse(expectSuccess("formats --json").out);
-    std::set<std::string> names;
-    for (const nlohmann::json& format : formats)
-        names.insert(format["name"]);
-    EXPECT_EQ(names.size(), formats.size());
-    EXPECT_EQ(names.count("dxt5") + names.count("rgb565") + names.count("etc1"), 3u);
-    EXPECT_NE(expectSuccess("formats").out.find("rgba16161616:float"), std::string::npos);
 }

@@ -1,26 +1,17 @@
-#include <map>
 #include <utility>
 
 #include "tool_fixture.h"
 
 TEST_F(ToolTest, TexturesComeBackFromFilesOfOtherMakersByNameAndByContent) {
     writePNG("a.png", 16, 8, testimages::Kind::noise);
-    const struct {
-        const char* format;
-        const char* container;
-        const char* formatRead;
-    } cases[] = {
-        {"rgba8888", "ktx", "rgba8888"},
-        {"bgra8888", "KTX", "bgra8888"},
-        {"rgb565", "ktx", "rgb565"},
+    // clang-format off
+    const struct { const char *format, *container, *formatRead; } cases[] = {
+        {"rgba8888", "ktx", "rgba8888"}, {"bgra8888", "KTX", "bgra8888"},
         {"rgba16161616:float --mipmaps", "ktx", "rgba16161616:float"},
-        {"moktc-4bpp-rgba", "ktx", "moktc-4bpp-rgba"},
+        {"moktc-4bpp-rgba -q 0", "ktx", "moktc-4bpp-rgba"},
         {"argb8888:uintnorm --mipmaps", "dds", "argb8888:uintnorm"},
-        {"rgb565", "DDS", "rgb565:uintnorm"},
-        {"dxt1 --mipmaps", "dds", "dxt1"},
-        {"dxt5", "dds", "dxt5"},
-        {"uyvy", "dds", "uyvy"},
-    };
+        {"rgb565", "DDS", "rgb565:uintnorm"}, {"dxt1 --mipmaps", "dds", "dxt1"}, {"uyvy", "dds", "uyvy"}};
+    // clang-format on
     for (const auto& [format, container, formatRead] : cases) {
         const std::string file = std::string("a.") + container, options = std::string(" -y -f ") + format;
         expectSuccess("convert @a.png @plain.mok" + options);
@@ -48,16 +39,10 @@ TEST_F(ToolTest, FormatsThatAContainerCannotHoldAreRefusedWithThoseThatCan) {
          "new.mok: --legacy gl-a files cannot hold dxt1, srgb; use --legacy d3d-a or d3d-b, or"},
         {"@new.mok -f bw1 --legacy d3d-b", "new.mok: --legacy d3d-b files cannot hold bw1, srgb; "},
     };
-    for (const auto& [arguments, line] : cases) {
-        const ToolRun result = run(std::string("convert @a.png ") + arguments);
-        EXPECT_EQ(result.status, ExitStatus::notSupported) << arguments;
-        EXPECT_NE(result.err.find(line), std::string::npos) << result.err;
-        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-        EXPECT_EQ(files(), (std::vector<std::string>{"a.png", "taken.dds"}));
-        EXPECT_EQ(read("taken.dds"), "precious");
-    }
+    for (const auto& [arguments, line] : cases)
+        expectRefusal(std::string("convert @a.png ") + arguments, ExitStatus::notSupported, line);
     for (const char* arguments : {"@new.ktx --legacy vg", "- --legacy vg", "@new.mok --legacy gl"})
-        EXPECT_EQ(run(std::string("convert @a.png ") + arguments).status, ExitStatus::commandLine) << arguments;
+        expectRefusal(std::string("convert @a.png ") + arguments, ExitStatus::commandLine);
 }
 
 TEST_F(ToolTest, FilesThatReadersUnderstandInAnotherWayAreToldOf) {
@@ -67,7 +52,6 @@ TEST_F(ToolTest, FilesThatReadersUnderstandInAnotherWayAreToldOf) {
         const char* note;
     } cases[] = {{"@b.dds -f argb8888", "reads back from a .dds file as argb8888:uintnorm, which gives other colours"},
                  {"@b.dds -f argb8888:uintnorm", ""},
-                 {"@b.dds -f rgb565", ""},
                  {"@b.dds -f dxt5", ""},
                  {"@b.ktx -f rgba5551", "reads back from a .ktx file as rgba1555"},
                  {"@b.ktx -f rgba8888", ""},
@@ -128,14 +112,16 @@ TEST_F(ToolTest, NumbersOfGraphicsApisAreShownForTexturesAndFormats) {
     EXPECT_EQ(info("a.png")["apiNumbers"]["dxgi"], 29) << "sRGB";
     EXPECT_EQ(info("dxt.mok")["apiNumbers"]["direct3D9"], 0x35545844);
     EXPECT_TRUE(info("dxt.mok")["apiNumbers"]["openGL"].is_null());
-    const json formats = json::parse(expectSuccess("formats --api --json").out);
     std::map<std::string, json> dxgi;
-    for (const json& format : formats)
+    for (const json& format : json::parse(expectSuccess("formats --api --json").out)) {
+        EXPECT_EQ(dxgi.count(format["name"]), 0u);
         dxgi[format["name"]] = {format["apiNumbers"]["dxgi"], format["apiNumbers"]["dxgiSRGB"]};
+    }
     EXPECT_EQ(dxgi["rgba8888"], json({28, 29}));
     EXPECT_EQ(dxgi["dxt1"], json({71, 72}));
     EXPECT_EQ(dxgi["etc1"], json({nullptr, nullptr}));
     const std::string table = expectSuccess("formats --api").out, text = expectSuccess("info @dxt.mok").out;
+    EXPECT_NE(expectSuccess("formats").out.find("rgba16161616:float"), std::string::npos);
     EXPECT_NE(table.find("0x8058 0x1908 0x1401  0x1908 0x1908 0x1401  -           28    29"), std::string::npos) << table;
     EXPECT_NE(text.find("Direct3D 9     DXT5"), std::string::npos) << text;
 }
@@ -157,8 +143,6 @@ TEST_F(ToolTest, FilesThatDoNotLoadSayWhatToDo) {
                  {"nothing", ExitStatus::invalidInput, "; use a .mok, .ktx or .dds file, or a PNG"}};
     for (const auto& [bytes, status, remedy] : cases) {
         write("bad.dds", bytes);
-        const ToolRun result = run("info @bad.dds");
-        EXPECT_EQ(result.status, status);
-        EXPECT_NE(result.err.find(remedy), std::string::npos) << result.err;
+        expectRefusal("info @bad.dds", status, remedy);
     }
 }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
@@ -36,14 +37,14 @@ protected:
 
     std::string path(const std::string& name) const { return (folder / name).string(); }
 
-    /// Arguments in one string, separated by blanks; a word with a leading '@' is a file of the test's folder.
+    /// Arguments in one string, separated by blanks; a word with a leading '@' is a file of the test's folder, '' an empty one.
     ToolRun run(const std::string& commandLine, const std::string& input = "") const {
         std::istringstream words(commandLine), in(input);
         std::vector<std::string> arguments;
         for (std::string word; words >> word;)
-            arguments.push_back(word[0] == '@' ? path(word.substr(1)) : word);
+            arguments.push_back(word[0] == '@' ? path(word.substr(1)) : word == "''" ? "" : word);
         std::ostringstream out, err;
-        moktextool::Console console{in, out, err};
+        moktextool::Console console{in, out, err, false, isTerminal};
         const ExitStatus status = moktextool::runMoktex(arguments, console);
         return {status, out.str(), err.str()};
     }
@@ -52,6 +53,17 @@ protected:
         ToolRun result = run(commandLine, input);
         EXPECT_EQ(result.status, ExitStatus::success) << commandLine << '\n' << result.err;
         return result;
+    }
+
+    /// Refused by one line on the error stream that holds `remedy`, and with every file of the folder as it was.
+    void expectRefusal(const std::string& commandLine, ExitStatus status, const std::string& remedy = "") const {
+        const std::map<std::string, std::string> before = files();
+        const ToolRun result = run(commandLine);
+        EXPECT_EQ(result.status, status) << commandLine;
+        EXPECT_TRUE(result.err.starts_with("moktex: ") && result.err.find('\n') == result.err.size() - 1) << result.err;
+        EXPECT_NE(result.err.find(remedy), std::string::npos) << commandLine << '\n' << result.err;
+        EXPECT_EQ(result.out, "") << commandLine;
+        EXPECT_TRUE(files() == before) << commandLine;
     }
 
     void write(const std::string& name, const std::string& bytes) const { std::ofstream(path(name), std::ios::binary) << bytes; }
@@ -78,13 +90,12 @@ protected:
         const auto* pixels = static_cast<const std::uint8_t*>(picture.getDataPtr());
         return {pixels, pixels + picture.getDataSize()};
     }
-    /// Names of the files in the folder, to see that nothing is left behind.
-    std::vector<std::string> files() const {
-        std::vector<std::string> names;
+    /// The files in the folder and what they hold.
+    std::map<std::string, std::string> files() const {
+        std::map<std::string, std::string> found;
         for (const auto& entry : std::filesystem::directory_iterator(folder))
-            names.push_back(entry.path().filename().string());
-        std::sort(names.begin(), names.end());
-        return names;
+            found[entry.path().filename().string()] = read(entry.path().filename().string());
+        return found;
     }
     nlohmann::json info(const std::string& name) const {
         return nlohmann::json::parse(expectSuccess("info --json @" + name).out).at(0);
@@ -95,4 +106,5 @@ protected:
     bool areEqual(const std::string& a, const std::string& b) const { return compare(a, b)["equal"]; }
 
     std::filesystem::path folder;
+    bool isTerminal = false;  ///< what the commands are told of their error stream
 };

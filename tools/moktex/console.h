@@ -13,7 +13,8 @@ struct Console {
     std::istream& in;
     std::ostream& out;
     std::ostream& err;
-    bool quiet = false;  ///< leave out results of `convert` and notes
+    bool quiet = false;       ///< leave out results of `convert`, notes and the progress of long work
+    bool isTerminal = false;  ///< `err` is one, where a line can be drawn over
 
     /// One line on `err` that nothing silences.
     void warn(const std::string& message);

@@ -105,8 +105,6 @@ void checkEncoder(const Conversion& conversion) {
     if (row != nullptr && !row->hasEncoder)
         throw Failure(ExitStatus::notSupported, conversion.name,
                       std::string(row->name) + " has no encoder; 'moktex formats' lists those that have");
-    if (const std::string problem = qualityProblem(conversion.quality, format); !problem.empty())
-        throw Failure(ExitStatus::notSupported, conversion.name, problem);
 }
 
 void checkColourSpace(const ConversionRequest& request, const PlannedTexture& planned, EMOKTColourSpace wanted) {

@@ -38,13 +38,15 @@ constexpr const char* explanation =
     "  They are applied in the order in which they are given, --mipmaps among them; --resize comes before all. Values are\n"
     "  taken as they are stored: no curve is applied for an operation.\n"
     "Quality:\n"
-    "  DXT and packed formats have one. The first generation of moktc is encoded at quality 0, and that is its usual one.\n"
+    "  DXT and packed formats have one.\n"
+    "  moktc, moktc2: each takes longer than the one before and usually comes closer to the picture; 5 takes minutes for\n"
+    "  large pictures. Of moktc, 0 is an encoder of its own that takes moments; of moktc2, 5 is the same as 4.\n"
     "  etc1: even numbers measure errors plainly, odd ones as the eye does; names take the odd ones (1 1 3 3 5 5).\n"
     "Output:\n"
     "  OUT ends in .mok, .ktx, .dds, .h or .png. A .ktx or .dds file holds formats alone that 'moktex formats --api' has a\n"
-    "  number of OpenGL or Direct3D 9 for; the array in a .h file is named for the file. Several inputs, or an OUT that is a "
-    "folder, give OUT/NAME.mok each; the folder is\n"
-    "  made if it is missing. '-' is standard input or output; what goes there is a .mok texture.\n"
+    "  number of OpenGL or Direct3D 9 for; the array in a .h file is named for the file. Several inputs, or an OUT that is\n"
+    "  a folder, give OUT/NAME.mok each; the folder is made if it is missing. '-' is standard input or output; what goes\n"
+    "  there is a .mok texture.\n"
     "  A PNG holds level 0, member 0, face 0 of a texture unless --level, --member or --face say otherwise; with\n"
     "  --format the picture passes through that format first.\n"
     "Colour:\n"
@@ -139,10 +141,11 @@ std::vector<OperationPointer> collectOperations(const CLI::App& command) {
 ExitStatus convertAll(ConvertArguments& arguments, const CLI::App& command, Console& console) {
     console.quiet = arguments.quiet;
     ConversionRequest& request = arguments.request;
-    if (!arguments.format.empty()) request.form = parseForm(arguments.format);
-    if (!arguments.quality.empty()) request.quality = parseQuality(arguments.quality);
+    const auto isGiven = [&command](const char* option) { return command.count(option) != 0; };
+    if (isGiven("--format")) request.form = parseForm(arguments.format);
+    if (isGiven("--quality")) request.quality = parseQuality(arguments.quality);
     request.operations = collectOperations(command);
-    if (!arguments.resize.empty()) request.resize = parseResize(arguments.resize);
+    if (isGiven("--resize")) request.resize = parseResize(arguments.resize);
     settleOutput(arguments);
     ExitStatus status = ExitStatus::success;
     const std::vector<Job> jobs = planJobs(arguments);
@@ -226,8 +229,7 @@ void addConvertCommand(CLI::App& app, Console& console, ExitStatus& status) {
     command
         .add_option("-f,--format", arguments->format, "Format of the output, as 'moktex formats' lists them (that of the input)")
         ->type_name("NAME");
-    command
-        .add_option("-q,--quality", arguments->quality, std::string("Effort of the encoder: ") + qualityHelp + " (3; moktc 0)")
+    command.add_option("-q,--quality", arguments->quality, std::string("Effort of the encoder: ") + qualityHelp + " (3)")
         ->type_name("Q");
     addSizeOptions(command, *arguments);
     addOperationOptions(command);

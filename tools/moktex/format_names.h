@@ -17,7 +17,7 @@ struct CompressedFormat {
 std::span<const CompressedFormat> compressedFormats();
 /// Null for an uncompressed layout and for numbers without a name.
 const CompressedFormat* findCompressed(moktexture::PixelType format);
-/// Whether a format is of MOKTC's first generation, which has rules of its own for sizes and qualities.
+/// Whether a format is of MOKTC's first generation, which has a rule of its own for sizes.
 bool isFirstMOKTC(moktexture::PixelType format);
 
 /// The form that a name stands for: a compressed format's name, or channel letters and bits, with the channel type behind a

@@ -45,7 +45,6 @@ constexpr const char* commonLayouts[] = {"rgba8888",
                                          "rgba32323232"};
 
 constexpr const char* explanation =
-    "The first generation of moktc is encoded at quality 0.\n"
     "An uncompressed format is written as its channels and their bits: letters r g b a, l (luminance), i (intensity),\n"
     "x (ignored), then a number for each, joined or with dots, 'rgb565', 'abgr2.10.10.10'. Channels of 8, 16 or 32 bits\n"
     "lie one behind the other; others are packed in one word, the first in its highest bits.\n"

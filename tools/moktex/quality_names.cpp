@@ -3,7 +3,6 @@
 #include <array>
 
 #include "exit_status.h"
-#include "format_names.h"
 
 using namespace moktexture;
 
@@ -16,7 +15,7 @@ constexpr std::array names = {"fastest", "fast", "medium", "thorough", "verythor
 /// ETC1's efforts by name. Even numbers measure errors in a way that spoils some dark blocks, so names take the odd ones.
 constexpr std::array<unsigned int, names.size()> namedETC1 = {1, 1, 3, 3, 5, 5};
 
-constexpr unsigned int usualStep = 3;
+constexpr ECompressorQuality usualQuality = eCompressorQuality3;
 
 }  // namespace
 
@@ -28,15 +27,9 @@ Quality parseQuality(const std::string& text) {
 }
 
 ECompressorQuality encoderQuality(const std::optional<Quality>& quality, PixelType format) {
-    if (!quality) return isFirstMOKTC(format) ? eCompressorQuality0 : static_cast<ECompressorQuality>(usualStep);
+    if (!quality) return usualQuality;
     const bool isNamedETC1 = quality->isNamed && format.id == eFmtETC1;
     return static_cast<ECompressorQuality>(isNamedETC1 ? namedETC1[quality->step] : quality->step);
-}
-
-std::string qualityProblem(ECompressorQuality quality, PixelType format) {
-    if (!isFirstMOKTC(format) || quality == eCompressorQuality0) return "";
-    return "quality " + std::to_string(quality) + " of " + nameOf(TextureForm{format, eVarUByteNorm}) +
-           " is not supported; use --quality 0";
 }
 
 }  // namespace moktextool

@@ -21,7 +21,4 @@ Quality parseQuality(const std::string& text);
 /// The effort that a format's encoder is told: numbers pass as they are, names and no wish are settled by format.
 moktexture::ECompressorQuality encoderQuality(const std::optional<Quality>& quality, moktexture::PixelType format);
 
-/// Why a format cannot be encoded with that effort, and what to do; "" if it can.
-std::string qualityProblem(moktexture::ECompressorQuality quality, moktexture::PixelType format);
-
 }  // namespace moktextool

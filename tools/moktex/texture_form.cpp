@@ -5,6 +5,7 @@
 #include <cstring>
 #include <span>
 
+#include "ProgressLine.h"
 #include "console.h"
 #include "format_names.h"
 
@@ -56,7 +57,8 @@ bool needsFloats(const TextureForm& source, const TextureForm& target, bool hasC
 void transcode(CMOKTexture& texture, const FormChange& change, const std::string& name) {
     if (!Transcode(texture, change.target.format, change.target.channelType, change.colourSpace, change.quality, change.dither)) {
         throw Failure(ExitStatus::workFailed, name,
-                      "the conversion to " + nameOf(change.target) + " failed, most likely for its size; use --resize");
+                      "the conversion to " + nameOf(change.target) +
+                          " failed, for want of memory or for its size; close other programs or use --resize");
     }
 }
 
@@ -88,6 +90,37 @@ void copyRows(CMOKTexture& destination, std::uint32_t level, const CMOKTexture& 
         for (std::uint32_t y = 0; y < destination.getHeight(level); ++y, out += rowSize, in += paddedRowSize)
             std::memcpy(out, in, rowSize);
     }
+}
+
+/// Bytes of all levels in the header's compressed format. The sum does not wrap; an image that is too large on its own does, and
+/// Transcode() refuses it.
+std::uint64_t encodedSize(const CMOKTextureHeader& header) {
+    std::uint64_t size = 0;
+    for (std::uint32_t level = 0; level < header.getNumMIPLevels(); ++level)
+        size += header.getDataSize(static_cast<int>(level), false, false);
+    return size * header.getNumArrayMembers() * header.getNumFaces();
+}
+
+/// Encodes an uncompressed texture, which is no volume, image by image: the bytes are those of the whole at once, and a terminal
+/// can show how far it is.
+void encodeBlocks(CMOKTexture& texture, const FormChange& change, const std::string& name, Console& console) {
+    CMOKTextureHeader header = texture.getHeader();
+    header.setPixelFormat(change.target.format);
+    header.setChannelType(eVarUByteNorm);
+    header.setColourSpace(change.colourSpace);
+    if (encodedSize(header) != header.getDataSize())
+        throw Failure(ExitStatus::notSupported, name, "too large when it is encoded; make the texture smaller or split it");
+    CMOKTexture encoded(header, nullptr);
+    const std::uint32_t members = header.getNumArrayMembers(), faces = header.getNumFaces(), levels = header.getNumMIPLevels();
+    ProgressLine progress(console, {members * faces, levels});
+    for (std::uint32_t i = 0; i < members * faces * levels; ++i) {
+        const std::uint32_t level = i % levels, face = i / levels % faces, member = i / levels / faces;
+        CMOKTexture image = extractImage(texture, level, member, face);
+        transcode(image, change, name);
+        std::memcpy(encoded.getDataPtr(level, member, face), image.getDataPtr(), image.getDataSize());
+        progress.advance();
+    }
+    texture = std::move(encoded);
 }
 
 }  // namespace
@@ -149,7 +182,10 @@ void changeForm(CMOKTexture& texture, const FormChange& change, const std::strin
         if (clampValues(values, rangeOf(change.target)))
             console.note(name + ": values that " + nameOf(change.target) + " cannot hold are clamped");
     }
-    transcode(texture, change, name);
+    if (isCompressed(change.target.format))
+        encodeBlocks(texture, change, name, console);
+    else
+        transcode(texture, change, name);
 }
 
 CMOKTexture extractImage(const CMOKTexture& texture, std::uint32_t level, std::uint32_t member, std::uint32_t face) {
