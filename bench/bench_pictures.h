@@ -19,6 +19,8 @@ void registerDXTnBenchmarks(const std::vector<BenchPicture>& pictures);
 void registerETC1Benchmarks(const std::vector<BenchPicture>& pictures);
 void registerMOKTCBenchmarks(const std::vector<BenchPicture>& pictures);
 void registerMOKTCEncodeBenchmarks(const std::vector<BenchPicture>& pictures);
+void registerAmtcBenchmarks(const std::vector<BenchPicture>& pictures);
+void registerAmtcEvaluationBenchmarks(const std::vector<BenchPicture>& pictures);
 void registerOperationBenchmarks(const std::vector<BenchPicture>& pictures);
 
 /// Sets the counter "Mpixels" of a finished benchmark: `state.counters["Mpixels"]` as a rate.

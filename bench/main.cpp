@@ -85,6 +85,8 @@ int main(int argc, char** argv) {
     registerETC1Benchmarks(pictures);
     registerMOKTCBenchmarks(pictures);
     registerMOKTCEncodeBenchmarks(pictures);
+    registerAmtcEvaluationBenchmarks(pictures);
+    registerAmtcBenchmarks(pictures);
     registerOperationBenchmarks(pictures);
     // The folder is no flag of the benchmark library's.
     std::rotate(argv + 1, argv + 2, argv + argc);

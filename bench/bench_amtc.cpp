@@ -1,0 +1,122 @@
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <string>
+#include <utility>
+
+#include "amtc/block_passes.h"
+#include "amtc/level_pipeline.h"
+#include "amtc/pack_local_block.h"
+#include "amtc/sweep_settings.h"
+#include "bench_pictures.h"
+
+namespace {
+
+using namespace moktexture::amtc;
+
+struct Format {
+    const char* name;
+    std::uint32_t bitsPerPixel;
+    std::uint32_t secondGeneration;
+};
+constexpr Format formats[] = {{"4bpp", 4, 0}, {"2bpp", 2, 0}, {"II-4bpp", 4, 1}, {"II-2bpp", 2, 1}};
+constexpr std::int32_t sides[] = {256, 512, 1024};
+constexpr std::uint32_t efforts = 5;
+
+/// The picture, repeated or cut to a square.
+WorkImage squareOf(const BenchPicture& picture, std::int32_t side) {
+    WorkImage image = makeWorkImage();
+    image->Width = image->Height = side;
+    for (std::int32_t y = 0; y < side; ++y) {
+        for (std::int32_t x = 0; x < side; ++x) {
+            const std::size_t column = static_cast<std::size_t>(x) % picture.width,
+                              row = static_cast<std::size_t>(y) % picture.height;
+            const std::uint8_t* pixel = &picture.rgba[4 * (row * picture.width + column)];
+            image->Pixels[y][x] = pixel[0] | pixel[1] << 8 | pixel[2] << 16 | static_cast<std::uint32_t>(pixel[3]) << 24;
+        }
+    }
+    return image;
+}
+
+void encode(benchmark::State& state, const BenchPicture& picture, const Format& format, std::uint32_t effort, std::int32_t side,
+            std::uint32_t threads) {
+    const WorkImage image = squareOf(picture, side);
+    std::vector<std::uint8_t> blocks(static_cast<std::size_t>(side) * static_cast<std::size_t>(side) * format.bitsPerPixel / 8);
+    LevelResources resources = LevelResources::ofThisMachine();
+    resources.processors = threads;
+    for (auto _ : state)
+        CompressLevel(*image, 4, format.bitsPerPixel, format.secondGeneration, blocks.data(), true, effort, resources);
+    countPixels(state, static_cast<std::uint64_t>(side) * static_cast<std::uint64_t>(side));
+}
+
+/// The stages of one level one after another, with the time of each as a counter in milliseconds: statistics and starts, the
+/// first sweep, which only scores, a sweep that refines everything, and packing.
+void encodeByStages(benchmark::State& state, const BenchPicture& picture, const Format& format, std::int32_t side) {
+    const WorkImage image = squareOf(picture, side);
+    AmtcLevelSettings settings = makeLevelSettings(side, side, 4, format.bitsPerPixel, format.secondGeneration);
+    const FootprintKernels kernels = makeFootprintKernels(settings);
+    LevelResources resources = LevelResources::ofThisMachine();
+    resources.processors = 1;
+    BlockRows rows;
+    AllocateBlockRows(side, side, settings.blockWidth, settings.blockHeight, rows);
+    std::uint32_t step = 1;
+    const auto sweep = [&](std::uint32_t number) {
+        const AmtcLevelSettings previous = settings;
+        SetSweepSettings(efforts - 1, 32, number, settings, previous);
+        settings.forceVisit = 1;
+        for (const auto& [row, column] : {std::pair{0u, 0u}, {1u, 1u}, {0u, 1u}, {1u, 0u}})
+            RunParityPhase(*image, settings, row, column, step++, 1, resources, rows);
+    };
+    const auto time = [&](const char* stage, const auto& work) {
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        state.counters[stage] = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    };
+    for (auto _ : state) {
+        time("1 statistics", [&] { RunBlockPass(0, *image, settings, kernels, 1, resources, rows); });
+        time("2 starts", [&] { RunBlockPass(1, *image, settings, kernels, 1, resources, rows); });
+        time("3 scoring sweep", [&] { sweep(0); });
+        time("4 sweep in segments", [&] { sweep(1); });
+        time("5 free sweep", [&] { sweep(8); });
+        time("6 packing", [&] {
+            BlendTable table;
+            std::uint8_t block[8];
+            for (std::uint32_t row = 0; row < settings.blocksDown; ++row) {
+                for (std::uint32_t column = 0; column < settings.blocksAcross; ++column)
+                    benchmark::DoNotOptimize(PackLocalBlock(*image, rows, settings, row, column, table, block));
+            }
+        });
+    }
+    FreeBlockRows(rows);
+}
+
+}  // namespace
+
+/// Efforts are the encoder's own, 0 to 4. One encoding each, as the high ones take minutes.
+void registerAmtcBenchmarks(const std::vector<BenchPicture>& pictures) {
+    for (const BenchPicture& picture : pictures) {
+        for (const Format& format : formats) {
+            benchmark::RegisterBenchmark(
+                (std::string("amtc/") + format.name + "/stages/512/" + picture.name).c_str(),
+                [&picture, format](benchmark::State& state) { encodeByStages(state, picture, format, 512); })
+                ->Iterations(1)
+                ->Unit(benchmark::kMillisecond);
+            for (std::uint32_t effort = 0; effort < efforts; ++effort) {
+                for (const std::int32_t side : sides) {
+                    for (const std::uint32_t threads : {1u, 2u}) {
+                        const std::string name = std::string("amtc/") + format.name + "/effort " + std::to_string(effort) + "/" +
+                                                 std::to_string(side) + "/" + std::to_string(threads) + " threads/" +
+                                                 picture.name;
+                        benchmark::RegisterBenchmark(name.c_str(),
+                                                     [&picture, format, effort, side, threads](benchmark::State& state) {
+                                                         encode(state, picture, format, effort, side, threads);
+                                                     })
+                            ->Iterations(1)
+                            ->Unit(benchmark::kMillisecond)
+                            ->UseRealTime();
+                    }
+                }
+            }
+        }
+    }
+}
