@@ -46,8 +46,7 @@ TEST(ContainerString, IsBuiltEditedCutAndFormatted) {
     for (const auto& [result, expected] : rows)
         EXPECT_EQ(bytesOf(result), expected);
     char buffer[4] = "...";
-    EXPECT_TRUE(letters.copy(buffer, 2, 1) == 2 && letters.copy(buffer + 1, npos, 5) == 1);
-    EXPECT_STREQ(buffer, "bf.");
+    EXPECT_TRUE(letters.copy(buffer, 2, 1) == 2 && letters.copy(buffer + 1, npos, 5) == 1 && buffer == S("bf."));
     EXPECT_EQ(letters.copy(buffer, 2, 7) + letters.copy(nullptr, 2), 0u);
 }
 
@@ -62,13 +61,12 @@ TEST(ContainerString, TakesExactlyTheRoomItNeeds) {
     S string;
     for (const auto& [change, capacity, text] : steps) {
         change(string);
-        EXPECT_EQ(string.capacity(), capacity) << text;
-        EXPECT_EQ(bytesOf(string), text);
+        EXPECT_EQ(bytesOf(string) + ' ' + std::to_string(string.capacity()), text + (' ' + std::to_string(capacity)));
     }
-    EXPECT_THROW(string.reserve(npos), std::bad_alloc);
     string = "ab";
-    EXPECT_THROW(string.append(npos - 1, 'x'), std::bad_alloc);
-    EXPECT_THROW(string.resize(npos), std::bad_alloc);
+    for (void (*const grow)(S & s) :
+         {+[](S& s) { s.reserve(npos); }, +[](S& s) { s.append(npos - 1, 'x'); }, +[](S& s) { s.resize(npos); }})
+        EXPECT_THROW(grow(string), std::bad_alloc);
     EXPECT_EQ(bytesOf(string), "ab");
 }
 

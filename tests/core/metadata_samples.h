@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <type_traits>
 
 #include "CMOKTMap.h"
 #include "MetaDataBlock.h"
@@ -14,9 +15,7 @@ using OuterMap = CMOKTMap<unsigned int, InnerMap>;
 
 inline MetaDataBlock makeBlock(const std::string& payload, unsigned int key = 0, unsigned int fourCC = 0) {
     MetaDataBlock block;
-    block.fourCC = fourCC;
-    block.key = key;
-    block.dataSize = static_cast<unsigned int>(payload.size());
+    block.fourCC = fourCC, block.key = key, block.dataSize = static_cast<unsigned int>(payload.size());
     block.data = new unsigned char[payload.size()];
     std::copy(payload.begin(), payload.end(), block.data);
     return block;
@@ -34,19 +33,15 @@ inline InnerMap makeMap(unsigned int count) {
     return map;
 }
 
-/// The payloads of a map's entries, one after the other.
-inline std::string lettersOf(const InnerMap& map) {
+/// The payloads of a map's entries, one after the other; of a map of maps, each followed by a bar.
+template <class Value>
+std::string lettersOf(const CMOKTMap<unsigned int, Value>& map) {
     std::string letters;
     for (unsigned int i = 0; i < map.GetSize(); ++i)
-        letters += payloadOf(*map.GetDataAtIndex(i));
-    return letters;
-}
-
-/// The same of a map of maps, each followed by a bar.
-inline std::string lettersOf(const OuterMap& map) {
-    std::string letters;
-    for (unsigned int i = 0; i < map.GetSize(); ++i)
-        letters += lettersOf(*map.GetDataAtIndex(i)) + '|';
+        if constexpr (std::is_same_v<Value, InnerMap>)
+            letters += lettersOf(*map.GetDataAtIndex(i)) + '|';
+        else
+            letters += payloadOf(*map.GetDataAtIndex(i));
     return letters;
 }
 

@@ -17,10 +17,7 @@ constexpr std::uint32_t owner = 0x44434241;
 constexpr std::uint32_t huge = 0xFFFFFFFFu;
 
 MOKTextureHeaderV3 smallRecord(std::uint32_t metaDataSize) {
-    const CMOKTextureHeader header(PixelTypeRGBA8.id, 2, 3, 1, 2, 2, 1, eColourSpaceLinear, eVarUByteNorm, false);
-    MOKTextureHeaderV3 record = header.getFileHeader();
-    record.metaDataSize = metaDataSize;
-    return record;
+    return {MOKTextureHeaderV3::magic, 0, PixelTypeRGBA8.id, eColourSpaceLinear, eVarUByteNorm, 2, 3, 1, 2, 1, 2, metaDataSize};
 }
 const NativeReadRules byPath = NativeReadRules::fileConstructor(), byAddress = NativeReadRules::memoryConstructor();
 constexpr std::uint64_t smallSize = 2 * 4 * (6 + 1);
@@ -64,7 +61,7 @@ TEST(NativeFile, EveryFormatComesBackBitForBit) {
         CMOKTexture texture;
         ASSERT_EQ(load(image, {}, std::move(texture)), eLoadOk);
         EXPECT_EQ(contentsOf(texture), expected(record, twoBlocks, &pixels));
-        EXPECT_EQ(contentsOf(CMOKTexture(static_cast<const void*>(image.data()))), contentsOf(texture));
+        EXPECT_EQ(contentsOf(texture), contentsOf(CMOKTexture(static_cast<const void*>(image.data()))));
         // Without pixels the file is complete, but not "saved".
         Bytes saved = {1};
         EXPECT_EQ(SaveTexture(texture, ".MOK", saved), !pixels.empty());
@@ -98,18 +95,17 @@ TEST(NativeFile, EveryPrefixLeavesAKnownState) {
             CMOKTexture kept(CMOKTextureHeader(eFmtDXT1, 1, 1, 1, 1, 1, 1, eColourSpaceSRGB, eVarUByteNorm, true), nullptr);
             const Contents before = contentsOf(kept);
             const ELoadStatus status = length == image.size() ? eLoadOk : length == 0 ? eLoadUnknown : eLoadTruncated;
-            EXPECT_EQ(LoadTextureFile(kept, path.c_str()), status);
-            EXPECT_EQ(load(prefix, {}, std::move(kept)), status);
+            EXPECT_TRUE(LoadTextureFile(kept, path.c_str()) == status && load(prefix, {}, std::move(kept)) == status);
             EXPECT_EQ(contentsOf(kept) == before, status != eLoadOk);
         }
     EXPECT_EQ(load(make(smallRecord(0), {}, Bytes(smallSize + 1))), eLoadOk);
 }
 
 TEST(NativeFile, OddMetaDataIsReadAsEachDoorDoes) {
-    using Blocks = std::vector<Block>;
     const Block a = twoBlocks[0], b = twoBlocks[1], empty = {owner, 1, {}}, zero = {0, 0, {}};
     // clang-format off
-    const struct { std::uint32_t declared; Blocks blocks, inFile, inMemory; bool fileHasBuffer; ELoadStatus status; } cases[] = {
+    const struct {
+        std::uint32_t declared; std::vector<Block> blocks, inFile, inMemory; bool fileHasBuffer; ELoadStatus status; } cases[] = {
         {twoBlocksSize - 1, {a, b}, {a}, {a, b}, true, eLoadCorrupt},  // the last one overruns
         {5, {a, b}, {}, {a}, true, eLoadCorrupt},  // less than a block's head
         {twoBlocksSize + 1, {a, b}, {a, b}, {a, b, zero}, false, eLoadTruncated},  // pixels are taken for an empty block
@@ -119,12 +115,13 @@ TEST(NativeFile, OddMetaDataIsReadAsEachDoorDoes) {
     pixels.back() = 9;
     for (const auto& item : cases) {
         SCOPED_TRACE(&item - cases);
-        const MOKTextureHeaderV3 record = smallRecord(item.declared);
-        const Bytes image = make(record, item.blocks, pixels);
-        const Bytes restOfFile(image.begin() + std::ssize(make({}, item.inFile, {})), image.end());
-        const Bytes restOfMemory(image.begin() + std::ssize(make({}, item.inMemory, {})), image.end());
-        EXPECT_EQ(readBy(byPath, image, image.size()), expected(record, item.inFile, item.fileHasBuffer ? &restOfFile : nullptr));
-        EXPECT_EQ(readBy(byAddress, image, image.size()), expected(record, item.inMemory, &restOfMemory));
+        const Bytes image = make(smallRecord(item.declared), item.blocks, pixels);
+        for (const bool isFile : {true, false}) {
+            const std::vector<Block>& blocks = isFile ? item.inFile : item.inMemory;
+            const Bytes rest(image.begin() + std::ssize(make({}, blocks, {})), image.end());
+            EXPECT_EQ(readBy(isFile ? byPath : byAddress, image, image.size()),
+                      expected(smallRecord(0), blocks, isFile && !item.fileHasBuffer ? nullptr : &rest));
+        }
         EXPECT_EQ(load(image), item.status);
     }
 
@@ -139,15 +136,13 @@ TEST(NativeFile, BlocksAreWrittenAsTheyAreAndCounted) {
     CMOKTexture texture(CMOKTextureHeader(eFmtDXT1, 1, 1, 1, 1, 1, 6, eColourSpaceLinear, eVarUByteNorm, false), nullptr);
     texture.setCubeMapOrder("XxYyZz");
     Bytes image;
-    ASSERT_TRUE(SaveTexture(texture, "mok", image));
-    ASSERT_EQ(load(image, {}, std::move(texture)), eLoadOk);
+    ASSERT_TRUE(SaveTexture(texture, "mok", image) && load(image, {}, std::move(texture)) == eLoadOk);
     EXPECT_TRUE(texture.getCubeMapOrder().empty() && texture.getBumpMapOrder() == "Zz");
 
     // A block that was replaced is counted twice in the file and written once.
     texture.addMetaData(texture.getMetaData(MOKTextureHeaderV3::magic, 1));
-    ASSERT_TRUE(SaveTexture(texture, "mok", image));
-    EXPECT_TRUE(image.size() == 52u + 18 + texture.getDataSize() && image[48] == 36);
-    EXPECT_EQ(load(image), eLoadTruncated);
+    ASSERT_TRUE(SaveTexture(texture, "mok", image) && image.size() == 52u + 18 + texture.getDataSize());
+    EXPECT_TRUE(image[48] == 36 && load(image) == eLoadTruncated);
 
     // An empty one is written, but counts as not written.
     texture.setCubeMapOrder("");
@@ -176,40 +171,17 @@ TEST(NativeFile, WhatIsRefusedSaysWhy) {
         record.*item.field = item.value;
         EXPECT_EQ(load(make(record, twoBlocks, Bytes(smallSize)), item.limits), item.status) << &item - cases;
     }
-    EXPECT_EQ(load({'h', 'i'}), eLoadUnknown);
     EXPECT_TRUE(byPath.limits.maxMetaDataBlocks == 65536 && byAddress.limits.maxMetaDataBlocks == 65536);
-
     const TemporaryFolder folder;
     const Bytes good = make(smallRecord(0), {}, Bytes(smallSize));
     CMOKTexture texture;
     EXPECT_TRUE(LoadTexture(texture, nullptr, 0) == eLoadUnreadable && LoadTextureFile(texture, nullptr) == eLoadUnreadable);
-    for (const char* name : {"none.mok", ""})
-        EXPECT_EQ(LoadTextureFile(texture, folder.path(name).c_str()), eLoadUnreadable);
+    EXPECT_TRUE(LoadTextureFile(texture, folder.path("none.mok").c_str()) == eLoadUnreadable && load({'h', 'i'}) == eLoadUnknown);
+    EXPECT_EQ(LoadTextureFile(texture, folder.path("").c_str()), eLoadUnreadable);
     EXPECT_EQ(LoadTextureFile(texture, folder.write("a.png", good).c_str()), eLoadOk);
     for (const char* name : {"a.ktx", "a.DDS"}) {
         EXPECT_EQ(LoadTextureFile(texture, folder.write(name, good).c_str()), eLoadUnknown);
         EXPECT_EQ(contentsOf(CMOKTexture(folder.path(name).c_str())), contentsOf(CMOKTexture()));
-    }
-}
-
-TEST(NativeFile, RandomHeadersNeitherCrashNorHang) {
-    constexpr std::uint32_t extremes[] = {0, 1, 2, 3, 6, 12, 17, 255, 256, 65536, 0x7FFFFFFF, 0x80000000, huge};
-    testimages::Random random(11);
-    for (int run = 0; run < 300; ++run) {
-        Bytes image = make(smallRecord(twoBlocksSize), twoBlocks, Bytes(smallSize));
-        for (std::uint32_t changes = random.below(4) + 1; changes > 0; --changes) {
-            const std::size_t word = 4 * (1 + random.below(20));
-            std::memcpy(image.data() + word, &extremes[random.below(std::size(extremes))], 4);
-        }
-        for (const NativeReadRules& rules : {NativeReadRules::strict({.maxLevels = 255, .maxTotalSize = 1u << 20}), byPath}) {
-            CMOKTexture texture;
-            MemoryReader reader(image.data(), image.size());
-            readNativeFile(reader, rules, texture);
-            texture.getTextureSize();
-            texture.getDataPtr(0xFFFFFFFE, huge, huge);
-            EXPECT_TRUE(TextureInternals::data(texture) == nullptr ||
-                        (sizesAreTrue(texture) && texture.getDataSize() == TextureInternals::dataSize(texture)));
-        }
     }
 }
 

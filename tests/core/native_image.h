@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstring>
 #include <vector>
 
@@ -27,8 +28,7 @@ inline Bytes make(const MOKTextureHeaderV3& record, const std::vector<Block>& bl
     append(image, &record, sizeof(record));
     for (const Block& block : blocks) {
         const auto size = static_cast<std::uint32_t>(block.payload.size());
-        for (const std::uint32_t word : {block.fourCC, block.key, size})
-            append(image, &word, sizeof(word));
+        append(image, std::array{block.fourCC, block.key, size}.data(), 12);
         append(image, block.payload.data(), size);
     }
     append(image, pixels.data(), pixels.size());
@@ -44,8 +44,7 @@ struct Contents {
 };
 
 inline Contents contentsOf(const moktexture::CMOKTexture& texture) {
-    using moktexture::TextureInternals;
-    Contents contents{{}, TextureInternals::data(texture) != nullptr, TextureInternals::dataSize(texture)};
+    Contents contents{{}, texture.getDataPtr() != nullptr, moktexture::TextureInternals::dataSize(texture)};
     moktexture::MemoryWriter writer(contents.image);
     moktexture::writeNativeFile(texture, writer);
     return contents;

@@ -43,12 +43,11 @@ TEST(Texture, LevelsLieBeforeMembersBeforeFaces) {
 }
 
 TEST(Texture, CopiesAreDeepAndMovesLeaveADefaultTexture) {
-    const CMOKTexture original = sample();
-    const Contents contents = contentsOf(original);
-    CMOKTexture copy(original), assigned, moved;
+    CMOKTexture assigned, moved, copy = sample();
+    const CMOKTexture original(copy);
+    const Contents contents = contentsOf(copy);
     assigned = copy;
     static_cast<unsigned char*>(copy.getDataPtr())[0] ^= 1;
-    copy.setBorder(7, 7, 7);
     EXPECT_TRUE(contentsOf(original) == contents && contentsOf(assigned) == contents && contentsOf(copy) != contents);
     moved = std::move(assigned);
     EXPECT_TRUE(contentsOf(moved) == contents && contentsOf(assigned) == contentsOf(CMOKTexture()));
@@ -56,29 +55,26 @@ TEST(Texture, CopiesAreDeepAndMovesLeaveADefaultTexture) {
 }
 
 TEST(Texture, WithoutABufferStaysWithoutOne) {
-    const TemporaryFolder folder;
-    CMOKTexture halfLoaded = sample();
+    CMOKTexture halfLoaded = sample(), assigned = sample();
     TextureInternals::release(halfLoaded);
     TextureInternals::setDataSize(halfLoaded, 4);
-    CMOKTexture copy(halfLoaded), assigned = sample();
+    const CMOKTexture copy(halfLoaded);
     assigned = copy;
-    EXPECT_EQ(contentsOf(assigned), contentsOf(halfLoaded));
     Bytes image = {9};
-    EXPECT_FALSE(SaveTexture(copy, "mok", image) || copy.saveFile(folder.path("copy.mok").c_str()));
-    EXPECT_EQ(image, Bytes{9});
+    EXPECT_TRUE(contentsOf(assigned) == contentsOf(halfLoaded) && !SaveTexture(copy, "mok", image) && image == Bytes{9});
+    EXPECT_FALSE(copy.saveFile(TemporaryFolder().path("copy.mok").c_str()));
 }
 
 TEST(Texture, IsAddressableOnlyWithAllItsPixels) {
-    // Levels and width of the header over a buffer of 3 levels and width 12.
-    // clang-format off
-    const std::tuple<unsigned int, unsigned int, bool> cases[] = {
-        {3, 12, true}, {2, 12, true}, {4, 12, false}, {0, 12, false}, {3, 13, false}, {256, 1, false}, {1, 0xFFFFFFFF, false},
-        {1, 89478488, false}};  // wrap to 0 and to 192 bytes
-    // clang-format on
     CMOKTexture texture = sample();
-    for (const auto& [levels, width, isAddressable] : cases) {
-        texture.setNumMIPLevels(levels);
-        texture.setWidth(width);
+    // Levels and width of the header over a buffer of 3 levels and width 12; the last wraps to 192 bytes.
+    for (const auto& [levels, width, isAddressable] : {std::tuple{3u, 12u, true},
+                                                       {2u, 12u, true},
+                                                       {4u, 12u, false},
+                                                       {0u, 12u, false},
+                                                       {3u, 13u, false},
+                                                       {1u, 89478488u, false}}) {
+        texture.setNumMIPLevels(levels), texture.setWidth(width);
         EXPECT_EQ(TextureInternals::isAddressable(texture), isAddressable) << levels << ' ' << width;
     }
     const CMOKTexture empty(CMOKTextureHeader(), nullptr);
@@ -89,25 +85,19 @@ TEST(Texture, TheExtensionChoosesTheFileThatIsWritten) {
     const TemporaryFolder folder;
     const CMOKTexture texture = sample();
     Bytes image;
-    ASSERT_TRUE(SaveTexture(texture, "mok", image));
+    // Path, file that is written, layout.
     // clang-format off
-    const std::pair<const char*, const char*> cases[] = {
-        {"a.mok", "a.mok"}, {"b.x.MoK", "b.x.MoK"}, {"c.tga", "c.tga.mok"}, {"d", "d.mok"}, {"i.mok.", "i.mok..mok"}};
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"a.mok", "a.mok", "mok"}, {"b.x.MoK", "b.x.MoK", "mok"}, {"c.tga", "c.tga.mok", "mok"}, {"d", "d.mok", "mok"},
+        {"i.mok.", "i.mok..mok", "mok"}, {"f.DDS", "f.DDS", ".dds"}, {"texture.H", "texture.H", ".h"}};
     // clang-format on
-    for (const auto& [path, written] : cases) {
-        EXPECT_TRUE(texture.saveFile(folder.path(path).c_str())) << path;
+    for (const auto& [path, written, layout] : cases) {
+        EXPECT_TRUE(texture.saveFile(folder.path(path).c_str()) && SaveTexture(texture, layout, image)) << path;
         EXPECT_EQ(folder.read(written), image) << path;
     }
     // A format that KTX does not have: the refused save leaves an empty file.
-    EXPECT_FALSE(texture.saveFile(folder.path("f.ktx").c_str()));
+    EXPECT_FALSE(texture.saveFile(folder.path("f.ktx").c_str()) || texture.saveFile(folder.path("none/a.mok").c_str()));
     EXPECT_TRUE(std::filesystem::is_empty(folder.path("f.ktx")));
-    for (const char* extension : {".DDS", ".h"}) {
-        const std::string name = std::string("f") + extension;
-        ASSERT_TRUE(SaveTexture(texture, extension, image));
-        EXPECT_TRUE(texture.saveFile(folder.path(name).c_str()));
-        EXPECT_EQ(folder.read(name).size(), image.size() - (name == "f.h" ? 6 : 0));
-    }
-    EXPECT_FALSE(texture.saveFile(folder.path("none/a.mok").c_str()));
     for (const char* extension : {"ktx", "tga", "", ".", "a.mok", "mo"})
         EXPECT_FALSE(SaveTexture(texture, extension, image)) << extension;
     EXPECT_FALSE(SaveTexture(texture, nullptr, image));

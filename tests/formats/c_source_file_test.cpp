@@ -25,11 +25,12 @@ std::string record(const std::string& width, const std::string& metaDataSize) {
            width + "0x00,0x00,0x00,\n" + one + one + one + one + metaDataSize + "0x00,0x00,0x00,\n";
 }
 
+/// What is written; behind a '!' if that counts as failed.
 std::string textOf(const CMOKTexture& texture) {
     const TemporaryFolder folder;
-    EXPECT_TRUE(texture.saveFile(folder.path("a.h").c_str()));
+    const bool isSaved = texture.saveFile(folder.path("a.h").c_str());
     const Bytes bytes = folder.read("a.h");
-    return std::string(bytes.begin(), bytes.end());
+    return (isSaved ? "" : "!") + std::string(bytes.begin(), bytes.end());
 }
 
 TEST(CSourceFile, IsWrittenByteForByte) {
@@ -40,17 +41,10 @@ TEST(CSourceFile, IsWrittenByteForByte) {
 
     CMOKTexture texture = row(2);
     MetaDataBlock block;
-    block.fourCC = 0x34333231;
-    block.key = 0x201;
-    block.dataSize = 4;
-    block.data = new unsigned char[4]{9, 8, 0x7F, 0xFF};
+    block.fourCC = 0x34333231, block.key = 0x201, block.dataSize = 4, block.data = new unsigned char[4]{9, 8, 0x7F, 0xFF};
     texture.addMetaData(block);
     const std::string metaData = "0x31,0x32,0x33,0x34,\n0x01,0x02,0x00,0x00,\n0x04,0x00,0x00,0x00,\n0x09,0x08,0x7f,0xff,\n";
     EXPECT_EQ(textOf(texture), start + record("0x02,", "0x10,") + "\n/* Meta Data */\n" + metaData + data + "0xab,0xab," + end);
-    Bytes image;
-    ASSERT_TRUE(SaveTexture(texture, ".H", image));
-    EXPECT_EQ(std::string(image.begin(), image.end()).find("A8BIT texture[] = {\n"), banner.size());
-
     // Blocks are written whatever the record's count says; those of every 32nd owner have a line for each byte.
     MOKTextureHeaderV3 uncounted = row(2).getFileHeader();
     uncounted.metaDataSize = 0u - 16;
@@ -64,25 +58,27 @@ TEST(CSourceFile, IsWrittenByteForByte) {
 }
 
 TEST(CSourceFile, TheArrayIsNamedForThePathUpToItsFirstDot) {
-    const std::pair<const char*, const char*> cases[] = {{"out/logo.h", "logo"},     {"./out/logo.h", ""}, {"a.b/logo.h", "a"},
-                                                         {"x\\y\\logo.x.h", "logo"}, {"h", "h"},           {"", ""}};
-    for (const auto& [path, name] : cases)
+    for (const auto& [path, name] : {std::pair{"out/logo.h", "logo"},
+                                     {"./out/logo.h", ""},
+                                     {"a.b/logo.h", "a"},
+                                     {"x\\y\\logo.x.h", "logo"},
+                                     {"h", "h"},
+                                     {"", ""}})
         EXPECT_EQ(arrayNameOf(path), name) << path;
 }
 
 TEST(CSourceFile, OnlyATextureWithoutItsPixelsIsRefused) {
-    const TemporaryFolder folder;
     CMOKTexture texture = row(2);
     texture.setWidth(3);
-    EXPECT_FALSE(texture.saveFile(folder.path("a.h").c_str()));
-    EXPECT_TRUE(std::filesystem::exists(folder.path("a.h")) && folder.read("a.h").empty());
+    EXPECT_EQ(textOf(texture), "!");
+    const std::string text = textOf(CMOKTexture());
+    EXPECT_EQ(text.substr(text.size() - 16), "\n\n/* Data */\n};\n");
 #if defined(__linux__)
     // Nobody notices a disk that is full.
+    const TemporaryFolder folder;
     std::filesystem::create_symlink("/dev/full", folder.path("full.h"));
     EXPECT_TRUE(row(2).saveFile(folder.path("full.h").c_str()));
 #endif
-    const std::string text = textOf(CMOKTexture());
-    EXPECT_EQ(text.substr(text.size() - 16), "\n\n/* Data */\n};\n");
 }
 
 }  // namespace

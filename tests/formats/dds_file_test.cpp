@@ -19,8 +19,8 @@ Bytes headWith(const Format& f, std::uint32_t flags, std::uint32_t levels, std::
            words({32, f.flags, f.fourCC, f.bits, f.red, f.green, f.blue, f.alpha, caps, caps2, 0, 0, 0});
 }
 
-constexpr std::uint32_t rgb = 0x40, fourCC = 4, alphaPixels = 1, alphaOnly = 2, luminance = 0x20000, bumpL = 0x40000,
-                        dudv = 0x80000;
+constexpr std::uint32_t rgb = 0x40, fourCC = 4, alphaPixels = 1, alphaOnly = 2, luminance = 1 << 17, bumpL = 1 << 18,
+                        dudv = 1 << 19;
 
 // What is written for each number; most are read back as the same.
 // clang-format off
@@ -36,10 +36,7 @@ const std::pair<std::uint32_t, Format> written[] = {
     {60, {dudv, 0, 16, 0xFF, 0xFF00, 0, 0}}, {61, {bumpL, 0, 16, 0x1F, 0x3E0, 0xFC00, 0}},
     {62, {bumpL, 0, 32, 0xFF, 0xFF00, 0xFF0000, 0}}, {63, {dudv, 0, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000}},
     {64, {dudv, 0, 32, 0xFFFF, 0xFFFF0000, 0, 0}}, {67, {dudv | alphaPixels, 0, 32, 0x3FF00000, 0xFFC00, 0x3FF, 0xC0000000}},
-    {81, {luminance, 0, 16, 0xFFFF, 0, 0, 0}},
-};
-constexpr std::uint32_t writtenAsFourCC[] = {
-    code("DXT1"), code("DXT2"), code("DXT3"), code("DXT4"), code("DXT5"), code("YUY2"), code("UYVY"), 36, 112, 113, 114, 116};
+    {81, {luminance, 0, 16, 0xFFFF, 0, 0, 0}}};
 // clang-format on
 
 /// The header that a number sets, 9 by 5 pixels.
@@ -53,12 +50,6 @@ CMOKTexture filled(const CMOKTextureHeader& header) {
     return CMOKTexture(header, testimages::randomBytes(header.getDataSize(), 8).data());
 }
 
-/// Loads a file of that head through the constructor, and gives its format's header for comparison.
-CMOKTexture constructed(const Bytes& image, const char* name = "a.dds") {
-    const TemporaryFolder folder;
-    return CMOKTexture(folder.write(name, image).c_str());
-}
-
 TEST(DDSFile, EveryFormatIsWrittenAsItsRowAndComesBack) {
     const auto check = [](std::uint32_t number, const Format& format) {
         SCOPED_TRACE(number);
@@ -67,21 +58,20 @@ TEST(DDSFile, EveryFormatIsWrittenAsItsRowAndComesBack) {
         const Bytes image = save(texture, "dds");
         EXPECT_EQ(image, headWith(format, 0x1007, 1, 0x1000, 0) + pixelsOf(texture));
         CMOKTexture back;
-        EXPECT_EQ(load(image, back), eLoadOk);
-        EXPECT_EQ(contentsOf(back), contentsOf(texture));
+        EXPECT_TRUE(load(image, back) == eLoadOk && contentsOf(back) == contentsOf(texture));
     };
     for (const auto& [number, format] : written)
         check(number, format);
-    for (const std::uint32_t number : writtenAsFourCC)
+    for (const std::uint32_t number : {code("DXT1"), code("DXT2"), code("DXT3"), code("DXT4"), code("DXT5"), code("YUY2"),
+                                       code("UYVY"), 36u, 112u, 113u, 114u, 116u})
         check(number, {fourCC, number, 0, 0, 0, 0, 0});
     // MOKTC is written and does not come back, but as a texture without pixels.
     for (const auto& [format, number] : {std::pair{eFmtMOKTC2bppRGBA, code("MTC2")}, {eFmtMOKTC4bppRGB, code("MTC4")}}) {
         const CMOKTexture texture = random(format, eVarUByteNorm, 1, 1, 1);
         const Bytes image = save(texture, "dds");
         EXPECT_EQ(image, headWith({fourCC, number, 0, 0, 0, 0, 0}, 0x1007, 1, 0x1000, 0) + pixelsOf(texture));
-        EXPECT_EQ(constructed(image).getPixelType().id, eFmtUnknown);
         CMOKTexture loaded;
-        EXPECT_EQ(load(image, loaded), eLoadUnsupported);
+        EXPECT_TRUE(constructed(image, "a.dds").getPixelType() == eFmtUnknown && load(image, loaded) == eLoadUnsupported);
     }
     // Half floats in one channel come back as floats, and two floats in another order.
     EXPECT_EQ(save(random(PixelType('r', 0, 0, 0, 16, 0, 0, 0), eVarFloat, 1, 1, 1), "dds")[84], 111);
@@ -100,8 +90,7 @@ TEST(DDSFile, PiecesLieByMemberFaceAndLevel) {
             append(expected, texture.getDataPtr(level, 0, face), texture.getDataSize(static_cast<int>(level), false, false));
     EXPECT_EQ(save(texture, "dds"), expected);
     CMOKTexture back;
-    EXPECT_EQ(load(expected, back), eLoadOk);
-    EXPECT_EQ(contentsOf(back), contentsOf(texture));
+    EXPECT_TRUE(load(expected, back) == eLoadOk && contentsOf(back) == contentsOf(texture));
     EXPECT_EQ(save(filled(headerFor(21, 1, 6)), "dds")[108], 8);
 
     // Members and depth are written and not told.
@@ -109,26 +98,19 @@ TEST(DDSFile, PiecesLieByMemberFaceAndLevel) {
     const Bytes image = save(deep, "dds");
     EXPECT_EQ(Bytes(image.begin(), image.begin() + 128), headWith(argb, 0x21007, 2, 0x401008, 0));
     EXPECT_EQ(std::memcmp(image.data() + image.size() / 2 + 64, deep.getDataPtr(0, 1, 0), 360), 0);
-    const CMOKTexture flat = constructed(image);
-    EXPECT_EQ(flat.getDepth() * flat.getNumArrayMembers(), 1u);
+    EXPECT_EQ(constructed(image, "a.dds").getDepth() * constructed(image, "a.dds").getNumArrayMembers(), 1u);
 
     // What the buffer does not hold is not written; what has no pixels is.
     texture.setNumFaces(7);
     EXPECT_TRUE(save(texture, "dds").empty());
-    texture.setNumMIPLevels(0);
-    texture.setNumFaces(0xFFFFFFFF);
-    texture.setNumArrayMembers(0xFFFFFFFF);
+    texture.setNumMIPLevels(0), texture.setNumFaces(0xFFFFFFFF), texture.setNumArrayMembers(0xFFFFFFFF);
     EXPECT_EQ(save(texture, "dds").size(), 128u);
 }
 
 TEST(DDSFile, HeadsAreReadAsTheTreeSays) {
-    struct Case {
-        Format format;
-        std::uint32_t number;  ///< 0: the format stays unknown
-        bool isRefused = false;
-    };
+    // The number 0 leaves the format unknown.
     // clang-format off
-    const Case cases[] = {
+    const struct { Format format; std::uint32_t number; bool isRefused = false; } cases[] = {
         {{rgb | fourCC, 21, 32, 0, 0, 0, 0}, 21}, {{fourCC, 0xFF, 0, 0, 0, 0, 0}, 0, true},
         {{fourCC, code("DX10"), 0, 0, 0, 0, 0}, 0}, {{fourCC, code("RGBG"), 0, 0, 0, 0, 0}, 0},
         {{fourCC, 111, 0, 0, 0, 0, 0}, 111}, {{fourCC, 32, 0, 0, 0, 0, 0}, 32},
@@ -138,16 +120,14 @@ TEST(DDSFile, HeadsAreReadAsTheTreeSays) {
         {{dudv | luminance, 0, 32, 0x3FF00000, 0xFFC00, 0x3FF, 0xC0000000}, 67},
         {{luminance | alphaPixels, 0, 8, 0xFF, 1, 1, 1}, 50}, {{luminance | alphaOnly, 0, 16, 0xFF, 0, 0, 0xFF00}, 0},
         {{alphaOnly, 0, 8, 1, 2, 3, 0xFF}, 28}, {{alphaOnly, 0, 8, 0, 0, 0, 0xF}, 0, true},
-        {{alphaPixels, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000}, 0, true},
-    };
+        {{alphaPixels, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000}, 0, true}};
     // clang-format on
-    for (const Case& item : cases) {
+    for (const auto& item : cases) {
         SCOPED_TRACE(&item - cases);
         const Bytes image = headWith(item.format, 2, 2, 0, 0x200, 1, 1) + Bytes(200, 7);
         const CMOKTexture texture = constructed(image, "b.DdS");
         const CMOKTextureHeader expected = item.number != 0 ? headerFor(item.number) : CMOKTextureHeader();
-        EXPECT_EQ(texture.getPixelType().id, expected.getPixelType().id);
-        EXPECT_EQ(texture.getChannelType(), expected.getChannelType());
+        EXPECT_TRUE(texture.getPixelType() == expected.getPixelType() && texture.getChannelType() == expected.getChannelType());
         EXPECT_EQ(texture.getDataPtr() == nullptr, item.isRefused);
         CMOKTexture loaded;
         EXPECT_EQ(load(image, loaded), item.number != 0 ? eLoadOk : eLoadUnsupported);

@@ -19,8 +19,7 @@ using namespace nativeimage;
 
 inline Bytes words(std::initializer_list<std::uint32_t> values) {
     Bytes bytes;
-    for (const std::uint32_t value : values)
-        append(bytes, &value, sizeof(value));
+    append(bytes, values.begin(), values.size() * sizeof(std::uint32_t));
     return bytes;
 }
 
@@ -31,6 +30,11 @@ inline Bytes operator+(Bytes first, const Bytes& second) {
 
 inline void setWord(Bytes& bytes, std::size_t offset, std::uint32_t value) {
     std::memcpy(bytes.data() + offset, &value, sizeof(value));
+}
+
+/// The texture that the constructor from a path makes of an image.
+inline CMOKTexture constructed(const Bytes& image, const std::string& name) {
+    return CMOKTexture(TemporaryFolder().write(name, image).c_str());
 }
 
 /// Loads from memory that is exactly as large as the image.
@@ -48,10 +52,8 @@ inline CMOKTexture random(const PixelType& format, EMOKTVariableType type, std::
 }
 
 inline Bytes pixelsOf(const CMOKTexture& texture) {
-    Bytes bytes;
-    if (TextureInternals::data(texture) != nullptr)
-        append(bytes, TextureInternals::data(texture), TextureInternals::dataSize(texture));
-    return bytes;
+    const unsigned char* const data = TextureInternals::data(texture);
+    return data == nullptr ? Bytes() : Bytes(data, data + TextureInternals::dataSize(texture));
 }
 
 /// The image that SaveTexture() writes; empty if it gives false. saveFile() must write the same.
@@ -74,18 +76,15 @@ struct HeadCase {
 };
 
 inline void tryHeads(const Bytes& image, const std::string& name, std::initializer_list<HeadCase> cases) {
-    const TemporaryFolder folder;
     for (const HeadCase& item : cases) {
         SCOPED_TRACE(&item - cases.begin());
         Bytes changed = image;
         setWord(changed, item.offset, item.value);
         CMOKTexture loaded;
         EXPECT_EQ(load(changed, loaded), item.status);
-        const CMOKTexture texture(folder.write(name, changed).c_str());
-        EXPECT_EQ(TextureInternals::data(texture) == nullptr, item.size < 0);
-        if (item.size >= 0) {
-            EXPECT_EQ(TextureInternals::dataSize(texture), static_cast<std::uint64_t>(item.size));
-        }
+        const CMOKTexture texture = constructed(changed, name);
+        const auto size = static_cast<std::int64_t>(TextureInternals::dataSize(texture));
+        EXPECT_EQ(texture.getDataPtr() == nullptr ? -1 : size, item.size);
         EXPECT_EQ(contentsOf(texture) == contentsOf(CMOKTexture()), item.isDefault);
     }
 }

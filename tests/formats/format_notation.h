@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
-#include <initializer_list>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "CMOKTextureHeader.h"
+#include "support/test_images.h"
 
 /// Formats in writing, for tables of expected values, and headers to try the maps on.
 namespace formatnotation {
@@ -46,12 +46,10 @@ inline std::vector<PixelType> allFormats() {
         {{"rgba", "argb", "bgra", "abgr", "xrgb", "xbgr", "bgrx", "rgbx", "xlgr"},
          {" 1.5.5.5", " 5.5.5.1", " 4.4.4.4", " 8.3.3.2", " 8.8.8.8", " 2.10.10.10", " 10.10.10.2", " 16.16.16.16",
           " 32.32.32.32"}}};
-    for (const auto& [letters, bits] : kinds) {
-        for (const std::string name : letters) {
+    for (const auto& [letters, bits] : kinds)
+        for (const std::string name : letters)
             for (const char* rates : bits)
                 formats.push_back(Notation(name + rates));
-        }
-    }
     return formats;
 }
 
@@ -86,38 +84,18 @@ inline CMOKTextureHeader headerOf(const Row& row) {
     return headerOf(row.format, row.channelType, row.colourSpace, row.isPreMultiplied);
 }
 
-inline const Row* find(const Rows& rows, unsigned int number) {
-    const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row& r) { return r.number == number; });
-    return row == rows.end() ? nullptr : &*row;
-}
-
-inline bool isAnyOf(unsigned int number, std::initializer_list<unsigned int> numbers) {
-    return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
-}
-
-/// What the numbers of DXGI are read as.
-inline const Rows& dxgiRead() {
-    constexpr EMOKTColourSpace srgb = eColourSpaceSRGB;
-    // clang-format off
-    static const Rows rows = {
-        {2, "rgba 32.32.32.32", flt}, {3, "rgba 32.32.32.32", ui}, {4, "rgba 32.32.32.32", si}, {6, "rgb 32.32.32", flt},
-        {7, "rgb 32.32.32", ui}, {8, "rgb 32.32.32", si}, {10, "rgba 16.16.16.16", flt}, {11, "rgba 16.16.16.16", uns},
-        {12, "rgba 16.16.16.16", us}, {13, "rgba 16.16.16.16", sns}, {14, "rgba 16.16.16.16", ss}, {16, "rg 32.32", flt},
-        {17, "rg 32.32", ui}, {18, "rg 32.32", si}, {24, "rgba 10.10.10.2", uni}, {25, "rgba 10.10.10.2", ui},
-        {26, "rgb 11.11.10", flt}, {28, "rgba 8.8.8.8", unb}, {29, "rgba 8.8.8.8", unb, srgb}, {30, "rgba 8.8.8.8", ub},
-        {31, "rgba 8.8.8.8", snb}, {32, "rgba 8.8.8.8", sb}, {34, "rg 16.16", flt}, {35, "rg 16.16", uns},
-        {36, "rg 16.16", us}, {37, "rg 16.16", sns}, {38, "rg 16.16", ss}, {41, "r 32", flt}, {42, "r 32", ui},
-        {43, "r 32", si}, {49, "rg 8.8", unb}, {50, "rg 8.8", ub}, {51, "rg 8.8", snb}, {52, "rg 8.8", sb}, {54, "r 16", flt},
-        {56, "r 16", uns}, {57, "r 16", us}, {58, "r 16", sns}, {59, "r 16", ss}, {61, "r 8", unb}, {62, "r 8", ub},
-        {63, "r 8", snb}, {64, "r 8", sb}, {65, "r 8", unb}, {66, eFmtBW1bpp, unb}, {67, eFmtRGB9E5, flt},
-        {68, eFmtRGBG8888, unb}, {69, eFmtGRGB8888, unb}, {71, eFmtDXT1, uni}, {72, eFmtDXT1, uni, srgb}, {74, eFmtDXT3, uni},
-        {75, eFmtDXT3, uni, srgb}, {77, eFmtDXT5, uni}, {78, eFmtDXT5, uni, srgb}, {80, eFmtBC4, uni, srgb},
-        {81, eFmtBC4, sni}, {83, eFmtBC5, uni}, {84, eFmtBC5, sni}, {85, "bgr 5.6.5", uns}, {86, "bgra 5.5.5.1", uns},
-        {87, "bgra 8.8.8.8", unb}, {88, "bgrx 8.8.8.8", unb}, {91, "bgra 8.8.8.8", unb, srgb}, {93, "bgrx 8.8.8.8", unb, srgb},
-        {96, eFmtBC7, flt, srgb}, {98, eFmtBC7, uni}, {99, eFmtBC7, uni, srgb}, {107, eFmtYUY2, uni}, {111, "ai 4.4", unb},
-        {112, "ia 4.4", unb}, {115, "bgra 4.4.4.4", uns}};
-    // clang-format on
-    return rows;
-}
+/// Collects what the maps give, for a digest of it all.
+struct Collected {
+    std::vector<std::uint32_t> numbers;
+    void add(std::uint32_t number) { numbers.push_back(number); }
+    void add(bool result, const CMOKTextureHeader& header) {
+        const MOKTextureHeaderV3 record = header.getFileHeader();
+        numbers.resize(numbers.size() + 1 + sizeof(record) / 4, result);
+        std::memcpy(numbers.data() + numbers.size() - sizeof(record) / 4, &record, sizeof(record));
+    }
+    std::uint64_t digest() const {
+        return testimages::digest({reinterpret_cast<const std::uint8_t*>(numbers.data()), numbers.size() * 4});
+    }
+};
 
 }  // namespace formatnotation

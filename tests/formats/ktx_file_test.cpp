@@ -27,19 +27,14 @@ std::string orientation(const std::string& value) {
 }
 
 TEST(KTXFile, IsWrittenByteForByteAndComesBack) {
-    struct Case {
-        PixelType format;
-        EMOKTVariableType type, typeBack;
-        std::uint32_t glType, typeSize, glFormat, internalFormat, base;
-    };
     // clang-format off
-    const Case cases[] = {
+    const struct {
+        PixelType format; EMOKTVariableType type, typeBack; std::uint32_t glType, typeSize, glFormat, internalFormat, base; } cases[] = {
         {PixelTypeRGBA8,                              eVarUByteNorm, eVarUByteNorm, glUnsignedByte, 4, glRGBA, glRGBA8, glRGBA},
         {PixelType('r', 'g', 'b', 0, 32, 32, 32, 0),  eVarFloat,     eVarFloat,     0x1406,        12, 0x1907, 0x8815,  0x1907},
-        {eFmtMOKTC2bppRGB,                            eVarUByteNorm, eVarUIntNorm,  0,              0, 0,      0x8C01,  0x8C01},
-    };
+        {eFmtMOKTC2bppRGB,                            eVarUByteNorm, eVarUIntNorm,  0,              0, 0,      0x8C01,  0x8C01}};
     // clang-format on
-    for (const Case& item : cases) {
+    for (const auto& item : cases) {
         CMOKTexture texture = random(item.format, item.type, 3, 2, 6, 2);
         texture.setOrientation(eOrientLeft | eOrientUp | eOrientOut);
         texture.setBorder(1, 2, 3);
@@ -65,14 +60,9 @@ TEST(KTXFile, IsWrittenByteForByteAndComesBack) {
 
 TEST(KTXFile, TheFirstLetterOfAnOrientationIsSeen) {
     const std::string other = "other " + std::string(10, 'x');
-    const struct {
-        Bytes pairs;
-        unsigned int orientation;
-        ELoadStatus status;
-    } cases[] = {
-        {{}, 2, eLoadOk},
-        {pair(orientation("d"), 0), 0, eLoadOk},
-        {pair(orientation("l"), 0), 1, eLoadOk},
+    // clang-format off
+    const struct { Bytes pairs; unsigned int orientation; ELoadStatus status; } cases[] = {
+        {{}, 2, eLoadOk}, {pair(orientation("d"), 0), 0, eLoadOk}, {pair(orientation("l"), 0), 1, eLoadOk},
         {pair(orientation("S=l,T=d"), 2), 2, eLoadOk},
         {pair(orientation(""), 1), 2, eLoadOk},                               // too short for a value
         {pair(orientation("i"), 0) + pair(orientation("l"), 0), 1, eLoadOk},  // the later one replaces
@@ -82,16 +72,14 @@ TEST(KTXFile, TheFirstLetterOfAnOrientationIsSeen) {
         {pair(other + "xxxxxx", 0) + pair(orientation("l"), 0), 1, eLoadCorrupt},
         {pair(other + "xxxxxx", 2) + pair(orientation("l"), 0), 2, eLoadOk},
         {pair(orientation("l"), 0, 0xFFFFFFEF), 1, eLoadCorrupt},  // ends beyond the file
-        {words({0}) + pair(orientation("l"), 0), 2, eLoadCorrupt},
-    };
-    const TemporaryFolder folder;
+        {words({0}) + pair(orientation("l"), 0), 2, eLoadCorrupt}};
+    // clang-format on
     for (const auto& item : cases) {
         SCOPED_TRACE(&item - cases);
         const Bytes image = headWith(static_cast<std::uint32_t>(item.pairs.size())) + item.pairs + pixels;
-        const CMOKTexture fromFile(folder.write("pairs.ktx", image).c_str());
-        EXPECT_EQ(pixelsOf(fromFile), pixels);
+        const CMOKTexture fromFile = constructed(image, "pairs.ktx");
         EXPECT_EQ(fromFile.getOrientation(eAxisX) | fromFile.getOrientation(eAxisY), item.orientation);
-        EXPECT_EQ(fromFile.getMetaDataSize(), 15u);
+        EXPECT_TRUE(pixelsOf(fromFile) == pixels && fromFile.getMetaDataSize() == 15);
         CMOKTexture loaded;
         EXPECT_EQ(load(image, loaded), item.status);
         EXPECT_EQ(contentsOf(loaded), contentsOf(item.status == eLoadOk ? fromFile : CMOKTexture()));
@@ -100,9 +88,8 @@ TEST(KTXFile, TheFirstLetterOfAnOrientationIsSeen) {
     CMOKTexture texture;
     for (const auto& [size, status] : {std::pair{0xF0u, eLoadTruncated}, {0xFFFFFFF0u, eLoadTooLarge}}) {
         const Bytes image = headWith(size) + pair(orientation("l"), 0) + pixels;
-        const CMOKTexture beyond(folder.write("a.KTX", image).c_str());
-        EXPECT_EQ(beyond.getDataPtr(), nullptr);
-        EXPECT_EQ(beyond.getOrientation(eAxisX), eOrientLeft);
+        const CMOKTexture beyond = constructed(image, "a.KTX");
+        EXPECT_TRUE(beyond.getDataPtr() == nullptr && beyond.getOrientation(eAxisX) == eOrientLeft);
         EXPECT_EQ(load(image, texture), status);
     }
     EXPECT_EQ(load(headWith(16) + pair(std::string(12, 'x'), 0) + pixels, texture, {.maxMetaDataBlocks = 0}), eLoadTooLarge);
@@ -118,13 +105,9 @@ TEST(KTXFile, OddHeadsAreTakenByTheConstructorAndRefusedByLoading) {
         {36, 0xFFFFFFFF, eLoadTooLarge, -1}, {44, 2, eLoadTruncated, 52}, {48, 0, eLoadUnsupported, 0},
         {52, 0, eLoadUnsupported, 0}, {56, 0, eLoadUnsupported, 0}, {56, 256, eLoadTooLarge, -1}});
     // clang-format on
-    const TemporaryFolder folder;
     // Of a file that ends within its pixels the constructor has what is there.
-    Bytes cut = headWith(0) + pixels;
-    cut.resize(cut.size() - 5);
-    Bytes present(pixels.begin(), pixels.end() - 5);
-    present.resize(pixels.size());
-    EXPECT_EQ(pixelsOf(CMOKTexture(folder.write("cut.ktx", cut).c_str())), present);
+    const Bytes present(pixels.begin(), pixels.end() - 5);
+    EXPECT_EQ(pixelsOf(constructed(headWith(0) + present, "cut.ktx")), present + Bytes(5));
 }
 
 }  // namespace

@@ -8,92 +8,86 @@ using namespace operationtextures;
 
 namespace {
 
-constexpr EMOKTAxis unknownAxis = static_cast<EMOKTAxis>(3);
 struct Position {
     std::uint32_t x, y, z;
 };
+/// Where a pixel goes, from its place and its distances from the far ends.
+using Place = Position (*)(Position p, Position mirrored);
 
-/// Compares every pixel with that at the place where `place(position, size)` puts it, in all pieces that are left.
-template <typename T, typename Place>
+/// Compares every pixel with that at its new place, in all pieces that are left.
+template <typename T>
 void expectMoved(const CMOKTexture& before, const CMOKTexture& after, Place place) {
     for (std::uint32_t i = 0; i < after.getNumMIPLevels() * 4; ++i) {
         const std::uint32_t level = i / 4, member = i / 2 % 2, face = i % 2;
-        const Position size = {before.getWidth(level), before.getHeight(level), before.getDepth(level)};
-        const std::vector<T> from = piece<T>(before, level, member, face), to = piece<T>(after, level, member, face);
+        const std::uint32_t width = before.getWidth(level), height = before.getHeight(level), depth = before.getDepth(level);
+        const std::vector<T> from = piece<T>(before, static_cast<int>(level), member, face);
+        const std::vector<T> to = piece<T>(after, static_cast<int>(level), member, face);
         for (std::uint32_t n = 0; n < from.size() / 4; ++n) {
-            const Position target = place(Position{n % size.x, n / size.x % size.y, n / size.x / size.y}, size);
+            const Position p = {n % width, n / width % height, n / width / height};
+            const Position target = place(p, {width - 1 - p.x, height - 1 - p.y, depth - 1 - p.z});
             const std::size_t at = (std::size_t{target.z} * after.getHeight(level) + target.y) * after.getWidth(level) + target.x;
             ASSERT_EQ(std::memcmp(&from[n * 4], &to[at * 4], 4 * sizeof(T)), 0) << "level " << level << " pixel " << n;
         }
     }
 }
 
-/// The first four are Flip()'s axes, the others Rotate90() about Z, forward and back.
-enum Motion : unsigned int { flipX, flipY, flipZ, flipUnknown, turnForward, turnBack };
-
-Position moved(Motion motion, Position p, Position size) {
-    const Position mirrored = {size.x - 1 - p.x, size.y - 1 - p.y, size.z - 1 - p.z};
-    const Position places[] = {{mirrored.x, p.y, p.z}, {p.x, mirrored.y, p.z}, {p.x, p.y, mirrored.z}, p,
-                               {mirrored.y, p.x, p.z}, {p.y, mirrored.x, p.z}};
-    return places[motion];
-}
-
 TEST(FlipAndRotate90, MoveThePixelsOfEveryPiece) {
-    forEachElementType([]<typename T>(T) {
+    // clang-format off
+    const std::pair<bool (*)(CMOKTexture& t), Place> motions[] = {
+        {[](CMOKTexture& t) { return Flip(t, eAxisX); }, [](Position p, Position m) { return Position{m.x, p.y, p.z}; }},
+        {[](CMOKTexture& t) { return Flip(t, eAxisY); }, [](Position p, Position m) { return Position{p.x, m.y, p.z}; }},
+        {[](CMOKTexture& t) { return Flip(t, eAxisZ); }, [](Position p, Position m) { return Position{p.x, p.y, m.z}; }},
+        {[](CMOKTexture& t) { return Flip(t, static_cast<EMOKTAxis>(3)); }, [](Position p, Position) { return p; }},
+        {[](CMOKTexture& t) { return Rotate90(t, eAxisZ, true); }, [](Position p, Position m) { return Position{m.y, p.x, p.z}; }},
+        {[](CMOKTexture& t) { return Rotate90(t, eAxisZ, false); }, [](Position p, Position m) { return Position{p.y, m.x, p.z}; }}};
+    // clang-format on
+    forEachElementType([&]<typename T>(T) {
         const CMOKTexture before = randomTexture<T>({37, 18, 5, 4, 2, 2});
-        for (const Motion motion : {flipX, flipY, flipZ, flipUnknown, turnForward, turnBack}) {
+        for (const auto& [move, place] : motions) {
             CMOKTexture texture = before;
-            ASSERT_TRUE(motion < turnForward ? Flip(texture, static_cast<EMOKTAxis>(motion))
-                                             : Rotate90(texture, eAxisZ, motion == turnForward));
-            ASSERT_EQ(texture.getNumMIPLevels(), 4u);
-            expectMoved<T>(before, texture, [motion](Position p, Position size) { return moved(motion, p, size); });
+            ASSERT_TRUE(move(texture) && texture.getNumMIPLevels() == 4);
+            expectMoved<T>(before, texture, place);
         }
     });
 }
 
 TEST(Rotate90, AboutOtherAxesChangesTheHeaderAndZeroesThePixels) {
-    const std::tuple<EMOKTAxis, bool, Position> rows[] = {
-        {eAxisX, true, {5, 2, 3}}, {eAxisY, true, {5, 5, 2}}, {unknownAxis, false, {5, 3, 2}}};
+    const std::tuple<EMOKTAxis, bool, std::vector<std::uint32_t>> rows[] = {
+        {eAxisX, true, {5, 2, 3}}, {eAxisY, true, {5, 5, 2}}, {static_cast<EMOKTAxis>(3), false, {5, 3, 2}}};
     forEachElementType([&rows]<typename T>(T) {
         for (const auto& [axis, result, size] : rows) {
             CMOKTexture texture = randomTexture<T>({5, 3, 2, 3, 2, 2});
             EXPECT_EQ(Rotate90(texture, axis, true), result);
-            const std::vector<std::uint32_t> sizes = {texture.getWidth(), texture.getHeight(), texture.getDepth()};
-            EXPECT_EQ(sizes, (std::vector{size.x, size.y, size.z}));
-            const std::vector<T> pixels = elementsOf<T>(texture);
-            EXPECT_EQ(pixels, std::vector<T>(pixels.size(), T{0}));
+            EXPECT_EQ((std::vector{texture.getWidth(), texture.getHeight(), texture.getDepth()}), size);
+            EXPECT_TRUE(isAllZero(texture));
         }
     });
 }
 
 TEST(Border, MirrorsRowsAndColumnsButNotSlices) {
     // Axis, border, and what becomes of pixels 1 2 3 along that axis.
-    const std::tuple<EMOKTAxis, unsigned int, std::vector<int>> rows[] = {
-        {eAxisX, 1, {1, 1, 2, 3, 3}},
-        {eAxisX, 2, {2, 1, 1, 2, 3, 3, 2}},
-        {eAxisX, 4, {0, 3, 2, 1, 1, 2, 3, 3, 2, 1, 1}},
-        {eAxisY, 2, {2, 1, 1, 2, 3, 3, 2}},
-        {eAxisY, 4, {0, 3, 2, 1, 1, 2, 3, 3, 2, 1, 1}},
-        {eAxisZ, 1, {0, 1, 2, 3, 0}},
-        {eAxisZ, 2, {0, 2, 1, 0, 3, 0, 0}},
-        {eAxisZ, 3, {0, 3, 2, 0, 0, 3, 0, 0, 0}},
-        {eAxisZ, 4, {0, 0, 3, 0, 0, 0, 3, 0, 0, 0, 0}},
-    };
+    // clang-format off
+    const std::tuple<EMOKTAxis, unsigned int, std::vector<double>> rows[] = {
+        {eAxisX, 1, {1, 1, 2, 3, 3}}, {eAxisX, 2, {2, 1, 1, 2, 3, 3, 2}}, {eAxisX, 4, {0, 3, 2, 1, 1, 2, 3, 3, 2, 1, 1}},
+        {eAxisY, 2, {2, 1, 1, 2, 3, 3, 2}}, {eAxisY, 4, {0, 3, 2, 1, 1, 2, 3, 3, 2, 1, 1}}, {eAxisZ, 1, {0, 1, 2, 3, 0}},
+        {eAxisZ, 2, {0, 2, 1, 0, 3, 0, 0}}, {eAxisZ, 3, {0, 3, 2, 0, 0, 3, 0, 0, 0}}, {eAxisZ, 4, {0, 0, 3, 0, 0, 0, 3, 0, 0, 0, 0}}};
+    // clang-format on
     forEachElementType([&rows]<typename T>(T) {
         for (const auto& [axis, border, expected] : rows) {
             const auto along = [axis = axis](std::uint32_t size, std::uint32_t other) {
                 return Shape{axis == eAxisX ? size : other, axis == eAxisY ? size : other, axis == eAxisZ ? size : other};
             };
-            CMOKTexture texture = textureOf<T>(along(3, 1), alikePixels<T>(std::vector{1, 2, 3}));
+            CMOKTexture texture = textureOf<T>(along(3, 1), alikePixels<T>({1, 2, 3}));
             const Shape margin = along(border, 0);
             ASSERT_TRUE(Border(texture, margin.width, margin.height, margin.depth));
             EXPECT_EQ(elementsOf<T>(texture), alikePixels<T>(expected)) << axis << ' ' << border;
         }
-        CMOKTexture volume = textureOf<T>({2, 2, 2}, alikePixels<T>(std::vector{1, 2, 3, 4, 5, 6, 7, 8}));
+        CMOKTexture volume = textureOf<T>({2, 2, 2}, alikePixels<T>({1, 2, 3, 4, 5, 6, 7, 8}));
         ASSERT_TRUE(Border(volume, 1, 1, 1));
-        const std::vector<int> expected = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 2, 2, 1, 1,
-                                           2, 2, 3, 3, 4, 4, 3, 3, 4, 4, 5, 5, 6, 6, 5, 5, 6, 6, 7, 7, 8, 8,
-                                           7, 7, 8, 8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+        std::vector<double> expected = {1, 1, 2, 2, 1, 1, 2, 2, 3, 3, 4, 4, 3, 3, 4, 4,
+                                        5, 5, 6, 6, 5, 5, 6, 6, 7, 7, 8, 8, 7, 7, 8, 8};
+        expected.insert(expected.begin(), 16, 0);
+        expected.insert(expected.end(), 16, 0);
         EXPECT_EQ(elementsOf<T>(volume), alikePixels<T>(expected));
     });
 }

@@ -7,48 +7,41 @@ using namespace operationtextures;
 namespace {
 
 /// The pixel "hzyx" of a normal of slopes -1, 0 or 1 times 0.75, one of which is 0: a slope of 0.75 is 0.6 of the length 1.25.
-std::vector<float> normal(float height, int slopeX, int slopeY) {
+std::vector<float> normal(int height, int slopeX, int slopeY) {
     const float z = slopeX == 0 && slopeY == 0 ? 1.0f : 0.9f;
-    return {height, z, 0.5f + 0.3f * static_cast<float>(slopeY), 0.5f + 0.3f * static_cast<float>(slopeX)};
+    return {static_cast<float>(height), z, 0.5f + 0.3f * static_cast<float>(slopeY), 0.5f + 0.3f * static_cast<float>(slopeX)};
 }
 
 TEST(GenerateNormalMap, TakesEachLevelsSlopesAndWrapsToSliceZero) {
     // Heights and slopes of two slices with two rows of three pixels each. Columns wrap within their row. What is above the first
     // and below the last row of a slice lies in slice 0, whose two rows so have no slope in y.
-    const struct {
-        int heights[3], slopesX[3], slopesY[3];
-    } rows[] = {
-        {{1, 0, 0}, {0, 1, -1}, {0, 0, 0}},
-        {{0, 0, 1}, {1, -1, 0}, {0, 0, 0}},
-        {{0, 0, 0}, {0, 0, 0}, {-1, -1, 0}},
-        {{1, 1, 1}, {0, 0, 0}, {-1, 0, 0}},
-    };
+    // clang-format off
+    const struct { int heights[3], slopesX[3], slopesY[3]; } rows[] = {
+        {{1, 0, 0}, {0, 1, -1}, {0, 0, 0}}, {{0, 0, 1}, {1, -1, 0}, {0, 0, 0}},
+        {{0, 0, 0}, {0, 0, 0}, {-1, -1, 0}}, {{1, 1, 1}, {0, 0, 0}, {-1, 0, 0}}};
+    // clang-format on
     forEachElementType([&rows]<typename T>(T) {
         const T unit = std::is_same_v<T, float> ? T{1} : static_cast<T>(0xFFFFFFFF);
-        for (const int sign : {1, -1}) {
-            for (const std::uint32_t width : {3u, 300u}) {
-                std::vector<T> heights;
-                std::vector<float> expected;
-                for (const auto& row : rows) {
-                    for (std::uint32_t x = 0; x < width; ++x) {
-                        heights.insert(heights.end(), {row.heights[x % 3] == 0 ? T{0} : unit, 5, 6, 7});
-                        const std::vector<float> pixel =
-                            normal(static_cast<float>(row.heights[x % 3]), sign * row.slopesX[x % 3], sign * row.slopesY[x % 3]);
-                        expected.insert(expected.end(), pixel.begin(), pixel.end());
-                    }
-                }
-                CMOKTexture texture = textureOf<T>({width, 2, 2, 2}, heights);
-                texture.setColourSpace(eColourSpaceSRGB);
-                texture.setIsPreMultiplied(true);
-                ASSERT_TRUE(GenerateNormalMap(texture, 0.75f * static_cast<float>(sign), "hzyx"));
-                EXPECT_TRUE(texture.getPixelType() == PixelTypeRGBA32 && texture.getChannelType() == eVarFloat);
-                EXPECT_TRUE(texture.getColourSpace() == eColourSpaceSRGB && texture.isPreMultiplied());
-                const std::vector<float> normals = piece<float>(texture);
-                for (std::size_t i = 0; i < expected.size(); ++i)
-                    ASSERT_FLOAT_EQ(normals[i], expected[i]) << i;
-                const std::vector<float> next = piece<float>(texture, 1);
-                EXPECT_EQ(std::vector<float>(next.begin(), next.begin() + 4), normal(0, 0, 0));
+        for (const auto& [sign, width] : {std::pair{1, 3u}, {-1, 3u}, {1, 300u}, {-1, 300u}}) {
+            std::vector<T> heights;
+            std::vector<float> expected;
+            for (std::uint32_t i = 0; i < 4 * width; ++i) {
+                const auto& row = rows[i / width];
+                const std::uint32_t x = i % width % 3;
+                heights.insert(heights.end(), {row.heights[x] == 0 ? T{0} : unit, 5, 6, 7});
+                std::ranges::copy(normal(row.heights[x], sign * row.slopesX[x], sign * row.slopesY[x]),
+                                  std::back_inserter(expected));
             }
+            CMOKTexture texture = textureOf<T>({width, 2, 2, 2}, heights);
+            texture.setColourSpace(eColourSpaceSRGB);
+            texture.setIsPreMultiplied(true);
+            ASSERT_TRUE(GenerateNormalMap(texture, 0.75f * static_cast<float>(sign), "hzyx"));
+            EXPECT_TRUE(texture.getPixelType() == PixelTypeRGBA32 && texture.getChannelType() == eVarFloat);
+            EXPECT_TRUE(texture.getColourSpace() == eColourSpaceSRGB && texture.isPreMultiplied());
+            for (std::size_t i = 0; i < expected.size(); ++i)
+                ASSERT_FLOAT_EQ(piece<float>(texture)[i], expected[i]) << i;
+            const std::vector<float> next = piece<float>(texture, 1);
+            EXPECT_EQ(std::vector<float>(next.begin(), next.begin() + 4), normal(0, 0, 0));
         }
     });
 }
@@ -56,12 +49,10 @@ TEST(GenerateNormalMap, TakesEachLevelsSlopesAndWrapsToSliceZero) {
 TEST(GenerateNormalMap, ArrangesChannelsByTheOrder) {
     const std::pair<const char*, std::vector<float>> rows[] = {
         {"xyzh", {0.5f, 0.5f, 1.0f, 0.2f}}, {"xzyh", {0.5f, 1.0f, 0.5f, 0.2f}},  {"", {1.0f, 1.0f, 1.0f, 1.0f}},
-        {"hh", {1.0f, 0.2f, 1.0f, 1.0f}},   {"qHhxy", {1.0f, 1.0f, 0.2f, 0.5f}}, {"zzzzh", {1.0f, 1.0f, 1.0f, 1.0f}},
-    };
+        {"hh", {1.0f, 0.2f, 1.0f, 1.0f}},   {"qHhxy", {1.0f, 1.0f, 0.2f, 0.5f}}, {"zzzzh", {1.0f, 1.0f, 1.0f, 1.0f}}};
     for (const auto& [order, expected] : rows) {
         CMOKTexture texture = textureOf<std::uint8_t>({}, {51, 1, 2, 3});
-        EXPECT_TRUE(GenerateNormalMap(texture, 5.0f, order));
-        EXPECT_EQ(elementsOf<float>(texture), expected) << order;
+        EXPECT_TRUE(GenerateNormalMap(texture, 5.0f, order) && elementsOf<float>(texture) == expected) << order;
         EXPECT_TRUE(texture.getBumpMapOrder() == CMOKTString(order).left(4) && texture.getBumpMapScale() == 5.0f) << order;
     }
 }
@@ -69,10 +60,8 @@ TEST(GenerateNormalMap, ArrangesChannelsByTheOrder) {
 TEST(GenerateNormalMap, FailsForScaleZeroAndReplacesTheTexture) {
     for (const float scale : {0.0f, -0.0f}) {
         CMOKTexture texture = randomTexture<std::uint16_t>({4, 3, 2, 2, 2, 1});
-        EXPECT_FALSE(GenerateNormalMap(texture, scale, "xy"));
+        EXPECT_TRUE(!GenerateNormalMap(texture, scale, "xy") && isAllZero(texture));
         EXPECT_TRUE(texture.getChannelType() == eVarFloat && texture.isBumpMap() && texture.getBumpMapOrder() == "xy");
-        const std::vector<float> pixels = elementsOf<float>(texture);
-        EXPECT_EQ(pixels, std::vector<float>(pixels.size(), 0.0f));
     }
 }
 

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -19,45 +21,39 @@ struct Shape {
 /// A texture whose first elements are those given, the rest zeroed.
 template <typename T>
 moktexture::CMOKTexture textureOf(const Shape& shape, const std::vector<T>& elements) {
-    constexpr auto bits = static_cast<std::uint8_t>(8 * sizeof(T));
-    const moktexture::PixelType format{'r', 'g', 'b', 'a', bits, bits, bits, bits};
-    const EMOKTVariableType types[] = {eVarNone, eVarUByteNorm, eVarUShortNorm, eVarNone, eVarUIntNorm};
-    moktexture::CMOKTextureHeader header(format.id, shape.height, shape.width, shape.depth, shape.levels, shape.members,
-                                         shape.faces, eColourSpaceLinear, types[sizeof(T)], false);
-    if (std::is_same_v<T, float>) header.setChannelType(eVarFloat);
+    constexpr std::uint8_t bits = 8 * sizeof(T);
+    constexpr EMOKTVariableType types[] = {eVarNone, eVarUByteNorm, eVarUShortNorm, eVarNone, eVarUIntNorm};
+    const moktexture::CMOKTextureHeader header(moktexture::PixelType('r', 'g', 'b', 'a', bits, bits, bits, bits).id, shape.height,
+                                               shape.width, shape.depth, shape.levels, shape.members, shape.faces,
+                                               eColourSpaceLinear, std::is_same_v<T, float> ? eVarFloat : types[sizeof(T)],
+                                               false);
     moktexture::CMOKTexture texture(header, nullptr);
-    if (!elements.empty()) std::memcpy(texture.getDataPtr(), elements.data(), elements.size() * sizeof(T));
+    std::copy(elements.begin(), elements.end(), static_cast<T*>(texture.getDataPtr()));
     return texture;
 }
 
-/// Elements over the whole range of integers with much white, and from -0.25 to 1.25 for floats.
+/// Elements over the whole range of integers with much white, and from -0.25 to 1.25 for floats; `withSpecials` puts infinities
+/// and NaNs of several payloads among the latter.
 template <typename T>
-std::vector<T> randomElements(std::size_t count, testimages::Random& random) {
+std::vector<T> randomElements(std::size_t count, testimages::Random& random, bool withSpecials = false) {
+    constexpr std::uint32_t specials[] = {0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC00000, 0x7FC12345, 0xFFFFFFFF};
     std::vector<T> elements(count);
     for (T& element : elements) {
         const std::uint32_t number = random.below(8) == 0 ? 0xFFFFFFFFu : random.next();
-        element = std::is_same_v<T, float> ? static_cast<T>(static_cast<float>(number >> 8) * 0x1.8p-24f - 0.25f)
-                                           : static_cast<T>(number);
+        element = static_cast<T>(number);
+        if constexpr (std::is_same_v<T, float>) {
+            element = static_cast<float>(number >> 8) * 0x1.8p-24f - 0.25f;
+            if (withSpecials && random.below(6) == 0) std::memcpy(&element, &specials[random.below(6)], sizeof element);
+        }
     }
     return elements;
 }
 
-/// Puts infinities and NaNs of several payloads in place of some elements of a float image.
-template <typename T>
-void scatterSpecialValues(std::vector<T>& elements, testimages::Random& random) {
-    if constexpr (std::is_same_v<T, float>) {
-        const std::uint32_t bits[] = {0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC00000, 0x7FC12345, 0xFFFFFFFF};
-        for (float& element : elements) {
-            if (random.below(6) == 0) std::memcpy(&element, &bits[random.below(6)], sizeof element);
-        }
-    }
-}
-
 /// Pixels whose four elements are alike, one for each number.
-template <typename T, typename Number>
-std::vector<T> alikePixels(const std::vector<Number>& numbers) {
+template <typename T>
+std::vector<T> alikePixels(const std::vector<double>& numbers) {
     std::vector<T> elements;
-    for (const Number& number : numbers)
+    for (const double number : numbers)
         elements.insert(elements.end(), 4, static_cast<T>(number));
     return elements;
 }
@@ -65,7 +61,7 @@ std::vector<T> alikePixels(const std::vector<Number>& numbers) {
 template <typename T>
 std::vector<T> repeatedPixel(const std::vector<T>& pixel, std::size_t count) {
     std::vector<T> elements;
-    for (std::size_t i = 0; i < count; ++i)
+    while (count-- > 0)
         elements.insert(elements.end(), pixel.begin(), pixel.end());
     return elements;
 }
@@ -76,28 +72,25 @@ moktexture::CMOKTexture randomTexture(const Shape& shape, std::uint64_t seed = 1
     return textureOf(shape, randomElements<T>(textureOf<T>(shape, {}).getDataSize() / sizeof(T), random));
 }
 
-/// Elements of one piece.
+/// Elements of one piece; of the whole buffer for the level -1.
 template <typename T>
-std::vector<T> piece(const moktexture::CMOKTexture& texture, std::uint32_t level = 0, unsigned int member = 0,
-                     unsigned int face = 0) {
-    const T* const first = static_cast<const T*>(texture.getDataPtr(level, member, face));
-    return {first, first + texture.getDataSize(static_cast<int>(level), false, false) / sizeof(T)};
+std::vector<T> piece(const moktexture::CMOKTexture& texture, int level = 0, unsigned int member = 0, unsigned int face = 0) {
+    const T* const first =
+        static_cast<const T*>(texture.getDataPtr(level < 0 ? 0u : static_cast<unsigned int>(level), member, face));
+    return {first, first + texture.getDataSize(level, level < 0, level < 0) / sizeof(T)};
 }
 
-/// Elements of the whole buffer.
 template <typename T>
-std::vector<T> elementsOf(const moktexture::CMOKTexture& texture) {
-    const T* const first = static_cast<const T*>(texture.getDataPtr());
-    return {first, first + texture.getDataSize() / sizeof(T)};
+constexpr auto elementsOf = [](const moktexture::CMOKTexture& texture) { return piece<T>(texture, -1); };
+
+inline bool isAllZero(const moktexture::CMOKTexture& texture) {
+    return std::ranges::count(elementsOf<std::uint8_t>(texture), 0) == texture.getDataSize();
 }
 
 /// Calls `test(T)` for the four element types.
 template <typename Test>
 void forEachElementType(Test test) {
-    test(std::uint8_t{});
-    test(std::uint16_t{});
-    test(std::uint32_t{});
-    test(float{});
+    std::apply([&](auto... zeroes) { (test(zeroes), ...); }, std::tuple<std::uint8_t, std::uint16_t, std::uint32_t, float>());
 }
 
 }  // namespace operationtextures
