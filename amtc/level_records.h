@@ -109,6 +109,14 @@ struct RepStart {
     std::array<Candidate, mostCandidates> candidates;
 };
 
+/// What the refinement of a block depends on, beside its pixels and its own candidates.
+struct RefinementInputs {
+    std::array<ColourPair, 9> neighbourColours;  ///< those of the block itself count for nothing and are 0
+    std::array<std::uint8_t, 9> neighbourModes;  ///< likewise
+    std::array<std::uint8_t, 5> rules;           ///< settings that change from sweep to sweep
+    bool operator==(const RefinementInputs&) const = default;
+};
+
 struct BlockRecord {
     std::uint32_t segmentable;  ///< 1 if the footprint splits into fewer segments than a quarter of its pixels
     std::array<Rep, repCount> reps;
@@ -117,6 +125,8 @@ struct BlockRecord {
     std::uint32_t lastVisited;                        ///< step of the last visit
     std::array<RepStart, mostRegionModes> repStarts;  ///< in the order of ListRegionModes with extended modes
     std::uint32_t bestMode;                           ///< the region mode in force, which neighbours see
+    RefinementInputs lastInputs;                      ///< of the last visit
+    std::uint32_t settledModes;  ///< bit i: repStarts[i] came out of a visit with these inputs as it went in, and would again
 
     /// The best candidate of the mode in force.
     const Candidate& best() const;

@@ -76,6 +76,41 @@ bool refineMode(const Visit& visit, RepStart& record, VisitSpace& space) {
     return work.storeBest(record, settings.candidatesKept);
 }
 
+RefinementInputs inputsOf(const Visit& visit) {
+    const AmtcLevelSettings& settings = visit.settings;
+    RefinementInputs inputs{visit.neighbourColours, {}, {}};
+    for (std::size_t i = 0; i < visit.neighbours.size(); ++i)
+        inputs.neighbourModes[i] = static_cast<std::uint8_t>(visit.neighbours[i]->bestMode);
+    inputs.neighbourColours[centreOfNeighbourhood] = {};
+    inputs.neighbourModes[centreOfNeighbourhood] = 0;
+    std::size_t rule = 0;
+    for (const std::uint32_t setting : {settings.refineIterations, settings.candidatesKept, settings.neighbourModeVariants,
+                                        settings.clampToBounds, settings.useSegments})
+        inputs.rules[rule++] = static_cast<std::uint8_t>(setting);
+    return inputs;
+}
+
+bool haveSameCandidates(const RepStart& first, const RepStart& second) {
+    const auto sameColours = [](const Candidate& a, const Candidate& b) { return a.colours() == b.colours(); };
+    return first.count == second.count &&
+           std::equal(first.candidates.begin(), first.candidates.begin() + first.count, second.candidates.begin(), sameColours);
+}
+
+/// Refines those modes that would not stay as they are. True if a mode's best pair changed.
+bool refineModes(const Visit& visit, std::uint32_t modeCount, BlockRecord& block, VisitSpace& space) {
+    const RefinementInputs inputs = inputsOf(visit);
+    if (inputs != block.lastInputs) block.settledModes = 0;
+    block.lastInputs = inputs;
+    bool hasChanged = false;
+    for (std::uint32_t i = 0; i < modeCount; ++i) {
+        if ((block.settledModes >> i & 1) != 0) continue;
+        const RepStart before = block.repStarts[i];
+        hasChanged |= refineMode(visit, block.repStarts[i], space);
+        if (haveSameCandidates(before, block.repStarts[i])) block.settledModes |= 1u << i;
+    }
+    return hasChanged;
+}
+
 std::uint32_t bestOf(const BlockRecord& block, std::uint32_t modeCount) {
     std::size_t best = 0;
     for (std::size_t i = 1; i < modeCount; ++i) {
@@ -118,8 +153,7 @@ void VisitBlockRefine(const AmtcImage& image, const AmtcLevelSettings& settings,
 
     // One evaluation has but scored the start: nothing here is at rest yet, and the neighbours are to look again.
     bool hasChanged = settings.refineIterations < 2;
-    for (std::size_t i = 0; i < modeCount; ++i)
-        hasChanged |= refineMode(visit, block.repStarts[i], space);
+    hasChanged |= refineModes(visit, modeCount, block, space);
     const std::uint32_t bestMode = bestOf(block, modeCount);
     hasChanged |= bestMode != block.bestMode;
     block.bestMode = bestMode;

@@ -41,7 +41,9 @@ public:
     Level(const Level&) = delete;
     ~Level() { FreeBlockRows(rows); }
 
+    /// In the plain form, which refines all modes whether settled or not.
     BlockRecord& visit(std::uint32_t row, std::uint32_t column, std::uint32_t number) {
+        rows[row][column].settledModes = 0;
         VisitBlockRefine(*image, settings, row, column, ProcessorLevel::baseline, *space, number, rows);
         return rows[row][column];
     }
