@@ -15,7 +15,8 @@ void failToCreateThread() {
 
 std::thread StartThread(ThreadRoutine routine, void* context) {
     try {
-        return std::thread(routine, context);
+        // A lambda, as its type is hidden: pointers as arguments would make visible symbols of std::thread.
+        return std::thread([routine, context] { routine(context); });
     } catch (const std::system_error&) {
         failToCreateThread();
     } catch (const std::bad_alloc&) {
