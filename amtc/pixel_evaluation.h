@@ -6,7 +6,8 @@
 /// @file
 /// What a decoder would make of a footprint, and how far that is from the pixels: the plain form. `region_evaluator.h` is the way
 /// to the fast ones.
-/// In the second generation it can differ from what is stored: in a translucent pair, A's alpha 255 decodes as 238 and B's 0 as 17.
+/// In the second generation it can differ from what is stored: in a translucent pair, A's alpha 255 decodes as 238 and B's 0
+/// as 17.
 
 namespace moktexture::amtc {
 
