@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "amtc/amtc_localised.h"
 #include "moktc/block_order.h"
 #include "support/test_images.h"
@@ -52,6 +54,16 @@ TEST(AmtcDoor, MakesEveryLevelOfAChain) {
         EXPECT_EQ(encode(map, request, chain.data()), 0u);
         EXPECT_EQ(testimages::digest(chain), digest) << width << " x " << height;
     }
+}
+
+TEST(AmtcDoor, EncodesTwoImagesAtOnceAsEachAlone) {
+    const Map maps[] = {{40, 28, testimages::make(Kind::cutOut, 40, 28)}, {32, 64, testimages::make(Kind::edges, 32, 64)}};
+    const Request request{.generation = 1, .quality = 1};
+    std::future<Bytes> atOnce[2];
+    for (std::size_t i : {0u, 1u})
+        atOnce[i] = std::async(std::launch::async, [&, i] { return encoded(maps[i], request); });
+    for (std::size_t i : {0u, 1u})
+        EXPECT_EQ(atOnce[i].get(), encoded(maps[i], request)) << "image " << i;
 }
 
 TEST(AmtcDoor, TakesPixelsInEitherOrderAndStrideAndEveryQuality) {
