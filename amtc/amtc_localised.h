@@ -37,7 +37,7 @@ extern std::FILE* diagnosticsStream;
 /// @param secondGeneration 0 or 1: the generation whose rules the blocks and the punch-through preprocessing follow
 /// @param linearBlockOrder non-zero: row by row; 0: twiddled, where the grid's sides are powers of two
 /// @param colourMIPs non-zero: one flat colour a further level
-/// @param progress may be null, as may what it points to
+/// @param progress may be null, as may what it points to; the record is reset and not touched again
 std::uint32_t CompressImageLevels(const std::uint8_t* source, std::uint32_t isRGBAOrder, std::int32_t width, std::int32_t height,
                                   std::int32_t rowStride, std::uint8_t* destination, std::uint8_t quality, std::int32_t mipMode,
                                   std::uint64_t hasAlpha, std::int32_t punchThrough, std::uint32_t formatVersion,
@@ -45,8 +45,7 @@ std::uint32_t CompressImageLevels(const std::uint8_t* source, std::uint32_t isRG
                                   std::uint32_t linearBlockOrder, std::uint32_t colourMIPs, AmtcProgress** progress,
                                   const LevelResources& resources = LevelResources::ofThisMachine());
 
-/// Encodes the level in `image`, whatever else the work image held before. 0, or 1 as above; what stands there too means the
-/// same.
+/// Encodes the level in `image`. Parameters and result as above; pixels outside `Width` by `Height` and `progress` play no part.
 std::uint32_t CompressOneLevel(const AmtcImage& image, std::uint32_t formatVersion, std::uint32_t bitsPerPixel,
                                std::uint32_t secondGeneration, std::uint32_t linearBlockOrder, std::uint8_t quality,
                                std::uint64_t reserved, std::uint8_t* destination, AmtcProgress** progress,

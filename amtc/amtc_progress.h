@@ -13,7 +13,7 @@ namespace moktexture::amtc {
 /// Work done, under its mutex. Whoever holds that may ask for the progress or reset it.
 struct AmtcProgress {
     std::uint32_t started = 0;
-    std::uint32_t doneA = 0, doneB = 0;  ///< two counters of work
+    std::uint32_t doneA = 0, doneB = 0;  ///< both count against `total`; where that is 0, A alone
     std::uint32_t total = 0;             ///< amount of work, 0 if not known
     float mipFactor = 1.0F;              ///< 1.3333334 where MIP levels are made: a full chain adds a third
     std::recursive_mutex mutex;

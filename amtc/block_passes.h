@@ -16,10 +16,13 @@ namespace moktexture::amtc {
 inline constexpr std::uint32_t mostThreads = 32;
 
 /// Visits all blocks for set-up; pass 1 needs what pass 0 found around each block.
+/// @param threadLimit most shares, from 1 to mostThreads
 void RunBlockPass(std::uint32_t pass, const AmtcImage& image, const AmtcLevelSettings& settings, const FootprintKernels& kernels,
                   std::uint32_t threadLimit, const LevelResources& resources, const BlockRows& blockRows);
 
-/// Visits the blocks of every second row and column, from `rowPhase` and `columnPhase` on, for refinement.
+/// Visits the blocks of every second row and column, from `rowPhase` and `columnPhase` on, for refinement. A grid one block high
+/// is not visited.
+/// @param step number of the phase, counted from 1 over all sweeps
 void RunParityPhase(const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t rowPhase, std::uint32_t columnPhase,
                     std::uint32_t step, std::uint32_t threadLimit, const LevelResources& resources, const BlockRows& blockRows);
 

@@ -58,7 +58,7 @@ EvaluatedPairs::EvaluatedPairs(const RefinementRegion& refinedRegion, ProcessorL
     : evaluator(refinedRegion.settings, refinedRegion.table, refinedRegion.footprint, refinedRegion.segments, level),
       region(refinedRegion),
       slots(pairSlots),
-      ringIsShared(slots.rememberPairs() && outerErrorIsShared(region)) {
+      ringIsShared(slots.remembersPairs() && outerErrorIsShared(region)) {
     slots.forgetAll();
 }
 

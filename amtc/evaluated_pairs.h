@@ -29,10 +29,10 @@ struct EvaluatedPair {
 /// Room for the pairs of one region after another.
 class PairSlots {
 public:
-    /// The plain form remembers nothing.
+    /// The plain form, for tests to compare with, remembers nothing.
     explicit PairSlots(bool remembersPairs = true) : remembers(remembersPairs) {}
 
-    bool rememberPairs() const { return remembers; }
+    bool remembersPairs() const { return remembers; }
     void forgetAll();
 
     /// The entry of a pair, blank if the pair is new. It is good until the next call.

@@ -10,6 +10,11 @@ constexpr std::size_t lastRow = footprintRows - 1;
 static_assert(EvaluationLanes2bpp::lastRow == lastRow && SegmentLanes::pixelCount == footprintPixels4bpp);
 static_assert(SegmentLanes::innerPixels == (footprintWidth4bpp - 2) * innerGroups && innerGroups == footprintRows - 2);
 static_assert(SegmentLanes::outerPixels == SegmentLanes::pixelCount - SegmentLanes::innerPixels);
+/// Where the pixel of a lane stands among those of its group.
+constexpr std::size_t slotOf(std::size_t group, std::size_t lane) {
+    return group * laneCount + lane % 4 * 2 + lane / 4;
+}
+
 constexpr std::uint32_t bothHalves = 0x00010001;
 constexpr std::uint32_t noTap = 0x80808080;
 

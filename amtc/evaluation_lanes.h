@@ -105,10 +105,6 @@ struct SegmentLanes {
     std::uint32_t runOfPixel[innerGroups][laneCount];  ///< of inner pixels that are no palette taps
 };
 
-constexpr std::size_t slotOf(std::size_t group, std::size_t lane) {
-    return group * laneCount + lane % 4 * 2 + lane / 4;
-}
-
 struct PixelBlendEntry;
 struct Segments;
 

@@ -71,7 +71,7 @@ struct AmtcLevelSettings {
 AmtcLevelSettings makeLevelSettings(std::int32_t width, std::int32_t height, std::uint32_t formatVersion,
                                     std::uint32_t bitsPerPixel, std::uint32_t secondGeneration);
 
-/// What a set of pixels looks like as a cloud in RGBA space.
+/// A representative: what a set of pixels looks like as a cloud in RGBA space.
 struct Rep {
     ColourVector minColour, maxColour;
     std::array<std::uint8_t, channelCount> meanColour;  ///< rounded, R, G, B, A
@@ -80,9 +80,16 @@ struct Rep {
     std::uint32_t isFlat;                               ///< 1 if the least and the greatest colour are the same
 };
 
-enum RepIndex : std::size_t { wholeRep, opaqueRep, centreRep, detailRep, opaqueDetailRep, repCount };
+enum RepIndex : std::size_t {
+    wholeRep,         ///< the whole footprint
+    opaqueRep,        ///< its pixels that do not count as transparent
+    centreRep,        ///< the block itself
+    detailRep,        ///< what the interpolated means of the blocks around leave of the footprint
+    opaqueDetailRep,  ///< the same of pixels with an alpha above 0
+    repCount
+};
 
-inline constexpr std::uint32_t unknownError = 0x3fffffff;
+inline constexpr std::uint32_t unknownError = 0x3fffffff;  ///< above every error of a footprint
 
 /// A pair of colours as a decoder sees them: RGBA8, stored bits expanded.
 struct ColourPair {
@@ -102,7 +109,7 @@ inline constexpr std::size_t mostCandidates = 4;
 
 /// A block's candidates in one region mode, the best first after the first visit.
 struct RepStart {
-    std::uint8_t mode;
+    std::uint8_t mode;          ///< a region mode
     std::uint8_t count;         ///< candidates in use
     std::uint32_t isFlatStart;  ///< 1 if the candidates come from a flat representative
     const Rep* axes;            ///< axes and bounds that hold solved colours; points into the same block's record

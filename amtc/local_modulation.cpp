@@ -36,6 +36,7 @@ DecodedPixel decodePixel2bpp(const LocalPixels& local, std::size_t row, std::siz
 
 }  // namespace
 
+// Kept: levels and modes that no record of this encoder has end the process here, with messages that front ends know.
 void requireOneBitLevel(std::uint32_t level) {
     if (level == 0 || level == moktc::directSetIndex) return;
     std::fprintf(stderr,

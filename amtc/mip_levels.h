@@ -15,7 +15,7 @@ inline bool isPowerOfTwo(std::int32_t size) {
     return size > 0 && std::has_single_bit(static_cast<std::uint32_t>(size));
 }
 
-/// Levels below a map of that size down to a single pixel, as far as sizes can be halved at all.
+/// Levels below a map of that size down to a single pixel: the binary logarithm of the larger side.
 /// @param width, height powers of two
 std::uint32_t furtherLevelCount(std::int32_t width, std::int32_t height);
 

@@ -124,6 +124,7 @@ RepStart makeStart(std::uint32_t mode, const BlockRecord& block, const StartInpu
 
 std::uint32_t startingRegionMode(const AmtcLevelSettings& settings, bool transparentInCentre) {
     if (settings.bitsPerPixel == 1) {
+        // Kept: this rate was never built; the list of modes ends the process before with a message of its own.
         std::fputs("Exiting - 1bpp not yet implemented (SetUpStandardRepStarts)!\n", stderr);
         std::abort();
     }

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <mutex>
 #include <random>
 #include <thread>
+#include <tuple>
 
 #include "amtc/amtc_progress.h"
 #include "amtc/front_end_helpers.h"

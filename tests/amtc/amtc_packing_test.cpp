@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "amtc/local_modulation.h"
 #include "amtc/pack_local_block.h"
