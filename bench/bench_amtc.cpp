@@ -4,11 +4,11 @@
 #include <string>
 #include <utility>
 
-#include "amtc/block_passes.h"
-#include "amtc/level_pipeline.h"
-#include "amtc/pack_local_block.h"
-#include "amtc/sweep_settings.h"
 #include "bench_pictures.h"
+#include "moktc/amtc/driver/block_passes.h"
+#include "moktc/amtc/driver/level_pipeline.h"
+#include "moktc/amtc/driver/pack_local_block.h"
+#include "moktc/amtc/driver/sweep_settings.h"
 
 namespace {
 

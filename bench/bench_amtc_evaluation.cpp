@@ -1,7 +1,7 @@
 #include <benchmark/benchmark.h>
 
-#include "amtc/region_evaluator.h"
 #include "bench_pictures.h"
+#include "moktc/amtc/evaluation/region_evaluator.h"
 
 namespace {
 
@@ -63,7 +63,7 @@ BlendTable tableOf(const Evaluated& evaluated, const AmtcLevelSettings& settings
 }
 
 /// `evaluations` of each block after one preparation: 0 measures the preparation alone.
-void evaluate(benchmark::State& state, const BenchPicture& picture, const Evaluated& evaluated, ProcessorLevel level,
+void evaluate(benchmark::State& state, const BenchPicture& picture, const Evaluated& evaluated, InstructionSet level,
               int evaluations) {
     const AmtcLevelSettings settings = makeLevelSettings(64, 64, 4, evaluated.bitsPerPixel, 1);
     const std::vector<Scene> scenes = scenesOf(picture, settings);
@@ -94,12 +94,12 @@ void evaluate(benchmark::State& state, const BenchPicture& picture, const Evalua
 void registerAmtcEvaluationBenchmarks(const std::vector<BenchPicture>& pictures) {
     const BenchPicture& picture = pictures.front();
     for (const Evaluated& evaluated : allEvaluated) {
-        for (const ProcessorLevel level : {ProcessorLevel::baseline, ProcessorLevel::avx2}) {
-            if (level > detectProcessorLevel()) continue;
+        for (const InstructionSet level : {InstructionSet::baseline, InstructionSet::avx2}) {
+            if (level > detectInstructionSet()) continue;
             for (const int evaluations : {20, 0}) {
-                if (level == ProcessorLevel::baseline && evaluations == 0) continue;
+                if (level == InstructionSet::baseline && evaluations == 0) continue;
                 const std::string work = evaluations == 0 ? "amtc/preparation/" : "amtc/evaluation/";
-                const std::string form = level == ProcessorLevel::baseline ? "plain" : "AVX2";
+                const std::string form = level == InstructionSet::baseline ? "plain" : "AVX2";
                 benchmark::RegisterBenchmark((work + evaluated.name + "/" + form).c_str(),
                                              [&picture, &evaluated, level, evaluations](benchmark::State& state) {
                                                  evaluate(state, picture, evaluated, level, evaluations);

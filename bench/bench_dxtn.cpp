@@ -53,13 +53,13 @@ void decode(benchmark::State& state, const BenchPicture& picture, DXTMode mode) 
 }  // namespace
 
 void registerDXTnBenchmarks(const std::vector<BenchPicture>& pictures) {
-    const ProcessorLevel detected = detectProcessorLevel();
+    const InstructionSet detected = detectInstructionSet();
     for (const BenchPicture& picture : pictures) {
         benchmark::RegisterBenchmark(("dxtn/memcpy/" + picture.name).c_str(),
                                      [&picture](benchmark::State& state) { copy(state, picture); });
         for (const DXTMode mode : measuredModes) {
             const std::string format = "dxtn/DXT" + std::to_string(mode);
-            for (const ProcessorLevel level : {ProcessorLevel::baseline, ProcessorLevel::sse41, ProcessorLevel::avx2}) {
+            for (const InstructionSet level : {InstructionSet::baseline, InstructionSet::sse41, InstructionSet::avx2}) {
                 if (level > detected) continue;
                 const dxtn::EncoderKernel& kernel = dxtn::encoderFor(level);
                 benchmark::RegisterBenchmark(

@@ -4,11 +4,11 @@
 #include <string>
 
 #include "bench_pictures.h"
-#include "moktc/block_order.h"
-#include "moktc/decode_image.h"
-#include "moktc/decode_twiddled.h"
+#include "moktc/block/block_order.h"
+#include "moktc/block/moktc_block.h"
+#include "moktc/decode/decode_image.h"
+#include "moktc/decode/decode_twiddled.h"
 #include "moktc/moktc.h"
-#include "moktc/moktc_block.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_pictures.h"
-#include "moktc/fast_compressor.h"
-#include "moktc/moktc_block.h"
+#include "moktc/block/moktc_block.h"
+#include "moktc/fast/fast_compressor.h"
 
 namespace {
 

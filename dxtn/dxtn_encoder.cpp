@@ -40,13 +40,13 @@ void encodeImage(const std::uint8_t* pixels, std::uint8_t* out, std::size_t widt
 
 const EncoderKernel plainEncoder = {"plain", encodeImage};
 
-const EncoderKernel& encoderFor(ProcessorLevel level) {
+const EncoderKernel& encoderFor(InstructionSet level) {
     switch (level) {
-        case ProcessorLevel::avx2:
+        case InstructionSet::avx2:
             return avx2Encoder;
-        case ProcessorLevel::sse41:
+        case InstructionSet::sse41:
             return sse41Encoder;
-        case ProcessorLevel::baseline:
+        case InstructionSet::baseline:
             break;
     }
     return plainEncoder;
@@ -61,7 +61,7 @@ std::uint32_t CompressDXTn(const void* pixels, void* out, const std::uint32_t* w
     const std::uint32_t size = *width * *height >> (*mode == 1 ? 1 : 0);
     if (pixels == nullptr || out == nullptr) return size;
     if (!isWholeBlocks(*width, *height, *mode)) return 0;
-    encoderFor(detectProcessorLevel())
+    encoderFor(detectInstructionSet())
         .encode(static_cast<const std::uint8_t*>(pixels), static_cast<std::uint8_t*>(out), *width, *height, *mode);
     return size;
 }

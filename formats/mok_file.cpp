@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "formats/legacy_file.h"
+#include "formats/legacy/legacy_file.h"
 
 namespace moktexture {
 

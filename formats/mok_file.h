@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/byte_stream.h"
-#include "core/native_file.h"
+#include "core/io/byte_stream.h"
+#include "core/io/native_file.h"
 #include "texture_io.h"
 
 namespace moktexture {

@@ -3,12 +3,12 @@
 #include <array>
 #include <string>
 
-#include "core/TextureInternals.h"
-#include "core/byte_stream.h"
-#include "core/native_file.h"
-#include "formats/c_source_file.h"
-#include "formats/dds_file.h"
-#include "formats/ktx_file.h"
+#include "core/io/byte_stream.h"
+#include "core/io/native_file.h"
+#include "core/texture/TextureInternals.h"
+#include "formats/c_source/c_source_file.h"
+#include "formats/dds/dds_file.h"
+#include "formats/ktx/ktx_file.h"
 #include "formats/mok_file.h"
 #include "formats/texture_path.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "moktc/moktc_block.h"
+#include "moktc/block/moktc_block.h"
 
 namespace moktexture::moktc {
 namespace {

@@ -1,9 +1,9 @@
 #include <cstddef>
 
-#include "moktc/block_order.h"
-#include "moktc/decode_cells.h"
+#include "moktc/block/block_order.h"
+#include "moktc/block/moktc_block.h"
+#include "moktc/decode/decode_cells.h"
 #include "moktc/moktc.h"
-#include "moktc/moktc_block.h"
 
 namespace moktexture {
 namespace {

@@ -1,13 +1,13 @@
 #include <algorithm>
 #include <vector>
 
-#include "amtc/amtc_localised.h"
-#include "amtc/work_image.h"
+#include "core/base/parallel.h"
+#include "moktc/amtc/amtc_localised.h"
+#include "moktc/amtc/records/work_image.h"
+#include "moktc/block/moktc_block.h"
 #include "moktc/block_padding.h"
-#include "moktc/fast_compressor.h"
+#include "moktc/fast/fast_compressor.h"
 #include "moktc/moktc.h"
-#include "moktc/moktc_block.h"
-#include "moktc/parallel_tasks.h"
 
 namespace moktexture {
 namespace {
@@ -68,7 +68,7 @@ std::uint32_t CompressMOKTC(const void* pixels, void* destination, const std::ui
 
     if (quality == 0 && secondGeneration == 0)
         return moktc::CompressMOKTCFast(pixels, destination, *width, *height, hasAlpha, true, is2bpp, fastPasses,
-                                        moktc::sse2FastKernels, moktc::availableThreads());
+                                        moktc::sse2FastKernels, availableThreads());
     Surface surface{static_cast<const std::uint8_t*>(pixels), *width, *height};
     std::vector<std::uint8_t> padded;
     if (!isWhole) surface = padToBlocks(surface, is2bpp, padded);

@@ -8,8 +8,8 @@
 #include <type_traits>
 
 #include "image_operations.h"
-#include "operations/channel_elements.h"
-#include "operations/operation_frame.h"
+#include "operations/frame/channel_elements.h"
+#include "operations/frame/operation_frame.h"
 
 namespace moktexture {
 namespace {
@@ -230,7 +230,7 @@ template bool bleedsByRunningSums<std::uint8_t>(const LevelSize&);
 template bool bleedsByRunningSums<std::uint16_t>(const LevelSize&);
 
 bool Bleed(CMOKTexture& texture) {
-    return isOperable(texture) && processLevels(texture, [](auto* pixels, const TexturePiece& piece) {
+    return isOperable(texture) && processLevels(texture, [](auto* pixels, const Subresource& piece) {
                return bleedLevel(pixels, piece.size.width, piece.size.height, piece.size.depth);
            });
 }

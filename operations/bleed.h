@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "core/level_size.h"
+#include "core/texture/subresources.h"
 
 namespace moktexture {
 

@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "image_operations.h"
-#include "operations/operation_frame.h"
-#include "operations/whole_pixels.h"
+#include "operations/frame/operation_frame.h"
+#include "operations/frame/whole_pixels.h"
 
 namespace moktexture {
 namespace {
@@ -110,7 +110,7 @@ bool Border(CMOKTexture& texture, unsigned int borderX, unsigned int borderY, un
     header.setDepth(newSize.depth);
     header.setNumMIPLevels(1);
     header.setBorder(borderX, borderY, borderZ);
-    return rebuildLevels(texture, header, WalkedLevels::first, [&](const auto* source, auto* destination, const TexturePiece&) {
+    return rebuildLevels(texture, header, WalkedLevels::first, [&](const auto* source, auto* destination, const Subresource&) {
         return borderLevel(wholePixels(source), wholePixels(destination), size, newSize);
     });
 }

@@ -1,6 +1,6 @@
 #include "image_operations.h"
-#include "operations/channel_elements.h"
-#include "operations/operation_frame.h"
+#include "operations/frame/channel_elements.h"
+#include "operations/frame/operation_frame.h"
 
 namespace moktexture {
 namespace {
@@ -41,7 +41,7 @@ bool colourLevel(T* pixels, std::size_t pixelCount, std::uint32_t level) {
 }  // namespace
 
 bool ColourMIPMaps(CMOKTexture& texture) {
-    return isOperable(texture) && processLevels(texture, [](auto* pixels, const TexturePiece& piece) {
+    return isOperable(texture) && processLevels(texture, [](auto* pixels, const Subresource& piece) {
                return colourLevel(pixels, piece.size.pixelCount(), piece.level);
            });
 }

@@ -2,8 +2,8 @@
 #include <array>
 
 #include "image_operations.h"
-#include "operations/channel_elements.h"
-#include "operations/operation_frame.h"
+#include "operations/frame/channel_elements.h"
+#include "operations/frame/operation_frame.h"
 
 namespace moktexture {
 namespace {
@@ -108,7 +108,7 @@ bool copyLevels(CMOKTexture& destination, const CMOKTexture& source, const Chann
     if (source.getDataPtr() == nullptr) return false;
     return withElementType(source.getChannelType(), [&](auto element) {
         using S = typename decltype(element)::type;
-        return processLevels(destination, [&](auto* pixels, const TexturePiece& piece) {
+        return processLevels(destination, [&](auto* pixels, const Subresource& piece) {
             return copyLevel(pieceData<const S>(source, piece), pixels, piece.size.pixelCount(), sources);
         });
     });

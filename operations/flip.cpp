@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "image_operations.h"
-#include "operations/operation_frame.h"
-#include "operations/whole_pixels.h"
+#include "operations/frame/operation_frame.h"
+#include "operations/frame/whole_pixels.h"
 
 namespace moktexture {
 namespace {
@@ -35,7 +35,7 @@ bool flipLevel(Pixel* pixels, const LevelSize& size, EMOKTAxis axis) {
 }  // namespace
 
 bool Flip(CMOKTexture& texture, EMOKTAxis axis) {
-    return isOperable(texture) && processLevels(texture, [axis](auto* pixels, const TexturePiece& piece) {
+    return isOperable(texture) && processLevels(texture, [axis](auto* pixels, const Subresource& piece) {
                return flipLevel(wholePixels(pixels), piece.size, axis);
            });
 }

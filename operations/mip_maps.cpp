@@ -2,8 +2,8 @@
 #include <cstring>
 
 #include "image_operations.h"
-#include "operations/operation_frame.h"
-#include "operations/resample_level.h"
+#include "operations/frame/operation_frame.h"
+#include "operations/resample/resample_level.h"
 
 namespace moktexture {
 namespace {
@@ -25,7 +25,7 @@ LevelSize nextLevelSize(const LevelSize& size) {
 /// Fills the levels of one face of one member below level 0, each from the one above it. From level 32 on the header counts sizes
 /// anew from that of level 0: of such levels only the first pixel is filled.
 template <typename T>
-void fillChain(const CMOKTexture& texture, TexturePiece piece, EResizeMode filter) {
+void fillChain(const CMOKTexture& texture, Subresource piece, EResizeMode filter) {
     const T* source = pieceData<const T>(texture, piece);
     for (piece.level = 1; piece.level < texture.getNumMIPLevels(); ++piece.level) {
         const LevelSize size = nextLevelSize(piece.size);
@@ -51,7 +51,7 @@ bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int leve
     if (count == 0 || texture.getDataPtr() == nullptr) return false;
     const std::size_t topSize = texture.getDataSize(0, false, false);
     return rebuild(texture, header, [&](const CMOKTexture& source, CMOKTexture& chained) {
-        const auto fill = [&]<typename T>(const T* top, T* copiedTop, const TexturePiece& piece) {
+        const auto fill = [&]<typename T>(const T* top, T* copiedTop, const Subresource& piece) {
             std::memcpy(copiedTop, top, topSize);
             fillChain<T>(chained, piece, filter);
             return true;

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "image_operations.h"
-#include "operations/channel_elements.h"
-#include "operations/operation_frame.h"
+#include "operations/frame/channel_elements.h"
+#include "operations/frame/operation_frame.h"
 
 namespace moktexture {
 namespace {
@@ -141,7 +141,7 @@ bool normalMapLevel(const T* source, float* destination, const LevelSize& size, 
 bool mapNormals(const CMOKTexture& texture, CMOKTexture& normals, float scale, const ChannelContents& channels) {
     return withElementType(texture.getChannelType(), [&](auto element) {
         using T = typename decltype(element)::type;
-        return walkPieces(texture, WalkedLevels::all, [&](const TexturePiece& piece) {
+        return forEachSubresource(texture, WalkedLevels::all, [&](const Subresource& piece) {
             return normalMapLevel(pieceData<const T>(texture, piece), pieceData<float>(normals, piece), piece.size, scale,
                                   channels);
         });

@@ -1,8 +1,8 @@
 #include <type_traits>
 
 #include "image_operations.h"
-#include "operations/channel_elements.h"
-#include "operations/operation_frame.h"
+#include "operations/frame/channel_elements.h"
+#include "operations/frame/operation_frame.h"
 
 namespace moktexture {
 namespace {
@@ -34,7 +34,7 @@ bool premultiplyLevel(T* pixels, std::size_t pixelCount) {
 bool PreMultiplyAlpha(CMOKTexture& texture) {
     if (!isOperable(texture) || texture.isPreMultiplied()) return false;
     const bool result = processLevels(
-        texture, [](auto* pixels, const TexturePiece& piece) { return premultiplyLevel(pixels, piece.size.pixelCount()); });
+        texture, [](auto* pixels, const Subresource& piece) { return premultiplyLevel(pixels, piece.size.pixelCount()); });
     texture.setIsPreMultiplied(true);
     return result;
 }

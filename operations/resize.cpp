@@ -1,6 +1,6 @@
 #include "image_operations.h"
-#include "operations/operation_frame.h"
-#include "operations/resample_level.h"
+#include "operations/frame/operation_frame.h"
+#include "operations/resample/resample_level.h"
 
 namespace moktexture {
 namespace {
@@ -31,7 +31,7 @@ bool Resize(CMOKTexture& texture, const unsigned int& newWidth, const unsigned i
     if (!isOperable(texture) || newSize.isEmpty()) return false;
     if (newSize == oldSize) return true;
 
-    const auto resampleTop = [&]<typename T>(const T* source, T* destination, const TexturePiece&) {
+    const auto resampleTop = [&]<typename T>(const T* source, T* destination, const Subresource&) {
         return resampleLevel(source, destination, oldSize.width, oldSize.height, oldSize.depth, newSize.width, newSize.height,
                              newSize.depth, mode);
     };

@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "image_operations.h"
-#include "operations/operation_frame.h"
-#include "operations/whole_pixels.h"
+#include "operations/frame/operation_frame.h"
+#include "operations/frame/whole_pixels.h"
 
 namespace moktexture {
 namespace {
@@ -78,7 +78,7 @@ bool rotateLevel(const Pixel* source, Pixel* destination, const LevelSize& size,
 
 bool Rotate90(CMOKTexture& texture, EMOKTAxis axis, bool forward) {
     if (!isOperable(texture)) return false;
-    const auto rotate = [&](const auto* source, auto* destination, const TexturePiece& piece) {
+    const auto rotate = [&](const auto* source, auto* destination, const Subresource& piece) {
         return rotateLevel(wholePixels(source), wholePixels(destination), piece.size, axis, forward);
     };
     return rebuildLevels(texture, rotatedHeader(texture, axis), WalkedLevels::all, rotate);

@@ -2,8 +2,8 @@
 #include <bit>
 
 #include "image_operations.h"
-#include "operations/channel_elements.h"
-#include "operations/operation_frame.h"
+#include "operations/frame/channel_elements.h"
+#include "operations/frame/operation_frame.h"
 
 namespace moktexture {
 namespace {
@@ -64,9 +64,8 @@ bool setChannels(CMOKTexture& texture, unsigned int count, const EChannelName* c
     if (count == 0) return true;
     if (channels == nullptr || values == nullptr) return false;
     const PixelWrites<Value> writes = resolveEntries(count, channels, values);
-    return processLevels(texture, [&writes](auto* pixels, const TexturePiece& piece) {
-        return setLevel(pixels, piece.size.pixelCount(), writes);
-    });
+    return processLevels(
+        texture, [&writes](auto* pixels, const Subresource& piece) { return setLevel(pixels, piece.size.pixelCount(), writes); });
 }
 
 }  // namespace

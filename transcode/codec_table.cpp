@@ -5,8 +5,8 @@
 #include "dxtn/dxtn.h"
 #include "etc1/etc1.h"
 #include "moktc/moktc.h"
-#include "transcode/one_bit.h"
-#include "transcode/packed_yuv.h"
+#include "transcode/pixels/one_bit.h"
+#include "transcode/pixels/packed_yuv.h"
 
 namespace moktexture {
 

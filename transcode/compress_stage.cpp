@@ -28,7 +28,7 @@ std::vector<unsigned char> tileLevel(const unsigned char* pixels, const LevelSiz
 std::uint32_t encodeLevel(const LevelCodec& codec, const BlockSize& block, const void* pixels, void* blocks,
                           const LevelSize& size, ECompressorQuality quality) {
     if (codec.encode == nullptr) return 0;
-    const LevelSize padded = raisedToBlock(size, block);
+    const LevelSize padded = paddedToBlock(size, block);
     if (padded == size) return codec.encode(pixels, blocks, &size.width, &size.height, codec.arguments, quality);
 
     const std::vector<unsigned char> tiled = tileLevel(static_cast<const unsigned char*>(pixels), size, padded);
@@ -39,12 +39,12 @@ std::uint32_t encodeLevel(const LevelCodec& codec, const BlockSize& block, const
 
 std::uint32_t compressStage(CMOKTexture& texture, PixelType target, ECompressorQuality quality) {
     const CMOKTextureHeader& header = texture.getHeader();
-    CMOKTexture encoded(headerInForm(header, target, eVarUByteNorm, header.getColourSpace()), nullptr);
+    CMOKTexture encoded(withFormat(header, target, eVarUByteNorm, header.getColourSpace()), nullptr);
     const LevelCodec& codec = levelCodec(target);
     const BlockSize block = minimumBlock(target);
 
     std::uint32_t count = 0;
-    forEachLevel(header, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
+    forEachSubresource(header, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
         count += encodeLevel(codec, block, texture.getDataPtr(level, member, face), encoded.getDataPtr(level, member, face),
                              levelSize(header, level), quality);
     });

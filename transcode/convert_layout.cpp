@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "core/TextureInternals.h"
-#include "core/processor_level.h"
-#include "transcode/layout_conversion.h"
+#include "core/base/instruction_set.h"
+#include "core/texture/TextureInternals.h"
+#include "transcode/pixels/layout_conversion.h"
 
 namespace moktexture {
 
@@ -24,13 +24,13 @@ std::uint32_t pixelsOfLevel(const CMOKTexture& from, const CMOKTexture& to, int 
 
 int convertLayout(const CMOKTexture& from, CMOKTexture& to, PixelCodec& fromCodec, PixelCodec& toCodec, EMOKTColourSpace target,
                   EMOKTColourSpace source) {
-    if (!TextureInternals::isAddressable(from) || !TextureInternals::isAddressable(to)) return 0;
+    if (!TextureInternals::hasValidPixelData(from) || !TextureInternals::hasValidPixelData(to)) return 0;
     const unsigned int sourceBytes = fromCodec.getBytesPerPixel();
     const unsigned int destinationBytes = toCodec.getBytesPerPixel();
     const std::uint32_t members = std::min(from.getNumArrayMembers(), to.getNumArrayMembers());
     const std::uint32_t faces = std::min(from.getNumFaces(), to.getNumFaces());
     const std::uint32_t levels = std::min(from.getNumMIPLevels(), to.getNumMIPLevels());
-    LayoutConversion conversion(fromCodec, toCodec, target, source, from.getTextureSize(), detectProcessorLevel());
+    LayoutConversion conversion(fromCodec, toCodec, target, source, from.getTextureSize(), detectInstructionSet());
 
     std::uint32_t converted = 0;
     for (std::uint32_t member = 0; member < members; ++member) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CMOKTexture.h"
-#include "transcode/PixelCodec.h"
+#include "transcode/pixels/PixelCodec.h"
 
 namespace moktexture {
 

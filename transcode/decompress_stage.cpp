@@ -14,7 +14,7 @@ namespace {
 std::uint32_t decodeLevel(const LevelCodec& codec, const BlockSize& block, const void* blocks, void* pixels,
                           const LevelSize& size) {
     if (codec.decode == nullptr) return 0;
-    const LevelSize padded = raisedToBlock(size, block);
+    const LevelSize padded = paddedToBlock(size, block);
     if (padded == size || codec.decodesSmallLevels)
         return codec.decode(blocks, pixels, &size.width, &size.height, codec.arguments);
 
@@ -32,12 +32,12 @@ std::uint32_t decompressStage(CMOKTexture& texture) {
     const CMOKTextureHeader& header = texture.getHeader();
     // Kept: the declared colour space is dropped, so that an sRGB texture which is decoded for an sRGB target is brightened by
     // the curve.
-    CMOKTexture decoded(headerInForm(header, PixelTypeRGBA8, eVarUByteNorm, eColourSpaceLinear), nullptr);
+    CMOKTexture decoded(withFormat(header, PixelTypeRGBA8, eVarUByteNorm, eColourSpaceLinear), nullptr);
     const LevelCodec& codec = levelCodec(header.getPixelType());
     const BlockSize block = minimumBlock(header.getPixelType());
 
     std::uint32_t count = 0;
-    forEachLevel(header, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
+    forEachSubresource(header, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
         count += decodeLevel(codec, block, texture.getDataPtr(level, member, face), decoded.getDataPtr(level, member, face),
                              levelSize(header, level));
     });

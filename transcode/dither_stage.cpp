@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "image_operations.h"
-#include "transcode/PixelCodec.h"
 #include "transcode/convert_layout.h"
-#include "transcode/dither.h"
+#include "transcode/pixels/PixelCodec.h"
+#include "transcode/pixels/dither.h"
 #include "transcode/stage_frame.h"
 
 namespace moktexture {
@@ -19,7 +19,7 @@ constexpr PixelType colouredLuminanceLayout{'l', 'g', 'r', 0, 6, 5, 5, 0};
 
 CMOKTexture convertedToRGBA8(const CMOKTexture& texture) {
     const EMOKTColourSpace colourSpace = texture.getColourSpace();
-    CMOKTexture converted(headerInForm(texture.getHeader(), PixelTypeRGBA8, eVarUByteNorm, colourSpace), nullptr);
+    CMOKTexture converted(withFormat(texture.getHeader(), PixelTypeRGBA8, eVarUByteNorm, colourSpace), nullptr);
     PixelCodec fromCodec(texture.getPixelType(), texture.getChannelType());
     PixelCodec toCodec(PixelTypeRGBA8, eVarUByteNorm);
     convertLayout(texture, converted, fromCodec, toCodec, colourSpace, colourSpace);
@@ -48,7 +48,7 @@ void ditherStage(CMOKTexture& texture, const PixelType& target) {
     CMOKTexture dithered = convertedToRGBA8(texture);
     const EChannelName grey = greySource(target);
     if (grey != eChannelNone) makeGrey(dithered, grey);
-    forEachLevel(dithered, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
+    forEachSubresource(dithered, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
         const LevelSize size = levelSize(dithered, level);
         ditherLevel(static_cast<unsigned char*>(dithered.getDataPtr(level, member, face)), target, size.width, size.height,
                     size.depth);

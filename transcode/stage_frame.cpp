@@ -4,8 +4,8 @@
 
 namespace moktexture {
 
-CMOKTextureHeader headerInForm(const CMOKTextureHeader& header, PixelType format, EMOKTVariableType channelType,
-                               EMOKTColourSpace colourSpace) {
+CMOKTextureHeader withFormat(const CMOKTextureHeader& header, PixelType format, EMOKTVariableType channelType,
+                             EMOKTColourSpace colourSpace) {
     CMOKTextureHeader form(header);
     form.setPixelFormat(format);
     form.setChannelType(channelType);
@@ -13,7 +13,7 @@ CMOKTextureHeader headerInForm(const CMOKTextureHeader& header, PixelType format
     return form;
 }
 
-LevelSize raisedToBlock(const LevelSize& size, const BlockSize& block) {
+LevelSize paddedToBlock(const LevelSize& size, const BlockSize& block) {
     return {std::max(size.width, block.width), std::max(size.height, block.height), std::max(size.depth, block.depth)};
 }
 

@@ -4,19 +4,18 @@
 #include <cstdint>
 
 #include "CMOKTexture.h"
-#include "core/data_size.h"
-#include "core/level_size.h"
+#include "core/base/image_view.h"
+#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 
 /// @file
 /// What the stages of Transcode() share: texture forms, sizes of levels, and the walk over a texture.
 
 namespace moktexture {
 
-inline constexpr std::size_t bytesPerRGBA8Pixel = 4;
-
 /// A copy of the header, metadata included, in another form.
-CMOKTextureHeader headerInForm(const CMOKTextureHeader& header, PixelType format, EMOKTVariableType channelType,
-                               EMOKTColourSpace colourSpace);
+CMOKTextureHeader withFormat(const CMOKTextureHeader& header, PixelType format, EMOKTVariableType channelType,
+                             EMOKTColourSpace colourSpace);
 
 /// Bytes of an image of that size in RGBA8.
 inline std::size_t rgba8Bytes(const LevelSize& size) {
@@ -24,11 +23,11 @@ inline std::size_t rgba8Bytes(const LevelSize& size) {
 }
 
 /// The size with every axis that is smaller than the block raised to it; larger ones are not rounded up to its multiples.
-LevelSize raisedToBlock(const LevelSize& size, const BlockSize& block);
+LevelSize paddedToBlock(const LevelSize& size, const BlockSize& block);
 
 /// Calls `visit(level, member, face)` for every image of the texture: members outermost, then faces, then MIP levels.
 template <class Visit>
-void forEachLevel(const CMOKTextureHeader& header, Visit&& visit) {
+void forEachSubresource(const CMOKTextureHeader& header, Visit&& visit) {
     const std::uint32_t members = header.getNumArrayMembers();
     const std::uint32_t faces = header.getNumFaces();
     const std::uint32_t levels = header.getNumMIPLevels();

@@ -2,13 +2,13 @@
 
 #include <utility>
 
-#include "core/TextureInternals.h"
-#include "core/data_size.h"
-#include "transcode/PixelCodec.h"
+#include "core/texture/TextureInternals.h"
+#include "core/texture/data_size.h"
 #include "transcode/compress_stage.h"
 #include "transcode/convert_layout.h"
 #include "transcode/decompress_stage.h"
 #include "transcode/dither_stage.h"
+#include "transcode/pixels/PixelCodec.h"
 #include "transcode/stage_frame.h"
 
 namespace moktexture {
@@ -17,10 +17,10 @@ namespace {
 
 /// Whether the request can be begun: there are pixels and a target, and every form on the way fits in 32 bits.
 bool isAcceptable(const CMOKTexture& texture, PixelType target, bool dithers) {
-    if (!TextureInternals::isAddressable(texture)) return false;
+    if (!TextureInternals::hasValidPixelData(texture)) return false;
     if (isCompressed(target) && target.id >= eFmtUnknown) return false;
     const auto fitsAs = [&](PixelType format) {
-        return sizesAreTrue(headerInForm(texture.getHeader(), format, eVarUByteNorm, eColourSpaceLinear));
+        return sizesFit32Bits(withFormat(texture.getHeader(), format, eVarUByteNorm, eColourSpaceLinear));
     };
     const bool passesRGBA8 = dithers || isCompressed(target) || isCompressed(texture.getPixelType());
     return (!passesRGBA8 || fitsAs(PixelTypeRGBA8)) && fitsAs(target);
@@ -33,7 +33,7 @@ CMOKTexture convertedTo(const CMOKTexture& texture, PixelType target, EMOKTVaria
     const PixelType format = willBeEncoded ? PixelTypeRGBA8 : target;
     const EMOKTVariableType type = willBeEncoded ? eVarUByteNorm : channelType;
 
-    CMOKTexture converted(headerInForm(texture.getHeader(), format, type, colourSpace), nullptr);
+    CMOKTexture converted(withFormat(texture.getHeader(), format, type, colourSpace), nullptr);
     PixelCodec fromCodec(texture.getPixelType(), texture.getChannelType());
     PixelCodec toCodec(format, type);
     convertLayout(texture, converted, fromCodec, toCodec, colourSpace, texture.getColourSpace());

@@ -1,9 +1,9 @@
 // The native file through every door: the constructors from a path and from memory, LoadTexture() and LoadTextureFile().
-#include "core/native_file.h"
+#include "core/io/native_file.h"
 
 #include <gtest/gtest.h>
 
-#include "core/data_size.h"
+#include "core/texture/data_size.h"
 #include "native_image.h"
 #include "support/temporary_folder.h"
 #include "support/test_images.h"

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <vector>
 
-#include "core/TextureInternals.h"
-#include "core/native_file.h"
+#include "core/io/native_file.h"
+#include "core/texture/TextureInternals.h"
 
 /// Native files laid out by hand, and what is in a texture.
 namespace nativeimage {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "CMOKTextureHeader.h"
-#include "core/data_size.h"
+#include "core/texture/data_size.h"
 #include "metadata_samples.h"
 
 using namespace moktexture;
@@ -40,7 +40,7 @@ TEST(TextureHeader, SizesOfEveryFormatFollowTheTable) {
         EXPECT_EQ((std::vector{header(id, 1, 1).getDataSize(), volume, header(id, 5, 3, 3).getDataSize()}),
                   std::vector(sizes[id], sizes[id] + 3))
             << id;
-        EXPECT_TRUE(sizesAreTrue(header(id, 17, 9, 3)) && (header(id, 4, 4).getTextureSize() == 0) == (bitsPerPixel(id) == 0))
+        EXPECT_TRUE(sizesFit32Bits(header(id, 17, 9, 3)) && (header(id, 4, 4).getTextureSize() == 0) == (bitsPerPixel(id) == 0))
             << id;
     }
 }
@@ -79,7 +79,7 @@ TEST(TextureHeader, SizesThatWrapAreToldApart) {
         {header(byte, 4, 4, 256), 0, false}};
     // clang-format on
     for (const auto& [texture, size, isTrue] : cases)
-        EXPECT_EQ(std::pair(texture.getDataSize(), sizesAreTrue(texture)), std::pair(size, isTrue)) << texture.getWidth();
+        EXPECT_EQ(std::pair(texture.getDataSize(), sizesFit32Bits(texture)), std::pair(size, isTrue)) << texture.getWidth();
 }
 
 TEST(TextureHeader, SettersStoreWhatTheyGetAndClearingOneFlagClearsBoth) {

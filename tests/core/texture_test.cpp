@@ -4,7 +4,7 @@
 #include <tuple>
 
 #include "CMOKTexture.h"
-#include "core/TextureInternals.h"
+#include "core/texture/TextureInternals.h"
 #include "formats/texture_path.h"
 #include "native_image.h"
 #include "support/temporary_folder.h"
@@ -68,17 +68,17 @@ TEST(Texture, WithoutABufferStaysWithoutOne) {
 TEST(Texture, IsAddressableOnlyWithAllItsPixels) {
     CMOKTexture texture = sample();
     // Levels and width of the header over a buffer of 3 levels and width 12; the last wraps to 192 bytes.
-    for (const auto& [levels, width, isAddressable] : {std::tuple{3u, 12u, true},
-                                                       {2u, 12u, true},
-                                                       {4u, 12u, false},
-                                                       {0u, 12u, false},
-                                                       {3u, 13u, false},
-                                                       {1u, 89478488u, false}}) {
+    for (const auto& [levels, width, hasValidPixelData] : {std::tuple{3u, 12u, true},
+                                                           {2u, 12u, true},
+                                                           {4u, 12u, false},
+                                                           {0u, 12u, false},
+                                                           {3u, 13u, false},
+                                                           {1u, 89478488u, false}}) {
         texture.setNumMIPLevels(levels), texture.setWidth(width);
-        EXPECT_EQ(TextureInternals::isAddressable(texture), isAddressable) << levels << ' ' << width;
+        EXPECT_EQ(TextureInternals::hasValidPixelData(texture), hasValidPixelData) << levels << ' ' << width;
     }
     const CMOKTexture empty(CMOKTextureHeader(), nullptr);
-    EXPECT_TRUE(empty.getDataPtr() != nullptr && !TextureInternals::isAddressable(empty));
+    EXPECT_TRUE(empty.getDataPtr() != nullptr && !TextureInternals::hasValidPixelData(empty));
 }
 
 TEST(Texture, TheExtensionChoosesTheFileThatIsWritten) {

@@ -50,14 +50,14 @@ Bytes encodeBy(const dxtn::EncoderKernel& kernel, const Bytes& image, std::uint3
 }  // namespace
 
 TEST(DXTnKernels, GiveTheBitsOfThePlainForm) {
-    const dxtn::EncoderKernel& plain = dxtn::encoderFor(ProcessorLevel::baseline);
+    const dxtn::EncoderKernel& plain = dxtn::encoderFor(InstructionSet::baseline);
     ASSERT_STREQ(plain.name, "plain");
     // clang-format off
-    const std::pair<ProcessorLevel, const char*> fastLevels[] = {
-        {ProcessorLevel::sse41, "SSE4.1"}, {ProcessorLevel::avx2, "AVX2"}};
+    const std::pair<InstructionSet, const char*> fastLevels[] = {
+        {InstructionSet::sse41, "SSE4.1"}, {InstructionSet::avx2, "AVX2"}};
     // clang-format on
     for (const auto& [level, name] : fastLevels) {
-        if (level > detectProcessorLevel()) continue;
+        if (level > detectInstructionSet()) continue;
         const dxtn::EncoderKernel& kernel = dxtn::encoderFor(level);
         ASSERT_STREQ(kernel.name, name);
         ASSERT_NE(kernel.encode, plain.encode);

@@ -1,5 +1,5 @@
 // Textures as C source, and the names of their arrays.
-#include "formats/c_source_file.h"
+#include "formats/c_source/c_source_file.h"
 
 #include "foreign_image.h"
 

@@ -1,5 +1,5 @@
 # Holds the numbers of OpenGL in the format maps against the headers of this machine.
-#   cmake -DCONSTANTS=formats/api_constants.h -DHEADERS=gl.h;glext.h -P gl_headers.cmake
+#   cmake -DCONSTANTS=formats/api_numbers/api_constants.h -DHEADERS=gl.h;glext.h -P gl_headers.cmake
 set(defined "")
 foreach(header IN LISTS HEADERS)
     file(STRINGS ${header} lines REGEX "^#define GL_[A-Za-z0-9_]+[ \t]+0x")

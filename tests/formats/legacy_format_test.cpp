@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "format_notation.h"
-#include "formats/legacy_format_table.h"
+#include "formats/legacy/legacy_format_table.h"
 
 using namespace formatnotation;
 

@@ -1,4 +1,4 @@
-#include "moktc/block_order.h"
+#include "moktc/block/block_order.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <set>
 
 #include "CMOKTextureHeader.h"
-#include "moktc/LevelBlocks.h"
+#include "moktc/decode/LevelBlocks.h"
 #include "moktc_levels.h"
 
 using namespace moktexture;

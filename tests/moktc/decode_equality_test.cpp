@@ -4,9 +4,9 @@
 #include <cstring>
 #include <utility>
 
-#include "moktc/decode_cells.h"
-#include "moktc/decode_image.h"
-#include "moktc/decode_twiddled.h"
+#include "moktc/decode/decode_cells.h"
+#include "moktc/decode/decode_image.h"
+#include "moktc/decode/decode_twiddled.h"
 #include "moktc_levels.h"
 #include "support/test_images.h"
 

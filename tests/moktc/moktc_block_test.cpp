@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "moktc/modulation_grid.h"
+#include "moktc/block/modulation_grid.h"
 #include "moktc_levels.h"
 
 using namespace moktexture::moktc;

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 
-#include "moktc/MOKTCCompressor.h"
-#include "moktc/block_packing.h"
-#include "moktc/colour_fit.h"
-#include "moktc/modulation_estimate.h"
+#include "moktc/block/block_packing.h"
+#include "moktc/fast/MOKTCCompressor.h"
+#include "moktc/fast/colour_fit.h"
+#include "moktc/fast/modulation_estimate.h"
 
 using namespace moktexture::moktc;
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "amtc/amtc_localised.h"
+#include "moktc/amtc/amtc_localised.h"
 #include "moktc/block_padding.h"
 #include "moktc/moktc.h"
 #include "support/test_images.h"

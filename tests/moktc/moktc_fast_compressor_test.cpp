@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <atomic>
 
-#include "moktc/MOKTC2bppCompressor.h"
-#include "moktc/block_order.h"
-#include "moktc/block_packing.h"
-#include "moktc/fast_compressor.h"
-#include "moktc/modulation_estimate.h"
+#include "core/base/parallel.h"
+#include "moktc/block/block_order.h"
+#include "moktc/block/block_packing.h"
+#include "moktc/fast/MOKTC2bppCompressor.h"
+#include "moktc/fast/fast_compressor.h"
+#include "moktc/fast/modulation_estimate.h"
 #include "moktc/moktc.h"
-#include "moktc/parallel_tasks.h"
 #include "support/test_images.h"
 
 using namespace moktexture;

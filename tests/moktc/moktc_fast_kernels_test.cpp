@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "moktc/fast_kernels.h"
-#include "moktc/modulation_estimate.h"
+#include "moktc/fast/fast_kernels.h"
+#include "moktc/fast/modulation_estimate.h"
 #include "support/test_images.h"
 
 using namespace moktexture::moktc;

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "moktc/block_order.h"
+#include "moktc/block/block_order.h"
+#include "moktc/block/moktc_block.h"
 #include "moktc/moktc.h"
-#include "moktc/moktc_block.h"
 
 /// Levels of blocks for the tests, decoded through the codec's entry.
 namespace moktclevels {

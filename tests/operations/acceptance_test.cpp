@@ -1,11 +1,11 @@
 #include <bit>
 #include <tuple>
 
-#include "core/TextureInternals.h"
+#include "core/texture/TextureInternals.h"
 #include "image_operations.h"
 #include "operation_textures.h"
-#include "operations/operable_texture.h"
-#include "operations/operation_frame.h"
+#include "operations/frame/operable_texture.h"
+#include "operations/frame/operation_frame.h"
 
 using namespace moktexture;
 using namespace operationtextures;
@@ -131,16 +131,16 @@ TEST(OperationFrame, ComputesOneQuietNaN) {
 TEST(WalkPieces, GoesByMembersFacesAndLevelsAndGivesTheLastResult) {
     CMOKTexture texture = textureOf<std::uint8_t>({5, 1, 1, 2, 2, 2}, {});
     std::vector<unsigned int> visited;  // 100s: member, 10s: face, 1s: width of the level
-    const auto visit = [&visited](const TexturePiece& piece) {
+    const auto visit = [&visited](const Subresource& piece) {
         visited.push_back(piece.member * 100 + piece.face * 10 + piece.size.width);
         return visited.size() == 8 || visited.size() == 12 || visited.size() == 13;
     };
-    EXPECT_TRUE(walkPieces(texture, WalkedLevels::all, visit) && walkPieces(texture, WalkedLevels::first, visit));
+    EXPECT_TRUE(forEachSubresource(texture, WalkedLevels::all, visit) && forEachSubresource(texture, WalkedLevels::first, visit));
     EXPECT_EQ(visited, (std::vector{5u, 2u, 15u, 12u, 105u, 102u, 115u, 112u, 5u, 15u, 105u, 115u}));
-    EXPECT_FALSE(walkPieces(texture, WalkedLevels::first, visit));
+    EXPECT_FALSE(forEachSubresource(texture, WalkedLevels::first, visit));
     TextureInternals::release(texture);
     texture.setNumArrayMembers(0xFFFFFFFF);
-    EXPECT_TRUE(!walkPieces(texture, WalkedLevels::all, visit) && visited.size() == 16);
+    EXPECT_TRUE(!forEachSubresource(texture, WalkedLevels::all, visit) && visited.size() == 16);
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include "image_operations.h"
 #include "operation_textures.h"
-#include "operations/resample_level.h"
+#include "operations/resample/resample_level.h"
 
 using namespace moktexture;
 using namespace operationtextures;

@@ -2,7 +2,7 @@
 #include <iostream>
 #include <thread>
 
-#include "moktex/ProgressLine.h"
+#include "moktex/report/ProgressLine.h"
 #include "tool_fixture.h"
 
 using namespace moktexture;

@@ -1,11 +1,11 @@
-#include "moktex/format_names.h"
+#include "moktex/formats/format_names.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "moktex/exit_status.h"
-#include "moktex/quality_names.h"
+#include "moktex/formats/quality_names.h"
+#include "moktex/report/exit_status.h"
 #include "support/test_images.h"
 
 using namespace moktextool;

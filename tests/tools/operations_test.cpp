@@ -1,4 +1,4 @@
-#include "moktex/operation_options.h"
+#include "moktex/operations/operation_options.h"
 #include "tool_fixture.h"
 
 namespace {

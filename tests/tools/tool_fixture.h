@@ -14,10 +14,10 @@
 #include <string>
 #include <vector>
 
-#include "moktex/command_line.h"
-#include "moktex/console.h"
-#include "moktex/picture_file.h"
-#include "moktex/texture_form.h"
+#include "moktex/commands/command_line.h"
+#include "moktex/files/picture_file.h"
+#include "moktex/formats/texture_form.h"
+#include "moktex/report/console.h"
 #include "support/test_images.h"
 
 using moktextool::ExitStatus;

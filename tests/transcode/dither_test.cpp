@@ -1,4 +1,4 @@
-#include "transcode/dither.h"
+#include "transcode/pixels/dither.h"
 
 #include <gtest/gtest.h>
 

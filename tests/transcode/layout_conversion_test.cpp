@@ -1,4 +1,4 @@
-#include "transcode/layout_conversion.h"
+#include "transcode/pixels/layout_conversion.h"
 
 #include <gtest/gtest.h>
 
@@ -46,7 +46,7 @@ void expectFormsAgree(const Layout& from, const Layout& to, std::size_t count, s
     const Bytes pixels = testimages::randomBytes(count * fromCodec.getBytesPerPixel(), seed);
     for (const auto& space : spaces) {
         const Bytes expected = convertedPlain(from, to, space, pixels, count);
-        for (const ProcessorLevel level : {ProcessorLevel::baseline, detectProcessorLevel()}) {
+        for (const InstructionSet level : {InstructionSet::baseline, detectInstructionSet()}) {
             LayoutConversion conversion(fromCodec, toCodec, space[0], space[1], announcedPixels, level);
             Bytes results(expected.size());
             conversion.convert(pixels.data(), results.data(), count);
@@ -54,7 +54,7 @@ void expectFormsAgree(const Layout& from, const Layout& to, std::size_t count, s
         }
         if (!areConvertible(fromCodec, toCodec)) continue;
         Bytes results(expected.size());
-        SettledConversion(fromCodec, toCodec, space[0], space[1], announcedPixels).convert(pixels.data(), results.data(), count);
+        ConversionPlan(fromCodec, toCodec, space[0], space[1], announcedPixels).convert(pixels.data(), results.data(), count);
         ASSERT_EQ(results, expected) << describe(from, to) << " settled";
     }
 }
@@ -105,8 +105,8 @@ TEST(LayoutConversionTest, EveryTailOfTheByteMovesIsConverted) {
 
 TEST(LayoutConversionTest, PicksTheFastestFormOfAPairAndItIsExact) {
     const Layout source{rgba8, u8};
-    const bool hasVectors = detectProcessorLevel() >= ProcessorLevel::sse41;
-    const Form moves = hasVectors ? Form::byteMovesSSE41 : Form::tables;
+    const bool hasVectors = detectInstructionSet() >= InstructionSet::sse41;
+    const Form moves = hasVectors ? Form::byteShuffleSSE41 : Form::tables;
     const struct {
         Layout from, to;
         int space;
@@ -127,7 +127,7 @@ TEST(LayoutConversionTest, PicksTheFastestFormOfAPairAndItIsExact) {
     };
     for (const auto& row : rows) {
         const auto& space = spaces[row.space];
-        const LayoutConversion conversion(row.from.codec(), row.to.codec(), space[0], space[1], 1000, detectProcessorLevel());
+        const LayoutConversion conversion(row.from.codec(), row.to.codec(), space[0], space[1], 1000, detectInstructionSet());
         EXPECT_EQ(conversion.form(), row.form) << describe(row.from, row.to);
         expectFormsAgree(row.from, row.to, 700, row.to.type.id);
         if (row.form != Form::plain) continue;

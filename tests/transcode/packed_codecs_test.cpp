@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "compressed_format_id.h"
-#include "transcode/one_bit.h"
-#include "transcode/packed_yuv.h"
+#include "transcode/pixels/one_bit.h"
+#include "transcode/pixels/packed_yuv.h"
 
 using namespace moktexture;
 

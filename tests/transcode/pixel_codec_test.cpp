@@ -6,8 +6,8 @@
 #include <limits>
 #include <vector>
 
-#include "transcode/PixelCodec.h"
-#include "transcode/channel_name.h"
+#include "transcode/pixels/PixelCodec.h"
+#include "transcode/pixels/channel_name.h"
 
 using namespace moktexture;
 

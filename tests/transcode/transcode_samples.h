@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "MOKTexLib.h"
-#include "core/TextureInternals.h"
+#include "core/texture/TextureInternals.h"
 #include "support/test_images.h"
 
 /// Random textures and their bytes, for the tests of whole conversions.

@@ -1,4 +1,4 @@
-#include "transcode/transfer_curve.h"
+#include "transcode/pixels/transfer_curve.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "support/test_images.h"
-#include "transcode/fixed_power.h"
+#include "transcode/pixels/fixed_power.h"
 
 using namespace moktexture;
 

@@ -7,8 +7,8 @@
 #include <unistd.h>
 #endif
 
-#include "command_line.h"
-#include "console.h"
+#include "moktex/commands/command_line.h"
+#include "moktex/report/console.h"
 
 namespace {
 

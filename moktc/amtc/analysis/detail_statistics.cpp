@@ -1,0 +1,137 @@
+#include "moktc/amtc/analysis/footprint_statistics.h"
+#include "moktc/amtc/analysis/rep_builder.h"
+
+namespace moktexture::amtc {
+
+namespace {
+
+/// What the interpolated means leave of each pixel, row by row.
+using DetailImage = std::array<ColourVector, mostFootprintPixels>;
+
+/// Where a row or column of a footprint lies between the middles of neighbouring blocks: past the middle of block 0 or 1 by a
+/// fraction of a block. The middle of block 1 is at fraction 1 past block 0.
+struct GridPosition {
+    std::size_t block;
+    float fraction;
+};
+
+constexpr GridPosition gridPositionOf(std::size_t offset, std::size_t blockSide) {
+    const std::size_t block = offset > blockSide ? 1 : 0;
+    return {block, static_cast<float>(offset - block * blockSide) / static_cast<float>(blockSide)};
+}
+
+ColourVector toVector(const std::array<std::uint8_t, channelCount>& colour) {
+    return {static_cast<float>(colour[0]), static_cast<float>(colour[1]), static_cast<float>(colour[2]),
+            static_cast<float>(colour[3])};
+}
+
+/// The means of the three block columns, interpolated at one row of the footprint.
+std::array<ColourVector, 3> meansAtRow(const NeighbourMeans& means, std::size_t row, std::size_t blockHeight) {
+    const GridPosition position = gridPositionOf(row, blockHeight);
+    std::array<ColourVector, 3> interpolated;
+    for (std::size_t column = 0; column < 3; ++column)
+        interpolated[column] = pointBetween(toVector(means[3 * position.block + column]),
+                                            toVector(means[3 * (position.block + 1) + column]), position.fraction);
+    return interpolated;
+}
+
+void subtractMeans(const Footprint& footprint, const AmtcLevelSettings& settings, const NeighbourMeans& neighbourMeans,
+                   DetailImage& detail) {
+    std::size_t pixel = 0;
+    for (std::size_t row = 0; row < settings.footprintHeight; ++row) {
+        const std::array<ColourVector, 3> means = meansAtRow(neighbourMeans, row, settings.blockHeight);
+        for (std::size_t column = 0; column < settings.footprintWidth; ++column, ++pixel) {
+            const GridPosition position = gridPositionOf(column, settings.blockWidth);
+            const ColourVector mean = pointBetween(means[position.block], means[position.block + 1], position.fraction);
+            const ColourVector colour = amtc::toVector(footprint[pixel]);
+            for (std::size_t channel = 0; channel < channelCount; ++channel)
+                detail[pixel][channel] = colour[channel] - mean[channel];
+        }
+    }
+}
+
+bool hasAlpha(std::uint32_t pixel) {
+    return channelOf(pixel, alphaChannel) != 0;
+}
+
+/// Calls `visit` with the index of each pixel that is not on the footprint's outer ring.
+template <typename Visitor>
+void forEachInnerPixel(const AmtcLevelSettings& settings, Visitor visit) {
+    for (std::size_t row = 1; row + 1 < settings.footprintHeight; ++row)
+        for (std::size_t column = 1; column + 1 < settings.footprintWidth; ++column)
+            visit(row * settings.footprintWidth + column);
+}
+
+ColourCloud gatherAll(const DetailImage& detail, std::size_t pixels, const FootprintKernel& smoothKernel) {
+    ColourCloud cloud;
+    for (std::size_t i = 0; i < pixels; ++i)
+        cloud.add(detail[i], smoothKernel[i]);
+    return cloud;
+}
+
+ColourCloud gatherOpaque(const Footprint& footprint, const DetailImage& detail, std::size_t pixels,
+                         const FootprintKernel& smoothKernel) {
+    ColourCloud cloud;
+    for (std::size_t i = 0; i < pixels; ++i)
+        if (hasAlpha(footprint[i])) cloud.add(detail[i], smoothKernel[i]);
+    return cloud;
+}
+
+/// Kept: a footprint whose inner pixels are all transparent counts as flat, without detail, while its extent takes in what these
+/// pixels differ from the means by. Which axes the start candidates get depends on this extent.
+ColourCloud noDetail() {
+    ColourCloud cloud;
+    cloud.bounds.include({});
+    return cloud;
+}
+
+/// Turns a representative of differences from the means into one of colours around the block's own mean. The least and the
+/// greatest colour stay differences.
+void shiftToColours(const ColourVector& centreMean, const ColourSum& meanDetail, Rep& rep) {
+    for (std::size_t channel = 0; channel < channelCount; ++channel)
+        rep.meanColour[channel] =
+            static_cast<std::uint8_t>(roundToByte(centreMean[channel] + static_cast<float>(meanDetail[channel])));
+    for (std::size_t axis = 0; axis < channelCount; ++axis) {
+        const float shift = dotProduct(centreMean, rep.axes[axis]);
+        rep.projMin[axis] += shift;
+        rep.projMax[axis] += shift;
+    }
+}
+
+}  // namespace
+
+void AnalyseDetail(const Footprint& footprint, const AmtcLevelSettings& settings, const FootprintKernel& smoothKernel,
+                   const NeighbourMeans& neighbourMeans, BlockRecord& block) {
+    const std::size_t pixels = settings.footprintPixels();
+    DetailImage detail;
+    subtractMeans(footprint, settings, neighbourMeans, detail);
+    std::size_t innerCount = 0, transparentCount = 0;
+    forEachInnerPixel(settings, [&](std::size_t i) {
+        ++innerCount;
+        transparentCount += hasAlpha(footprint[i]) ? 0 : 1;
+    });
+
+    Rep &all = block.reps[detailRep], &opaque = block.reps[opaqueDetailRep];
+    const ColourCloud cloud = transparentCount == innerCount ? noDetail() : gatherAll(detail, pixels, smoothKernel);
+    MakeRep(cloud.moments, cloud.sum, cloud.bounds, false, all);
+    opaque = all;
+    ColourSum opaqueMean = cloud.sum;
+    if (transparentCount != 0 && transparentCount != innerCount) {
+        ColourCloud opaqueCloud = gatherOpaque(footprint, detail, pixels, smoothKernel);
+        if (opaqueCloud.weight > 0) {
+            opaqueCloud.divideByWeight();
+            opaqueMean = opaqueCloud.sum;
+            MakeRep(opaqueCloud.moments, opaqueMean, opaqueCloud.bounds, false, opaque);
+        }
+    }
+
+    forEachInnerPixel(settings, [&](std::size_t i) {
+        includeProjection(detail[i], all);
+        if (hasAlpha(footprint[i])) includeProjection(detail[i], opaque);
+    });
+    const ColourVector centreMean = toVector(neighbourMeans[centreOfNeighbourhood]);
+    shiftToColours(centreMean, cloud.sum, all);
+    shiftToColours(centreMean, opaqueMean, opaque);
+}
+
+}  // namespace moktexture::amtc

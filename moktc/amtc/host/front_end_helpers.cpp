@@ -1,0 +1,58 @@
+#include "moktc/amtc/host/front_end_helpers.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "moktc/amtc/driver/mip_levels.h"
+
+namespace moktexture::amtc {
+
+namespace {
+
+constexpr std::size_t wordBytes = 4;
+
+std::size_t wordsOf(std::uint32_t bitsPerPixel, std::uint32_t pixels) {
+    const std::uint32_t blockPixels = bitsPerPixel == 1 ? 64 : bitsPerPixel == 2 ? 32 : 16;
+    return std::size_t{2} * (pixels / blockPixels);
+}
+
+}  // namespace
+
+void CheckSourceSize(const char* name, std::uint32_t bitsPerPixel, std::int32_t* width, std::int32_t* height,
+                     std::uint32_t* linearBlockOrder, std::uint32_t warn) {
+    std::int32_t validWidth = *width & ~(bitsPerPixel == 4 ? 3 : 7);
+    std::int32_t validHeight = *height & ~(bitsPerPixel == 1 ? 7 : 3);
+    if (*linearBlockOrder == 0 && !(isPowerOfTwo(validWidth) && isPowerOfTwo(validHeight))) {
+        std::fprintf(stderr, "Warning :Image \"%s\" dimensions not powers of 2. Twiddling disabled\n", name);
+        *linearBlockOrder = 1;
+    }
+    // Kept: one side above the limit lets the other be 0; front ends see that only when the level is refused.
+    if (validWidth > largestSide || validHeight > largestSide) {
+        if (warn != 0) std::fprintf(stderr, "Warning:Src Image dim \"%s\" is too large- truncating\n", name);
+        validWidth = std::min(validWidth, largestSide);
+        validHeight = std::min(validHeight, largestSide);
+    } else if (validWidth <= 0 || validHeight <= 0) {
+        std::fprintf(stderr, "Error :Src Image \"%s\" is too small for compressor \n", name);
+        std::exit(1);
+    } else if (warn != 0 && (validWidth != *width || validHeight != *height)) {
+        std::fprintf(stderr, "Warning: Image \"%s\" has been truncated to a valid texture size\n", name);
+    }
+    *width = validWidth;
+    *height = validHeight;
+}
+
+void WriteBlocksAsText(const std::uint8_t* blocks, std::FILE* stream, std::uint32_t bitsPerPixel, std::uint32_t sizeInPixels) {
+    const std::size_t bytes = wordsOf(bitsPerPixel, sizeInPixels) * wordBytes;
+    for (std::size_t i = 0; i < bytes; ++i)
+        std::fprintf(stream, "0x%.2x,", static_cast<unsigned int>(blocks[i]));
+}
+
+void WriteBlocksRaw(const std::uint8_t* blocks, std::FILE* stream, std::uint32_t bitsPerPixel, std::uint32_t sizeInPixels) {
+    const std::size_t words = wordsOf(bitsPerPixel, sizeInPixels);
+    for (std::size_t i = 0; i < words; ++i) {
+        if (std::fwrite(blocks + i * wordBytes, 1, wordBytes, stream) != wordBytes)
+            std::fputs("Warning! Write failed  WriteU32\n", stderr);
+    }
+}
+
+}  // namespace moktexture::amtc

@@ -1,0 +1,170 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "moktc/amtc/records/colour_vector.h"
+#include "moktc/amtc/records/work_image.h"
+
+/// @file
+/// What all passes over a level share: its settings and one record a block.
+
+namespace moktexture::amtc {
+
+/// Region modes: how a block's colours reach its pixels and how its pixels choose between them.
+///
+///   4 bits per pixel                             2 bits per pixel
+///   0  four levels 0, 3/8, 5/8, 1                8           one bit a pixel
+///   1  punch-through: 0, 1/2, transparent, 1     9, 10, 11   two bits on a checkerboard; the other pixels get the mean of all
+///   2  flat: colours are not upscaled                        four neighbours (9), left and right (10), above and below (11)
+///   3  flat, corner palette                      12 to 15    the same four, flat
+///
+/// 2, 3 and 12 to 15 are of the second generation.
+namespace region_mode {
+inline constexpr std::uint32_t standard = 0;
+inline constexpr std::uint32_t punchThrough = 1;
+inline constexpr std::uint32_t flat4bpp = 2;
+inline constexpr std::uint32_t cornerPalette = 3;
+inline constexpr std::uint32_t direct = 8;
+inline constexpr std::uint32_t average = 9;
+inline constexpr std::uint32_t horizontal = 10;
+inline constexpr std::uint32_t vertical = 11;
+inline constexpr std::uint32_t flatDirect = 12;
+inline constexpr std::uint32_t flatAverage = 13;
+inline constexpr std::uint32_t flatHorizontal = 14;
+inline constexpr std::uint32_t flatVertical = 15;
+}  // namespace region_mode
+inline constexpr std::size_t mostRegionModes = 8;
+
+/// A footprint is the pixels that a block's colours influence, and a ring around them: twice the block size plus 1 each way.
+inline constexpr std::size_t mostFootprintWidth = 17;
+inline constexpr std::size_t mostFootprintPixels = 17 * 17;  ///< the unfinished 1 bit per pixel; 81 at 4 and 153 at 2
+
+/// RGBA8 pixels, rows of `footprintWidth` without a gap.
+using Footprint = std::array<std::uint32_t, mostFootprintPixels>;
+/// One weight a pixel of a footprint.
+using FootprintKernel = std::array<float, mostFootprintPixels>;
+/// One byte a pixel of a footprint.
+using FootprintMask = std::array<std::uint8_t, mostFootprintPixels>;
+
+/// One level's settings. Those from `refineIterations` on change from sweep to sweep.
+struct AmtcLevelSettings {
+    std::uint8_t formatVersion;  ///< 4
+    std::uint8_t bitsPerPixel;   ///< 4, 2 or the unfinished 1
+    std::uint8_t blockWidth, blockHeight;
+    std::uint8_t footprintWidth, footprintHeight;
+    std::uint32_t secondGeneration;          ///< 1 for the second-generation format
+    std::uint32_t blocksDown, blocksAcross;  ///< size of the grid
+    std::uint32_t refineIterations;          ///< evaluations per candidate
+    std::uint32_t candidatesKept;            ///< per mode, between visits
+    std::uint32_t forceVisit;                ///< 1: no block is skipped
+    std::uint32_t extendedModes;             ///< 1: the region modes of the second generation too
+    std::uint32_t neighbourModeVariants;     ///< 1: 8 variants of the neighbours' modes instead of 1
+    std::uint32_t clampToBounds;             ///< 1: solved colours stay in the representative's box
+    std::uint32_t useSegments;               ///< 1: connected segments share a modulation level
+
+    std::size_t footprintPixels() const { return std::size_t{footprintWidth} * footprintHeight; }
+};
+
+/// The settings that do not change from sweep to sweep, the others 0; the image's sides are multiples of the block's.
+AmtcLevelSettings makeLevelSettings(std::int32_t width, std::int32_t height, std::uint32_t formatVersion,
+                                    std::uint32_t bitsPerPixel, std::uint32_t secondGeneration);
+
+/// A representative: what a set of pixels looks like as a cloud in RGBA space.
+struct Rep {
+    ColourVector minColour, maxColour;
+    std::array<std::uint8_t, channelCount> meanColour;  ///< rounded, R, G, B, A
+    std::array<ColourVector, channelCount> axes;        ///< unit vectors, the one along which the pixels spread most first
+    ColourVector projMin, projMax;                      ///< extent of the pixels along each axis
+    std::uint32_t isFlat;                               ///< 1 if the least and the greatest colour are the same
+};
+
+enum RepIndex : std::size_t {
+    wholeRep,         ///< the whole footprint
+    opaqueRep,        ///< its pixels that do not count as transparent
+    centreRep,        ///< the block itself
+    detailRep,        ///< what the interpolated means of the blocks around leave of the footprint
+    opaqueDetailRep,  ///< the same of pixels with an alpha above 0
+    repCount
+};
+
+inline constexpr std::uint32_t unknownError = 0x3fffffff;  ///< above every error of a footprint
+
+/// A pair of colours as a decoder sees them: RGBA8, stored bits expanded.
+struct ColourPair {
+    std::uint32_t a, b;
+    bool operator==(const ColourPair&) const = default;
+};
+
+struct Candidate {
+    std::uint32_t colourA, colourB;
+    std::uint32_t error = unknownError;  ///< over the footprint: sum of squared differences, all channels alike
+    std::uint32_t spare = 0;
+
+    ColourPair colours() const { return {colourA, colourB}; }
+};
+
+inline constexpr std::size_t mostCandidates = 4;
+
+/// A block's candidates in one region mode, the best first after the first visit.
+struct RepStart {
+    std::uint8_t mode;          ///< a region mode
+    std::uint8_t count;         ///< candidates in use
+    std::uint32_t isFlatStart;  ///< 1 if the candidates come from a flat representative
+    const Rep* axes;            ///< axes and bounds that hold solved colours; points into the same block's record
+    std::array<Candidate, mostCandidates> candidates;
+};
+
+/// What the refinement of a block depends on, beside its pixels and its own candidates.
+struct RefinementInputs {
+    std::array<ColourPair, 9> neighbourColours;  ///< those of the block itself count for nothing and are 0
+    std::array<std::uint8_t, 9> neighbourModes;  ///< likewise
+    std::array<std::uint8_t, 5> rules;           ///< settings that change from sweep to sweep
+    bool operator==(const RefinementInputs&) const = default;
+};
+
+struct BlockRecord {
+    std::uint32_t segmentable;  ///< 1 if the footprint splits into fewer segments than a quarter of its pixels
+    std::array<Rep, repCount> reps;
+    std::uint32_t transparentInCentre;                ///< 1 if a pixel of the block itself counts as transparent
+    std::uint32_t lastChanged;                        ///< step of the last visit that changed the block
+    std::uint32_t lastVisited;                        ///< step of the last visit
+    std::array<RepStart, mostRegionModes> repStarts;  ///< in the order of ListRegionModes with extended modes
+    std::uint32_t bestMode;                           ///< the region mode in force, which neighbours see
+    RefinementInputs lastInputs;                      ///< of the last visit
+    std::uint32_t settledModes;  ///< bit i: repStarts[i] came out of a visit with these inputs as it went in, and would again
+
+    /// The best candidate of the mode in force.
+    const Candidate& best() const;
+};
+
+using RegionModeList = std::array<std::uint32_t, mostRegionModes>;
+
+/// Lists the region modes of the format, with the second generation's own if `extended`, and returns their number. At 1 bit per
+/// pixel it writes a message and aborts.
+std::uint32_t ListRegionModes(const AmtcLevelSettings& settings, bool extended, RegionModeList& list);
+
+/// Pointers to the rows of records. Entries behind the last row are null.
+using BlockRows = std::array<BlockRecord*, largestSide / 4>;
+
+/// One array of records a block row. Zeroed, so that no run can differ from another by what its format's passes leave unset, such
+/// as the records of another generation's modes. False, and nothing kept, if memory is short.
+bool AllocateBlockRows(std::int32_t width, std::int32_t height, std::uint32_t blockWidth, std::uint32_t blockHeight,
+                       BlockRows& blockRows);
+void FreeBlockRows(BlockRows& blockRows);
+
+/// Copies the footprint around the pixel (centreX, centreY), wrapping around the image's edges.
+void LoadFootprint(const AmtcImage& image, std::uint32_t centreX, std::uint32_t centreY, const AmtcLevelSettings& settings,
+                   Footprint& footprint);
+/// The same around the centre of the block at `row` and `column`.
+void LoadBlockFootprint(const AmtcImage& image, std::uint32_t row, std::uint32_t column, const AmtcLevelSettings& settings,
+                        Footprint& footprint);
+
+/// The records of the 3 by 3 blocks around one, row by row, wrapping around the grid's edges; the block itself is number 4.
+using Neighbourhood = std::array<const BlockRecord*, 9>;
+inline constexpr std::size_t centreOfNeighbourhood = 4;
+Neighbourhood gatherNeighbourhood(const BlockRows& blockRows, const AmtcLevelSettings& settings, std::uint32_t row,
+                                  std::uint32_t column);
+
+}  // namespace moktexture::amtc

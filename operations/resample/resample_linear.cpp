@@ -1,0 +1,172 @@
+#include <limits>
+
+#include "operations/resample/resample_filters.h"
+
+namespace moktexture {
+namespace {
+
+/// Destination columns whose positions are computed once and serve all rows.
+constexpr std::uint32_t stripWidth = 256;
+constexpr std::size_t stripElements = stripWidth * channelsPerPixel;
+
+/// Left and right neighbours of the strip's columns, and their weights, one for each element so that loops run straight.
+struct StripColumns {
+    std::uint32_t left[stripWidth];
+    std::uint32_t right[stripWidth];
+    float leftWeight[stripElements];
+    float rightWeight[stripElements];
+    bool areHalfway;  ///< all weights are 0.5, as in a halving
+};
+
+void placeColumns(const ResampleAxis& axis, std::uint32_t firstColumn, std::uint32_t columnCount, StripColumns& columns) {
+    columns.areHalfway = true;
+    for (std::uint32_t i = 0; i < columnCount; ++i) {
+        const AxisPosition position = filteredPosition(axis, firstColumn + i);
+        columns.left[i] = indexWithin(axis, position.index);
+        columns.right[i] = upperNeighbour(axis, position.index);
+        columns.areHalfway = columns.areHalfway && position.fraction == 0.5f;
+        for (std::size_t c = 0; c < channelsPerPixel; ++c) {
+            columns.leftWeight[i * channelsPerPixel + c] = 1.0f - position.fraction;
+            columns.rightWeight[i * channelsPerPixel + c] = position.fraction;
+        }
+    }
+}
+
+/// Elements of 8 and 16 bits: floats hold them exactly, so that the half of one is its shift.
+template <typename T>
+constexpr bool isNarrow = sizeof(T) < sizeof(float);
+
+/// blendElements() of two runs, which may be one, with both weights 0.5.
+template <typename T>
+void averageRuns(const T* a, const T* b, std::size_t count, T* __restrict blended) {
+    static_assert(isNarrow<T>);
+    for (std::size_t i = 0; i < count; ++i)
+        blended[i] = static_cast<T>((a[i] >> 1) + (b[i] >> 1));
+}
+
+/// blendElements() of two runs, which may be one, with weights of each element's own.
+template <typename T>
+void blendRuns(const T* a, const T* b, const float* weightA, const float* weightB, std::size_t count, T* __restrict blended) {
+    for (std::size_t i = 0; i < count; ++i)
+        blended[i] = blendElements(a[i], b[i], weightA[i], weightB[i]);
+}
+
+/// blendElements() of two runs, which may be one, at a fraction of the way from a to b.
+template <typename T>
+void blendRuns(const T* a, const T* b, float fraction, std::size_t count, T* __restrict blended) {
+    if constexpr (isNarrow<T>) {
+        if (fraction == 0.5f) return averageRuns(a, b, count, blended);
+    }
+    const float weightA = 1.0f - fraction;
+    for (std::size_t i = 0; i < count; ++i)
+        blended[i] = blendElements(a[i], b[i], weightA, fraction);
+}
+
+/// blendElements() of the left and right pixels of each column.
+template <typename T>
+void blendPixels(const T* row, const StripColumns& columns, std::uint32_t columnCount, T* __restrict blended) {
+    for (std::uint32_t i = 0; i < columnCount; ++i) {
+        const T* const left = row + columns.left[i] * channelsPerPixel;
+        const T* const right = row + columns.right[i] * channelsPerPixel;
+        const std::size_t first = i * channelsPerPixel;
+        for (std::size_t c = 0; c < channelsPerPixel; ++c) {
+            blended[first + c] = blendElements(left[c], right[c], columns.leftWeight[first + c], columns.rightWeight[first + c]);
+        }
+    }
+}
+
+/// A strip of destination columns. The blend across x depends on the source row alone, so the last rows of each parity are
+/// kept: neighbouring destination rows share them in enlargements.
+template <typename T>
+class LinearStrip {
+public:
+    LinearStrip(const Resampling<T>& stripResampling, std::uint32_t stripFirstColumn, std::uint32_t stripColumnCount)
+        : resampling(stripResampling),
+          firstColumn(stripFirstColumn),
+          columnCount(stripColumnCount),
+          elementCount(std::size_t{stripColumnCount} * channelsPerPixel) {
+        placeColumns(resampling.axes.x, firstColumn, columnCount, columns);
+        for (std::uint64_t& row : heldRow)
+            row = std::numeric_limits<std::uint64_t>::max();
+    }
+
+    void resample() {
+        for (std::uint32_t z = 0; z < resampling.destinationSize.depth; ++z) {
+            for (std::uint32_t y = 0; y < resampling.destinationSize.height; ++y) {
+                resampleRow(y, z, resampling.destinationPixel(firstColumn, y, z));
+            }
+        }
+    }
+
+private:
+    void resampleRow(std::uint32_t y, std::uint32_t z, T* destination) {
+        const AxisPosition row = filteredPosition(resampling.axes.y, y);
+        if (resampling.sourceSize.depth == 1) {
+            sampleSlice(row, 0, destination);
+            return;
+        }
+        const ResampleAxis& axis = resampling.axes.z;
+        const AxisPosition slice = filteredPosition(axis, z);
+        sampleSlice(row, indexWithin(axis, slice.index), nearSlice);
+        sampleSlice(row, upperNeighbour(axis, slice.index), farSlice);
+        blendRuns(nearSlice, farSlice, slice.fraction, elementCount, destination);
+    }
+
+    void sampleSlice(const AxisPosition& position, std::uint32_t slice, T* sampled) {
+        const ResampleAxis& axis = resampling.axes.y;
+        const T* const upper = sampleRow(indexWithin(axis, position.index), slice);
+        const T* const lower = sampleRow(upperNeighbour(axis, position.index), slice);
+        blendRuns(upper, lower, position.fraction, elementCount, sampled);
+    }
+
+    /// A source row blended across x. Two neighbouring rows of two neighbouring slices lie in different places.
+    const T* sampleRow(std::uint32_t row, std::uint32_t slice) {
+        const std::size_t place = (slice & 1) * 2 + (row & 1);
+        const std::uint64_t number = std::uint64_t{slice} << 32 | row;
+        if (heldRow[place] != number) {
+            blendColumns(resampling.sourceRow(row, slice), held[place]);
+            heldRow[place] = number;
+        }
+        return held[place];
+    }
+
+    /// Narrow elements are collected first, so that one loop over all of them vectorises; wide ones fill a vector per pixel.
+    void blendColumns(const T* row, T* blended) {
+        if constexpr (isNarrow<T>) {
+            gatherPixels(row, columns.left, columnCount, left);
+            gatherPixels(row, columns.right, columnCount, right);
+            if (columns.areHalfway) return averageRuns(left, right, elementCount, blended);
+            blendRuns(left, right, columns.leftWeight, columns.rightWeight, elementCount, blended);
+        } else {
+            blendPixels(row, columns, columnCount, blended);
+        }
+    }
+
+    const Resampling<T>& resampling;
+    const std::uint32_t firstColumn;
+    const std::uint32_t columnCount;
+    const std::size_t elementCount;
+    StripColumns columns;
+    T left[stripElements];
+    T right[stripElements];
+    std::uint64_t heldRow[4];  ///< slice and row of what is held in each place
+    T held[4][stripElements];
+    T nearSlice[stripElements];
+    T farSlice[stripElements];
+};
+
+}  // namespace
+
+template <typename T>
+void resampleLinear(const Resampling<T>& resampling) {
+    forEachStrip(resampling.destinationSize.width, stripWidth, [&resampling](std::uint32_t first, std::uint32_t count) {
+        LinearStrip<T>(resampling, first, count).resample();
+    });
+}
+
+template void resampleLinear(const Resampling<std::uint8_t>&);
+template void resampleLinear(const Resampling<std::uint16_t>&);
+template void resampleLinear(const Resampling<std::uint32_t>&);
+template void resampleLinear(const Resampling<float>&);
+
+}  // namespace moktexture

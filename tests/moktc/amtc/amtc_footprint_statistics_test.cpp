@@ -1,0 +1,215 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <tuple>
+
+#include "moktc/amtc/analysis/eigen_symmetric.h"
+#include "moktc/amtc/analysis/footprint_kernels.h"
+#include "moktc/amtc/analysis/footprint_statistics.h"
+#include "support/test_images.h"
+
+namespace {
+
+using namespace moktexture::amtc;
+using Bytes = std::array<std::uint8_t, channelCount>;
+/// The colour of a pixel at a row and a column of a footprint.
+using Painter = std::function<std::uint32_t(std::size_t, std::size_t)>;
+
+constexpr SquareMatrix identity = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
+
+constexpr std::uint32_t rgba(std::uint32_t r, std::uint32_t g, std::uint32_t b, std::uint32_t a) {
+    return r | g << 8 | b << 16 | a << 24;
+}
+
+Painter columns(std::size_t at, std::uint32_t left, std::uint32_t right) {
+    return [=](auto, auto x) { return x < at ? left : right; };
+}
+Painter below(std::size_t at, std::uint32_t above, Painter painter) {
+    return [=](auto y, auto x) { return y < at ? above : painter(y, x); };
+}
+
+struct Format {
+    std::uint32_t bitsPerPixel, secondGeneration;
+    AmtcLevelSettings settings = makeLevelSettings(64, 64, 4, bitsPerPixel, secondGeneration);
+    FootprintKernels kernels = makeFootprintKernels(settings);
+
+    /// All five representatives of a footprint.
+    BlockRecord analyse(const Painter& painter, const NeighbourMeans& means = {}) const {
+        Footprint footprint{};
+        for (std::size_t i = 0; i < settings.footprintPixels(); ++i)
+            footprint[i] = painter(i / settings.footprintWidth, i % settings.footprintWidth);
+        BlockRecord block{};
+        AnalyseFootprint(footprint, settings, kernels.centre, kernels.sharp, kernels.smooth, block);
+        AnalyseDetail(footprint, settings, kernels.smooth, means, block);
+        return block;
+    }
+};
+
+/// Flat at a colour, by bounds and axes, with a mean and an extent.
+void expectFlat(const Rep& rep, const ColourVector& colour, const Bytes& mean, const ColourVector& projMin,
+                const ColourVector& projMax) {
+    EXPECT_EQ(rep.isFlat, 1u);
+    EXPECT_EQ(rep.axes, identity);
+    EXPECT_EQ(rep.meanColour, mean);
+    EXPECT_EQ(std::tie(rep.minColour, rep.maxColour, rep.projMin, rep.projMax), std::tie(colour, colour, projMin, projMax));
+}
+
+/// Not flat; the first axis is along `direction`, either way, and the pixels reach from `from` to `to` on it.
+void expectLine(const Rep& rep, const Bytes& mean, const ColourVector& direction, float from, float to) {
+    const float length = std::sqrt(dotProduct(direction, direction)), sign = dotProduct(direction, rep.axes[0]) < 0 ? -1 : 1;
+    for (std::size_t channel = 0; channel < channelCount; ++channel)
+        EXPECT_NEAR(rep.axes[0][channel], sign * direction[channel] / length, 1e-5f) << channel;
+    EXPECT_NEAR(sign < 0 ? -rep.projMax[0] : rep.projMin[0], from, 0.01f);
+    EXPECT_NEAR(sign < 0 ? -rep.projMin[0] : rep.projMax[0], to, 0.01f);
+    EXPECT_EQ(rep.isFlat, 0u);
+    EXPECT_EQ(rep.meanColour, mean);
+}
+
+TEST(EigenSymmetric, GivesOrthonormalVectorsByDescendingEigenvalue) {
+    testimages::Random random(5);
+    for (int round = 0; round < 4000; ++round) {
+        const std::size_t n = 2 + random.below(3);
+        SquareMatrix matrix{}, vectors;
+        for (int rank = round % 5; rank > 0; --rank) {  // ranks below n: eigenvalues of 0, several alike
+            ColourVector v{};
+            std::generate_n(v.begin(), n, [&] { return static_cast<float>(random.below(511)) - 255; });
+            for (std::size_t i = 0; i < n * n; ++i)
+                matrix[i / n][i % n] += v[i / n] * v[i % n] * (rank == 2 ? 1e-6f : 1);
+        }
+        ColourVector values;
+        EigenSymmetric(matrix, n, values, vectors);
+        const float tolerance = 2e-6f * (matrix[0][0] + matrix[1][1] + matrix[2][2] + matrix[3][3]);
+        for (std::size_t i = 0; i < n * n; ++i) {
+            const std::size_t row = i / n, k = i % n;
+            ASSERT_NEAR(dotProduct(matrix[row], vectors[k]), values[k] * vectors[k][row], tolerance) << round;
+            ASSERT_NEAR(dotProduct(vectors[row], vectors[k]), row == k ? 1 : 0, 2e-6f) << round;
+            ASSERT_GE(values[k == 0 ? 0 : k - 1], values[k]);
+        }
+    }
+}
+
+TEST(EigenSymmetric, TurnsByTheSmallerAngleAndSortsBySwapping) {
+    ColourVector values;
+    SquareMatrix vectors;
+    EigenSymmetric({{{3, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 7, 0}, {0, 0, 0, 3}}}, 4, values, vectors);
+    EXPECT_EQ(values, (ColourVector{7, 3, 3, 1}));
+    EXPECT_EQ(vectors, (SquareMatrix{identity[2], identity[0], identity[3], identity[1]}));
+    EigenSymmetric({{{2, -1}, {-1, 2}}}, 2, values, vectors);
+    EXPECT_FLOAT_EQ(vectors[0][0], std::sqrt(0.5f));
+    EXPECT_FLOAT_EQ(vectors[0][1], -std::sqrt(0.5f));
+}
+
+TEST(AmtcFootprintStatistics, DescribeFlatAndTwoColouredFootprints) {
+    for (const std::uint32_t generation : {0, 1}) {
+        for (const Bytes c : {Bytes{200, 7, 90, 255}, Bytes{200, 7, 90, 0}, Bytes{}}) {
+            const std::uint32_t pixel = rgba(c[0], c[1], c[2], c[3]);
+            const BlockRecord block = Format{4, generation}.analyse(columns(0, 0, pixel));
+            for (const RepIndex rep : {wholeRep, opaqueRep, centreRep})
+                expectFlat(block.reps[rep], toVector(pixel), c, toVector(pixel), toVector(pixel));
+        }
+    }
+    // The right columns weigh 247 of 367; the block's own mean is plain.
+    const BlockRecord halves = Format{4, 0}.analyse(columns(4, rgba(0, 0, 0, 255), rgba(200, 100, 40, 255)));
+    for (const RepIndex rep : {wholeRep, opaqueRep})
+        expectLine(halves.reps[rep], {135, 67, 27, 255}, {200, 100, 40, 0}, 0, 227.156f);
+    expectLine(halves.reps[centreRep], {100, 50, 20, 255}, {200, 100, 40, 0}, 0, 227.156f);
+}
+
+TEST(AmtcFootprintStatistics, CountTransparencyByRateAndGeneration) {
+    const std::uint32_t ground = rgba(90, 90, 90, 200), hidden = rgba(50, 60, 70, 0), nothing = 0;
+    // clang-format off
+    const std::tuple<Format, std::uint32_t, std::uint32_t, ColourVector> cases[] = {
+        {Format{4, 0}, hidden,  1, {50, 60, 70, 200}},  // with the others' alpha
+        {Format{4, 0}, nothing, 1, { 0,  0,  0, 200}},
+        {Format{4, 1}, hidden,  0, {50, 60, 70,   0}},
+        {Format{4, 1}, nothing, 1, {90, 90, 90, 200}},
+        {Format{2, 0}, hidden,  0, {50, 60, 70,   0}},
+        {Format{2, 1}, nothing, 0, { 0,  0,  0,   0}},
+    };
+    // clang-format on
+    for (const auto& [format, pixel, isTransparent, opaqueLeast] : cases) {
+        const std::size_t left = format.settings.blockWidth / 2u;
+        for (const std::size_t row : {1, 2}) {  // outside and inside the block
+            const BlockRecord block = format.analyse([&](auto y, auto x) { return y == row && x == left ? pixel : ground; });
+            EXPECT_EQ(block.transparentInCentre, row == 2 ? isTransparent : 0);
+            EXPECT_EQ(block.reps[opaqueRep].minColour, opaqueLeast);
+        }
+    }
+}
+
+TEST(AmtcFootprintStatistics, HoldTransparentPixelsByTheirGeneration) {
+    // The first generation hides columns 0 to 4, of weight 247, behind an alpha of (96 * 100 + 24 * 201) / 120.
+    const BlockRecord first =
+        Format{4, 0}.analyse([](auto, auto x) { return x < 5 ? rgba(1, 2, 3, 0) : rgba(10, 20, 30, x < 7 ? 100 : 201); });
+    EXPECT_EQ(first.reps[opaqueRep].meanColour, (Bytes{4, 8, 12, 120}));
+    // The second leaves rows 0 to 3 out.
+    const BlockRecord second = Format{4, 1}.analyse(below(4, 0, columns(6, rgba(10, 20, 30, 255), rgba(10, 220, 30, 255))));
+    expectLine(second.reps[opaqueRep], {10, 51, 30, 255}, {0, 1, 0, 0}, 20, 220);
+    EXPECT_EQ(second.reps[wholeRep].minColour, ColourVector{});
+    // Hidden colours alone: the whole footprint stands in, but its extent stays empty.
+    const BlockRecord hidden = Format{4, 0}.analyse(columns(4, 10, 200));
+    expectLine(hidden.reps[wholeRep], {138, 0, 0, 0}, {1, 0, 0, 0}, 10, 200);
+    EXPECT_EQ(hidden.reps[opaqueRep].axes, hidden.reps[wholeRep].axes);
+    EXPECT_EQ(hidden.reps[opaqueRep].projMin[0], 3.4028235e38f);
+    EXPECT_EQ(hidden.reps[opaqueRep].projMax[3], -3.4028235e38f);
+}
+
+TEST(AmtcFootprintStatistics, OfOneOpaqueColourKeepAnUndividedMeanAndMakeTheWholeFlat) {
+    const ColourVector colour = {200, 100, 40, 255};
+    const Bytes partialMean = {196, 98, 39, 249};  // 359 of 367
+    const BlockRecord outside = Format{4, 1}.analyse(columns(1, 0, roundToRGBA(colour)));
+    expectFlat(outside.reps[opaqueRep], colour, partialMean, colour, colour);
+    expectFlat(outside.reps[wholeRep], colour, partialMean, {}, colour);
+    const BlockRecord inside = Format{4, 1}.analyse(columns(3, 0, roundToRGBA(colour)));
+    expectFlat(inside.reps[opaqueRep], colour, {169, 85, 34, 216}, colour, colour);
+    expectLine(inside.reps[wholeRep], {169, 85, 34, 216}, colour, 0, 341.504f);
+    // The first generation leaves nothing out, and the whole's bounds are the opaque ones while its mean is that of all pixels.
+    const BlockRecord first = Format{4, 0}.analyse(columns(1, rgba(200, 100, 40, 0), roundToRGBA(colour)));
+    expectFlat(first.reps[opaqueRep], colour, {200, 100, 40, 255}, colour, colour);
+    expectFlat(first.reps[wholeRep], colour, {200, 100, 40, 249}, {200, 100, 40, 0}, colour);
+}
+
+TEST(AmtcDetailStatistics, VanishOnTheInterpolatedMeansThemselves) {
+    constexpr std::size_t down[] = {0, 16, 64, 0}, across[] = {8, 104, 40, 0};
+    const auto between = [](const std::size_t* values, std::size_t at, std::size_t side) {
+        return (values[at / side] * (side - at % side) + values[at / side + 1] * (at % side)) / side;
+    };
+    NeighbourMeans means;
+    for (std::size_t i = 0; i < means.size(); ++i)
+        means[i].fill(static_cast<std::uint8_t>(down[i / 3] + across[i % 3]));
+    for (const Format& format : {Format{4, 0}, Format{2, 1}}) {
+        const auto grey = [&](std::size_t y, std::size_t x) {
+            return static_cast<std::uint32_t>(between(down, y, 4) + between(across, x, format.settings.blockWidth)) * 0x01010101;
+        };
+        const BlockRecord block = format.analyse(grey, means);
+        for (const RepIndex rep : {detailRep, opaqueDetailRep})
+            expectFlat(block.reps[rep], {}, {120, 120, 120, 120}, toVector(0x78787878), toVector(0x78787878));
+    }
+}
+
+TEST(AmtcDetailStatistics, DescribeColoursAroundTheBlocksMean) {
+    constexpr Bytes mean = {100, 110, 120, 130};
+    constexpr std::uint32_t ground = rgba(100, 110, 120, 130), ring = rgba(90, 110, 120, 130);
+    NeighbourMeans means;
+    means.fill(mean);
+    // The ring counts in bounds and means, and not in the extent: 100 + (20 * 359 * 247 / 367 - 10 * 8) / 367.
+    const BlockRecord opaque = Format{4, 0}.analyse(below(1, ring, columns(4, ground, ground + 20)), means);
+    for (const RepIndex rep : {detailRep, opaqueDetailRep}) {
+        expectLine(opaque.reps[rep], {113, 110, 120, 130}, {1, 0, 0, 0}, 100, 120);
+        EXPECT_EQ(opaque.reps[rep].minColour, (ColourVector{-10, 0, 0, 0}));
+        EXPECT_EQ(opaque.reps[rep].maxColour, (ColourVector{20, 0, 0, 0}));
+    }
+    // Of the opaque weight 247 / 367, the right columns hold 120: 100 + 40 * 120 / 247.
+    const BlockRecord partial = Format{4, 0}.analyse(below(4, 0, columns(5, ground, ground + 40)), means);
+    expectLine(partial.reps[opaqueDetailRep], {113, 110, 120, 130}, {1, 0, 0, 0}, 100, 140);
+    EXPECT_EQ(partial.reps[detailRep].meanColour, (Bytes{76, 74, 81, 87})) << "rows 0 to 3 differ by all of the mean";
+    EXPECT_EQ(partial.reps[detailRep].minColour, (ColourVector{-100, -110, -120, -130}));
+    // Inner pixels that are all transparent: no detail, but their extent.
+    const BlockRecord hidden = Format{2, 0}.analyse(below(1, ring, columns(8, 20, 220)), means);
+    expectFlat(hidden.reps[detailRep], {}, mean, {20, 0, 0, 0}, {220, 110, 120, 130});
+    expectFlat(hidden.reps[opaqueDetailRep], {}, mean, toVector(ground), toVector(ground));
+}
+
+}  // namespace

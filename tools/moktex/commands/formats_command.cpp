@@ -1,0 +1,151 @@
+#include <CLI/CLI.hpp>
+#include <iomanip>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "moktex/commands/command_line.h"
+#include "moktex/formats/format_names.h"
+#include "moktex/report/console.h"
+#include "moktex/report/graphics_api_numbers.h"
+
+using namespace moktexture;
+using Json = nlohmann::ordered_json;
+
+namespace moktextool {
+
+namespace {
+
+/// The uncompressed layouts that are met most; any other that follows the rule works as well.
+constexpr const char* commonLayouts[] = {"rgba8888",
+                                         "bgra8888",
+                                         "rgb888",
+                                         "rgb565",
+                                         "rgba4444",
+                                         "rgba5551",
+                                         "argb1555",
+                                         "abgr2.10.10.10",
+                                         "l8",
+                                         "la88",
+                                         "i8",
+                                         "a8",
+                                         "r8",
+                                         "rg88",
+                                         "argb8888:uintnorm",
+                                         "xrgb8888:uintnorm",
+                                         "rgba8888:sbytenorm",
+                                         "r16",
+                                         "rg1616",
+                                         "rgb161616",
+                                         "rgba16161616",
+                                         "r16:float",
+                                         "rgba16161616:float",
+                                         "bgr10.11.11:float",
+                                         "r32",
+                                         "rgba32323232"};
+
+constexpr const char* explanation =
+    "An uncompressed format is written as its channels and their bits: letters r g b a, l (luminance), i (intensity),\n"
+    "x (ignored), then a number for each, joined or with dots, 'rgb565', 'abgr2.10.10.10'. Channels of 8, 16 or 32 bits\n"
+    "lie one behind the other; others are packed in one word, the first in its highest bits.\n"
+    "The channel type follows a colon: ubytenorm, sbytenorm, ubyte, sbyte, ushortnorm, sshortnorm, ushort, sshort,\n"
+    "uintnorm, sintnorm, uint, sint, float. It may be left out where it is the usual one: unsigned and normalised, as\n"
+    "wide as the channels or the word; float for channels of 32 bits.\n";
+
+constexpr const char* numbersExplanation =
+    "OpenGL's numbers are internal format, format and type; '-' is a format without a number. Files of .ktx hold the\n"
+    "formats with a number of OpenGL, files of .dds most of those with one of Direct3D 9. Most\n"
+    "compressed formats have a number of DXGI with the channel type uintnorm alone.\n";
+
+/// The numbers of a form in linear colour space, and DXGI's in sRGB too.
+Json describeNumbers(const TextureForm& form) {
+    CMOKTextureHeader header;
+    header.setPixelFormat(form.format);
+    header.setChannelType(form.channelType);
+    if (isCompressed(form.format) && header.getDXGIFormat() == 0) header.setChannelType(eVarUIntNorm);
+    Json numbers = describeAPINumbers(header);
+    header.setColourSpace(eColourSpaceSRGB);
+    numbers["dxgiSRGB"] = describeAPINumbers(header)["dxgi"];
+    return numbers;
+}
+
+Json describe(const TextureForm& form, bool withNumbers) {
+    CMOKTextureHeader header;
+    header.setPixelFormat(form.format);
+    const CompressedFormat* row = findCompressed(form.format);
+    Json description = {{"name", nameOf(form)},
+                        {"otherName", row != nullptr && row->otherName != nullptr ? Json(row->otherName) : Json()},
+                        {"compressed", row != nullptr},
+                        {"bitsPerPixel", header.getBitsPerPixel()},
+                        {"blockWidth", row != nullptr ? row->blockWidth : 1},
+                        {"blockHeight", row != nullptr ? row->blockHeight : 1},
+                        {"decodes", row == nullptr || row->hasDecoder},
+                        {"encodes", row == nullptr || row->hasEncoder}};
+    if (withNumbers) description["apiNumbers"] = describeNumbers(form);
+    return description;
+}
+
+Json describeAll(bool withNumbers) {
+    Json formats = Json::array();
+    for (const CompressedFormat& row : compressedFormats())
+        formats.push_back(describe({row.id, eVarUByteNorm}, withNumbers));
+    for (const char* layout : commonLayouts)
+        formats.push_back(describe(parseForm(layout), withNumbers));
+    return formats;
+}
+
+void printTable(const Json& formats, std::ostream& out) {
+    const auto row = [&out](const auto& name, const auto& bits, const auto& block, const auto& decodes, const auto& encodes,
+                            const auto& other) {
+        out << std::left << std::setw(20) << name << std::right << std::setw(14) << bits << std::setw(8) << block << std::setw(9)
+            << decodes << std::setw(9) << encodes << "  " << other << '\n';
+    };
+    row("format", "bits per pixel", "block", "decodes", "encodes", "other name");
+    for (const Json& format : formats) {
+        const std::string block = format["blockWidth"].dump() + 'x' + format["blockHeight"].dump();
+        row(format["name"].get<std::string>(), format["bitsPerPixel"].dump(), block, format["decodes"].get<bool>() ? "yes" : "no",
+            format["encodes"].get<bool>() ? "yes" : "no",
+            format["otherName"].is_null() ? "" : format["otherName"].get<std::string>());
+    }
+    out << '\n' << explanation;
+}
+
+void printNumbers(const Json& formats, std::ostream& out) {
+    const auto row = [&out](const std::string& name, const std::string& openGL, const std::string& openGLES,
+                            const std::string& direct3D9, const std::string& dxgi, const std::string& dxgiSRGB) {
+        out << std::left << std::setw(26) << name << std::setw(22) << openGL << std::setw(22) << openGLES << std::setw(12)
+            << direct3D9 << std::setw(6) << dxgi << dxgiSRGB << '\n';
+    };
+    row("format", "OpenGL", "OpenGL ES", "Direct3D 9", "DXGI", "DXGI sRGB");
+    for (const Json& format : formats) {
+        const Json& numbers = format["apiNumbers"];
+        row(format["name"], openGLText(numbers["openGL"]), openGLText(numbers["openGLES"]), direct3D9Text(numbers["direct3D9"]),
+            dxgiText(numbers["dxgi"]), dxgiText(numbers["dxgiSRGB"]));
+    }
+    out << '\n' << numbersExplanation;
+}
+
+}  // namespace
+
+void addFormatsCommand(CLI::App& app, Console& console, ExitStatus& status) {
+    CLI::App& command = *app.add_subcommand("formats", "Lists the names of pixel formats and what can be done with them.");
+    struct Arguments {
+        bool json = false, api = false;
+    };
+    const auto arguments = std::make_shared<Arguments>();
+    command.footer("Examples:\n  moktex formats --json\n  moktex formats --api");
+    command.add_flag("--json", arguments->json, "Print JSON");
+    command.add_flag("--api", arguments->api, "Show the formats' numbers in OpenGL, OpenGL ES, Direct3D 9 and DXGI");
+    command.callback([arguments, &console, &status] {
+        const Json formats = describeAll(arguments->api);
+        if (arguments->json)
+            console.out << formats.dump(2) << '\n';
+        else if (arguments->api)
+            printNumbers(formats, console.out);
+        else
+            printTable(formats, console.out);
+        status = ExitStatus::success;
+    });
+}
+
+}  // namespace moktextool

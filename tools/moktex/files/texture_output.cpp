@@ -1,0 +1,80 @@
+#include "moktex/files/texture_output.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+#include "moktex/files/picture_file.h"
+#include "moktex/files/temporary_file.h"
+#include "moktex/files/texture_input.h"
+#include "moktex/report/console.h"
+
+namespace fs = std::filesystem;
+
+namespace moktextool {
+
+namespace {
+
+constexpr const char* noPixels = "there are no pixels, or empty metadata, to write; check the input";
+constexpr const char* writingFailed = "writing failed; check the folder's permissions and the disk's space";
+
+std::vector<unsigned char> encode(const moktexture::CMOKTexture& texture, const std::string& path) {
+    if (outputKind(path) == OutputKind::picture) return encodePNG(texture, path);
+    std::vector<unsigned char> image = encodeContainer(texture, path);
+    if (image.empty()) {
+        requireHoldable(texture, {path, {}});
+        throw Failure(ExitStatus::workFailed, displayName(path), noPixels);
+    }
+    return image;
+}
+
+/// Writes the legacy layout, which the library writes to files alone.
+void writeLegacy(const moktexture::CMOKTexture& texture, const OutputTarget& target, const TemporaryFile& file) {
+    requireHoldable(texture, target);
+    if (!file.write({})) throw Failure(ExitStatus::inputOutput, target.path, writingFailed);
+    if (!texture.saveFileLegacyMOK(file.getPath().string().c_str(), *target.legacyApi))
+        throw Failure(ExitStatus::inputOutput, target.path, "writing failed; check the disk's space");
+}
+
+}  // namespace
+
+OutputKind outputKind(const std::string& path) {
+    if (path == standardStream) return OutputKind::texture;
+    const std::string extension = extensionOf(path);
+    if (isContainerExtension(extension)) return OutputKind::texture;
+    if (extension == ".png") return OutputKind::picture;
+    throw Failure(ExitStatus::notSupported, path, "such files cannot be written; use .mok, .ktx, .dds, .h or .png");
+}
+
+void requireWritable(const std::string& path, bool overwrite) {
+    if (path == standardStream) return;
+    std::error_code error;
+    const fs::path folder = fs::path(path).parent_path();
+    if (!folder.empty() && !fs::is_directory(folder, error))
+        throw Failure(ExitStatus::inputOutput, path, "its folder does not exist; make it first");
+    if (!fs::exists(path, error)) return;
+    if (!fs::is_regular_file(path, error)) throw Failure(ExitStatus::inputOutput, path, "not a file; choose another name");
+    if (!overwrite) throw Failure(ExitStatus::inputOutput, path, "exists already; use --overwrite or another name");
+}
+
+std::size_t writeTexture(const moktexture::CMOKTexture& texture, const OutputTarget& output, Console& console) {
+    const std::string& path = output.path;
+    const std::vector<unsigned char> image = output.legacyApi ? std::vector<unsigned char>{} : encode(texture, path);
+    if (path == standardStream) {
+        console.out.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size())).flush();
+        if (!console.out) throw Failure(ExitStatus::inputOutput, displayName(path), "writing failed; check what reads it");
+        return image.size();
+    }
+    std::error_code error;
+    const fs::path target = fs::is_symlink(path, error) ? fs::canonical(path, error) : fs::path(path);
+    TemporaryFile file(target);
+    if (output.legacyApi)
+        writeLegacy(texture, output, file);
+    else if (!file.write(image))
+        throw Failure(ExitStatus::inputOutput, path, writingFailed);
+    const std::uintmax_t size = fs::file_size(file.getPath(), error);
+    if (error || !file.moveTo(target)) throw Failure(ExitStatus::inputOutput, path, writingFailed);
+    return static_cast<std::size_t>(size);
+}
+
+}  // namespace moktextool

@@ -1,0 +1,237 @@
+#include "moktex/formats/format_names.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdio>
+#include <optional>
+#include <string_view>
+
+#include "moktex/report/exit_status.h"
+
+using namespace moktexture;
+
+namespace moktextool {
+
+namespace {
+
+// clang-format off
+constexpr CompressedFormat formats[] = {
+    // id               name               other name  block   decodes encodes
+    {eFmtMOKTC2bppRGB,  "moktc-2bpp-rgb",  nullptr,    16, 8,  true,   true},
+    {eFmtMOKTC2bppRGBA, "moktc-2bpp-rgba", nullptr,    16, 8,  true,   true},
+    {eFmtMOKTC4bppRGB,  "moktc-4bpp-rgb",  nullptr,     8, 8,  true,   true},
+    {eFmtMOKTC4bppRGBA, "moktc-4bpp-rgba", nullptr,     8, 8,  true,   true},
+    {eFmtMOKTCII2bpp,   "moktc2-2bpp",     nullptr,     8, 4,  true,   true},
+    {eFmtMOKTCII4bpp,   "moktc2-4bpp",     nullptr,     4, 4,  true,   true},
+    {eFmtETC1,          "etc1",            nullptr,     4, 4,  true,   true},
+    {eFmtDXT1,          "dxt1",            "bc1",       4, 4,  true,   true},
+    {eFmtDXT2,          "dxt2",            nullptr,     4, 4,  true,   true},
+    {eFmtDXT3,          "dxt3",            "bc2",       4, 4,  true,   true},
+    {eFmtDXT4,          "dxt4",            nullptr,     4, 4,  true,   true},
+    {eFmtDXT5,          "dxt5",            "bc3",       4, 4,  true,   true},
+    {eFmtBC4,           "bc4",             nullptr,     4, 4,  false,  false},
+    {eFmtBC5,           "bc5",             nullptr,     4, 4,  false,  false},
+    {eFmtBC6,           "bc6",             nullptr,     1, 1,  false,  false},
+    {eFmtBC7,           "bc7",             nullptr,     1, 1,  false,  false},
+    {eFmtUYVY,          "uyvy",            nullptr,     2, 1,  true,   true},
+    {eFmtYUY2,          "yuy2",            nullptr,     2, 1,  true,   true},
+    {eFmtBW1bpp,        "bw1",             nullptr,     8, 1,  true,   true},
+    {eFmtRGB9E5,        "rgb9e5",          nullptr,     1, 1,  false,  false},
+    {eFmtRGBG8888,      "rgbg8888",        nullptr,     2, 1,  false,  false},
+    {eFmtGRGB8888,      "grgb8888",        nullptr,     2, 1,  false,  false},
+    {eFmtETC2RGB,       "etc2-rgb",        nullptr,     1, 1,  false,  false},
+    {eFmtETC2RGBA,      "etc2-rgba",       nullptr,     1, 1,  false,  false},
+    {eFmtETC2RGBA1,     "etc2-rgba1",      nullptr,     1, 1,  false,  false},
+    {eFmtEACR11U,       "eac-r11",         nullptr,     1, 1,  false,  false},
+    {eFmtEACR11S,       "eac-r11s",        nullptr,     1, 1,  false,  false},
+    {eFmtEACRG11U,      "eac-rg11",        nullptr,     1, 1,  false,  false},
+    {eFmtEACRG11S,      "eac-rg11s",       nullptr,     1, 1,  false,  false},
+};
+
+// By EMOKTVariableType.
+constexpr std::array typeNames = {
+    "ubytenorm",  "sbytenorm",  "ubyte",  "sbyte",
+    "ushortnorm", "sshortnorm", "ushort", "sshort",
+    "uintnorm",   "sintnorm",   "uint",   "sint",
+    "float",
+};
+// clang-format on
+
+constexpr const char* formatRemedy = "'moktex formats' lists them";
+
+unsigned int storageWidth(EMOKTVariableType type) {
+    return type <= eVarSByte ? 8 : type <= eVarSShort ? 16 : 32;
+}
+
+/// Letters and bits of a layout, without the positions that are not in use.
+struct Channels {
+    std::string letters;
+    std::vector<unsigned int> bits;
+
+    explicit Channels(PixelType format) {
+        for (int i = 0; i < 4 && format.layout.channelName[i] != 0; ++i) {
+            letters += static_cast<char>(format.layout.channelName[i]);
+            bits.push_back(format.layout.channelBits[i]);
+        }
+    }
+    unsigned int total() const {
+        unsigned int sum = 0;
+        for (const unsigned int count : bits)
+            sum += count;
+        return sum;
+    }
+    bool allHave(unsigned int width) const {
+        return std::all_of(bits.begin(), bits.end(), [=](unsigned int b) { return b == width; });
+    }
+    bool someHave(unsigned int width) const { return std::count(bits.begin(), bits.end(), width) > 0; }
+};
+
+/// The numbers in "8888", "16161616" or "2.10.10.10"; empty if there are not `count` of them.
+std::vector<unsigned int> splitBits(const std::string& text, std::size_t count) {
+    std::vector<std::string> parts;
+    if (text.find('.') != std::string::npos) {
+        for (std::size_t start = 0, end = 0; end != std::string::npos; start = end + 1) {
+            end = text.find('.', start);
+            parts.push_back(text.substr(start, end - start));
+        }
+    } else if (count != 0 && (text.size() == count || text.size() == 2 * count)) {
+        const std::size_t digits = text.size() / count;
+        for (std::size_t i = 0; i < count; ++i)
+            parts.push_back(text.substr(i * digits, digits));
+    }
+    std::vector<unsigned int> bits;
+    for (const std::string& part : parts) {
+        const bool isNumber = part.find_first_not_of("0123456789") == std::string::npos && (part.size() == 1 || part.size() == 2);
+        if (!isNumber || part[0] == '0') return {};
+        bits.push_back(static_cast<unsigned int>(std::stoul(part)));
+    }
+    return bits.size() == count ? bits : std::vector<unsigned int>{};
+}
+
+std::optional<PixelType> parseLayout(const std::string& text) {
+    const std::size_t letters = std::min(text.find_first_not_of("rgbalix"), text.size());
+    const std::vector<unsigned int> bits = splitBits(text.substr(letters), letters);
+    if (letters > 4 || bits.empty()) return std::nullopt;
+    PixelType format;
+    for (std::size_t i = 0; i < letters; ++i) {
+        format.layout.channelName[i] = static_cast<std::uint8_t>(text[i]);
+        format.layout.channelBits[i] = static_cast<std::uint8_t>(bits[i]);
+    }
+    return format;
+}
+
+std::string layoutText(PixelType format) {
+    const Channels channels(format);
+    const auto isShort = [](unsigned int b) { return b < 10; };
+    const auto shortOnes = static_cast<std::size_t>(std::count_if(channels.bits.begin(), channels.bits.end(), isShort));
+    const bool needsDots = shortOnes != 0 && shortOnes != channels.bits.size();
+    std::string text = channels.letters;
+    for (std::size_t i = 0; i < channels.bits.size(); ++i)
+        text += (needsDots && i > 0 ? "." : "") + std::to_string(channels.bits[i]);
+    return text;
+}
+
+std::string wordProblem(const Channels& channels, EMOKTVariableType type) {
+    const unsigned int storage = storageWidth(type);
+    if (channels.allHave(storage)) return "";
+    if (channels.someHave(storage) || channels.total() / channels.bits.size() == storage)
+        return "a channel as wide as the channel type stands beside others that are not";
+    if (channels.total() > (isSigned(type) ? 32u : 64u)) return "too many bits to be packed in one word";
+    if (*std::max_element(channels.bits.begin(), channels.bits.end()) > 32) return "a channel has more than 32 bits";
+    return "";
+}
+
+}  // namespace
+
+std::span<const CompressedFormat> compressedFormats() {
+    return formats;
+}
+
+bool isFirstMOKTC(PixelType format) {
+    return format.id <= eFmtMOKTC4bppRGBA;
+}
+
+const CompressedFormat* findCompressed(PixelType format) {
+    const auto found = std::find_if(std::begin(formats), std::end(formats), [=](const auto& row) { return row.id == format.id; });
+    return found == std::end(formats) ? nullptr : &*found;
+}
+
+TextureForm parseForm(const std::string& name) {
+    std::string text = name;
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    for (const CompressedFormat& row : formats) {
+        if (text == row.name || (row.otherName != nullptr && text == row.otherName)) return {row.id, eVarUByteNorm};
+    }
+    const std::size_t colon = std::min(text.find(':'), text.size());
+    const std::optional<PixelType> layout = parseLayout(text.substr(0, colon));
+    if (!layout) throw Failure(ExitStatus::commandLine, "--format " + name + ": no such format; " + formatRemedy);
+    TextureForm form{*layout, usualType(*layout)};
+    if (colon != text.size()) {
+        const auto type = std::find(typeNames.begin(), typeNames.end(), text.substr(colon + 1));
+        if (type == typeNames.end())
+            throw Failure(ExitStatus::commandLine, "--format " + name + ": no such channel type; " + formatRemedy);
+        form.channelType = static_cast<EMOKTVariableType>(type - typeNames.begin());
+    }
+    const std::string problem = layoutProblem(form);
+    if (!problem.empty()) throw Failure(ExitStatus::notSupported, "--format " + name + ": " + problem + "; " + formatRemedy);
+    return form;
+}
+
+std::string nameOf(const TextureForm& form) {
+    if (const CompressedFormat* row = findCompressed(form.format)) return row->name;
+    if (isCompressed(form.format)) return "unknown-" + std::to_string(form.format.id);
+    if (layoutProblem(form).empty())
+        return layoutText(form.format) + (form.channelType == usualType(form.format) ? "" : ":" + nameOf(form.channelType));
+    char number[32];
+    std::snprintf(number, sizeof number, "layout-0x%08X%08X", form.format.part.high, form.format.part.low);
+    return number;
+}
+
+std::string nameOf(EMOKTVariableType type) {
+    return type < typeNames.size() ? typeNames[type] : "unknown-" + std::to_string(type);
+}
+
+std::string nameOf(EMOKTColourSpace colourSpace) {
+    return colourSpace == eColourSpaceLinear ? "linear"
+           : colourSpace == eColourSpaceSRGB ? "srgb"
+                                             : "unknown-" + std::to_string(colourSpace);
+}
+
+EMOKTVariableType usualType(PixelType layout) {
+    const Channels channels(layout);
+    if (channels.allHave(32)) return eVarFloat;
+    const unsigned int width = channels.allHave(8) ? 8 : channels.allHave(16) ? 16 : channels.total();
+    return width <= 8 ? eVarUByteNorm : width <= 16 ? eVarUShortNorm : eVarUIntNorm;
+}
+
+std::string layoutProblem(const TextureForm& form) {
+    const Channels channels(form.format);
+    const std::size_t count = channels.bits.size();
+    for (std::size_t i = 0; i < 4; ++i) {
+        const bool isUsed = i < count;
+        if (isUsed != (form.format.layout.channelBits[i] != 0) || isUsed != (form.format.layout.channelName[i] != 0))
+            return "a channel without bits, or bits without a channel";
+        if (isUsed && std::count(channels.letters.begin(), channels.letters.end(), channels.letters[i]) > 1)
+            return "a channel stands twice";
+    }
+    if (count == 0 || channels.letters.find_first_not_of("rgbalix") != std::string::npos) return "channels are of r g b a l i x";
+    if (form.channelType > eVarFloat) return "the channel type is unknown";
+    if (channels.total() % 8 != 0) return "the bits of a pixel must add up to whole bytes";
+    if (form.channelType != eVarFloat) return wordProblem(channels, form.channelType);
+    const bool areSmall =
+        std::all_of(channels.bits.begin(), channels.bits.end(), [](unsigned int b) { return b == 10 || b == 11; });
+    if (channels.allHave(32) || channels.allHave(16) || areSmall) return "";
+    return "float channels have 32 bits, or 16, or 11 and 10";
+}
+
+void requireDecodable(const TextureForm& form, const std::string& file) {
+    const CompressedFormat* row = findCompressed(form.format);
+    if (isCompressed(form.format) && (row == nullptr || !row->hasDecoder))
+        throw Failure(ExitStatus::notSupported, file,
+                      "its format " + nameOf(form) + " has no decoder; 'moktex formats' lists those that have");
+    if (!isCompressed(form.format) && !layoutProblem(form).empty())
+        throw Failure(ExitStatus::notSupported, file, "its pixel " + nameOf(form) + " cannot be read: " + layoutProblem(form));
+}
+
+}  // namespace moktextool

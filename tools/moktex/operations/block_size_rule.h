@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "moktex/formats/texture_form.h"
+
+namespace moktextool {
+
+/// Size and number of levels that a texture is to have.
+struct PlannedSize {
+    std::uint32_t width;
+    std::uint32_t height;
+    std::uint32_t depth;
+    std::uint32_t levels;
+};
+
+/// Why a format cannot hold a texture of some size, and what it can hold.
+struct SizeProblem {
+    std::string rule;             ///< what is wrong, without the remedy
+    std::uint32_t width, height;  ///< the nearest size that works with as many levels; 0 if none does
+    std::uint32_t fittingLevels;  ///< how many levels of the size work
+};
+std::optional<SizeProblem> sizeProblem(const TextureForm& target, const PlannedSize& size);
+
+/// The power of two nearest to `size`, the larger one of two.
+std::uint32_t nearestPowerOfTwo(std::uint32_t size);
+
+}  // namespace moktextool

@@ -1,0 +1,297 @@
+#include "moktex/operations/conversion.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include "moktex/files/texture_input.h"
+#include "moktex/files/texture_output.h"
+#include "moktex/formats/format_names.h"
+#include "moktex/operations/block_size_rule.h"
+#include "moktex/report/console.h"
+
+using namespace moktexture;
+
+namespace moktextool {
+
+namespace {
+
+/// One input on its way, with what is settled about its output before the work begins.
+struct Conversion {
+    const ConversionRequest& request;
+    const std::string name;
+    Console& console;
+    CMOKTexture texture;
+    TextureForm target;
+    EMOKTColourSpace colourSpace;
+    ECompressorQuality quality;
+    PlannedSize resized;                       ///< before the operations
+    PlannedSize size;                          ///< behind them
+    std::vector<OperationContext> operations;  ///< of each operation
+    bool isPictureOutput;
+
+    bool resizes() const { return resized.width != texture.getWidth() || resized.height != texture.getHeight(); }
+    bool changesPixels() const {
+        return resizes() || !request.operations.empty() || isPictureOutput || !(target == formOf(texture)) ||
+               colourSpace != texture.getColourSpace();
+    }
+};
+
+PlannedSize planResize(const ConversionRequest& request, const CMOKTextureHeader& header) {
+    PlannedSize size{header.getWidth(), header.getHeight(), header.getDepth(), header.getNumMIPLevels()};
+    if (!request.resize) return size;
+    const auto [width, height] = *request.resize;
+    size.width = width != 0 ? width : nearestPowerOfTwo(size.width);
+    size.height = height != 0 ? height : nearestPowerOfTwo(size.height);
+    if (size.width != header.getWidth() || size.height != header.getHeight()) size.levels = 1;
+    return size;
+}
+
+/// What a full channel of a form counts for the user.
+double unitOf(const TextureForm& form) {
+    const bool isPlain = isCompressed(form.format) || (form.channelType != eVarFloat && !isSigned(form.channelType));
+    if (!isPlain || widestChannel(form) > 16) return 1;
+    return widestChannel(form) <= 8 ? 255 : 65535;
+}
+
+bool hasBorder(const CMOKTextureHeader& header) {
+    unsigned int x, y, z;
+    header.getBorder(x, y, z);
+    return x != 0 || y != 0 || z != 0;
+}
+
+/// A Failure if the image that is to become a picture does not exist.
+void requireImage(const ConversionRequest& request, const CMOKTextureHeader& header, std::uint32_t levels,
+                  const std::string& name) {
+    const auto require = [&](const char* option, std::uint32_t index, std::uint32_t count) {
+        if (index < count) return;
+        throw Failure(
+            ExitStatus::commandLine, name,
+            std::string(option) + ' ' + std::to_string(index) + " does not exist; the last one is " + std::to_string(count - 1));
+    };
+    require("--level", request.level, levels);
+    require("--member", request.member, header.getNumArrayMembers());
+    require("--face", request.face, header.getNumFaces());
+}
+
+/// The options that lead from the wanted size to one that the format can hold; "" if there are none.
+std::string sizeRemedy(const SizeProblem& problem, const ConversionRequest& request, bool isPictureOutput) {
+    const std::uint32_t scale = isPictureOutput ? request.level : 0;
+    PlannedSize wanted{problem.width << scale, problem.height << scale, 1, 1};
+    bool isPossible = problem.width != 0;
+    for (auto operation = request.operations.rbegin(); isPossible && operation != request.operations.rend(); ++operation)
+        isPossible = (*operation)->undoSize(wanted);
+    if (!isPossible) return "";
+    return "; use --resize " + std::to_string(wanted.width) + 'x' + std::to_string(wanted.height) +
+           (problem.fittingLevels > 0 ? " or --mipmaps=" + std::to_string(problem.fittingLevels) : "");
+}
+
+void checkSize(const Conversion& conversion) {
+    const ConversionRequest& request = conversion.request;
+    PlannedSize encoded = conversion.size;
+    if (conversion.isPictureOutput) {
+        requireImage(request, conversion.texture, encoded.levels, conversion.name);
+        encoded = {std::max(1u, encoded.width >> request.level), std::max(1u, encoded.height >> request.level), 1, 1};
+    }
+    if (!conversion.changesPixels()) return;
+    if (const auto problem = sizeProblem(conversion.target, encoded)) {
+        throw Failure(ExitStatus::notSupported, conversion.name,
+                      problem->rule + sizeRemedy(*problem, request, conversion.isPictureOutput));
+    }
+}
+
+void checkEncoder(const Conversion& conversion) {
+    const PixelType format = conversion.target.format;
+    const CompressedFormat* row = findCompressed(format);
+    if (row != nullptr && !row->hasEncoder)
+        throw Failure(ExitStatus::notSupported, conversion.name,
+                      std::string(row->name) + " has no encoder; 'moktex formats' lists those that have");
+}
+
+void checkColourSpace(const ConversionRequest& request, const PlannedTexture& planned, EMOKTColourSpace wanted) {
+    if (planned.holdsNormals && request.colourSpace == eColourSpaceSRGB)
+        throw Failure(ExitStatus::commandLine, planned.name, "--colour-space srgb: normals are no colours; leave it out");
+    if (wanted != planned.colourSpace && planned.colourSpace > eColourSpaceSRGB) {
+        throw Failure(ExitStatus::notSupported, planned.name,
+                      "its colour space is " + nameOf(planned.colourSpace) + "; say what it is by --assign-colour-space");
+    }
+}
+
+/// A Failure if the output's layout cannot hold what the conversion will make.
+void checkContainer(const Conversion& conversion, const std::string& output, bool isPremultiplied) {
+    if (conversion.isPictureOutput) return;
+    const auto& [format, channelType] = conversion.target;
+    const CMOKTextureHeader header(format.id, 1, 1, conversion.size.depth, 1, 1, 1, conversion.colourSpace, channelType,
+                                   isPremultiplied);
+    requireHoldable(header, {output, conversion.request.legacyApi});
+}
+
+/// The form of an output that is not told: that of the input, RGBA8 for a picture and where normals find no three channels.
+TextureForm usualForm(const TextureForm& source, bool isPictureOutput, bool holdsNormals) {
+    const bool hasThreeChannels = isCompressed(source.format) || source.format.layout.channelName[2] != 0;
+    return isPictureOutput || (holdsNormals && !hasThreeChannels) ? rgba8Form : source;
+}
+
+Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std::string& name, const std::string& output,
+                Console& console) {
+    if (request.assignedColourSpace) texture.setColourSpace(*request.assignedColourSpace);
+    const bool isPictureOutput = outputKind(output) == OutputKind::picture;
+    const TextureForm source = formOf(texture);
+    const PlannedSize resized = planResize(request, texture);
+    PlannedTexture planned{
+        name, console, resized, unitOf(source), texture.getColourSpace(), texture.isPreMultiplied(), hasBorder(texture)};
+    std::vector<OperationContext> contexts;
+    for (const OperationPointer& operation : request.operations) {
+        contexts.push_back({planned.unit, request.mipFilter});
+        operation->plan(planned);
+    }
+    const TextureForm target = request.form.value_or(usualForm(source, isPictureOutput, planned.holdsNormals));
+    const EMOKTColourSpace colourSpace = request.colourSpace.value_or(planned.colourSpace);
+    checkColourSpace(request, planned, colourSpace);
+    Conversion conversion{request,
+                          name,
+                          console,
+                          std::move(texture),
+                          target,
+                          colourSpace,
+                          encoderQuality(request.quality, target.format),
+                          resized,
+                          planned.size,
+                          std::move(contexts),
+                          isPictureOutput};
+    if (conversion.changesPixels()) {
+        requireDecodable(source, name);
+        checkEncoder(conversion);
+    }
+    checkSize(conversion);
+    checkContainer(conversion, output, planned.isPremultiplied);
+    return conversion;
+}
+
+/// A form in which values stay what they are in any number of steps: floats, as long as they fit.
+TextureForm exactForm(const Conversion& conversion) {
+    const auto pixelsOf = [](const PlannedSize& size) { return std::uint64_t{size.width} * size.height; };
+    const CMOKTexture& texture = conversion.texture;
+    const std::uint64_t pixels = std::max(
+        {std::uint64_t{texture.getWidth()} * texture.getHeight(), pixelsOf(conversion.resized), pixelsOf(conversion.size)});
+    const std::uint64_t images = std::uint64_t{texture.getNumArrayMembers()} * texture.getNumFaces() * texture.getDepth();
+    const double unit = unitOf(formOf(texture));
+    if (unit == 1 || pixels * images <= maxDataSize / 16 / 4 * 3) return rgbaFloatForm;
+    return unit == 255 ? rgba8Form : rgba16Form;
+}
+
+/// A form that an operation takes, the texture's own if that will do.
+TextureForm operandForm(const Conversion& conversion, OperandForm wanted) {
+    if (wanted == OperandForm::bytes) return rgba8Form;
+    if (wanted == OperandForm::exact) return exactForm(conversion);
+    const TextureForm form = formOf(conversion.texture);
+    if (form == rgba8Form || form == rgba16Form || form == rgbaFloatForm) return form;
+    const double unit = unitOf(form);
+    return unit == 255 ? rgba8Form : unit == 65535 ? rgba16Form : rgbaFloatForm;
+}
+
+void bringTo(Conversion& conversion, OperandForm form) {
+    CMOKTexture& texture = conversion.texture;
+    decodeBlocks(texture, conversion.name);
+    changeForm(texture, {operandForm(conversion, form), texture.getColourSpace()}, conversion.name, conversion.console);
+}
+
+/// The next edge on the way from `current` to `wanted`. The filters sample points and are centred for halving only; so a
+/// reduction goes by halves, and what remains between one and a half goes up to twice the wanted edge first.
+std::uint32_t nextEdge(std::uint32_t current, std::uint32_t wanted) {
+    if (current <= wanted || current == 2 * wanted) return wanted;
+    return current > 2 * wanted ? current / 2 : 2 * wanted;
+}
+
+void require(bool succeeded, const std::string& name, const std::string& work) {
+    if (!succeeded)
+        throw Failure(ExitStatus::workFailed, name, work + " failed, most likely for its size; use a smaller --resize");
+}
+
+void resize(Conversion& conversion) {
+    CMOKTexture& texture = conversion.texture;
+    const EResizeMode filter = conversion.request.resizeFilter;
+    const PlannedSize& size = conversion.resized;
+    while (conversion.resizes()) {
+        std::uint32_t width = nextEdge(texture.getWidth(), size.width);
+        std::uint32_t height = nextEdge(texture.getHeight(), size.height);
+        const std::uint64_t pixels =
+            std::uint64_t{width} * height * texture.getDepth() * texture.getNumArrayMembers() * texture.getNumFaces();
+        const bool isTooLarge = pixels * texture.getBitsPerPixel() / 8 > maxDataSize;
+        if (filter == eResizeNearest || isTooLarge) {
+            width = size.width;
+            height = size.height;
+        }
+        require(Resize(texture, width, height, texture.getDepth(), filter), conversion.name, "resizing");
+    }
+}
+
+bool makesLevels(const ConversionRequest& request) {
+    return std::any_of(request.operations.begin(), request.operations.end(),
+                       [](const OperationPointer& operation) { return operation->isMipmaps(); });
+}
+
+void noteLosses(const Conversion& conversion) {
+    const auto& request = conversion.request;
+    const CMOKTexture& texture = conversion.texture;
+    const bool isFloat = formOf(texture).channelType == eVarFloat && !isCompressed(texture.getPixelType());
+    if (isFloat && ((conversion.resizes() && request.resizeFilter == eResizeCubic) ||
+                    (makesLevels(request) && request.mipFilter == eResizeCubic)))
+        conversion.console.note(conversion.name + ": the cubic filter clamps values to 0 to 1; use linear to keep them");
+    if (conversion.resizes() && texture.getNumMIPLevels() > 1 && !makesLevels(request))
+        conversion.console.note(conversion.name + ": only the first level is resized, the others are dropped");
+}
+
+void operate(Conversion& conversion) {
+    noteLosses(conversion);
+    if (conversion.resizes()) {
+        bringTo(conversion, OperandForm::exact);
+        resize(conversion);
+    }
+    for (std::size_t i = 0; i < conversion.operations.size(); ++i) {
+        const ImageOperation& operation = *conversion.request.operations[i];
+        bringTo(conversion, operation.operandForm());
+        require(operation.apply(conversion.texture, conversion.operations[i]), conversion.name, operation.text);
+    }
+}
+
+/// Leaves the one image that becomes a picture.
+void pickImage(Conversion& conversion, const TextureForm& source) {
+    const auto& request = conversion.request;
+    CMOKTexture& texture = conversion.texture;
+    if (widestChannel(source) > 8) conversion.console.note(conversion.name + ": the picture is written with 8 bits a channel");
+    if (texture.getDepth(request.level) > 1)
+        conversion.console.note(conversion.name + ": the picture holds the first slice of the volume");
+    texture = extractImage(texture, request.level, request.member, request.face);
+}
+
+void report(const CMOKTexture& texture, const std::string& output, std::size_t bytes, Console& console) {
+    if (console.quiet || output == standardStream) return;
+    const std::uint32_t levels = texture.getNumMIPLevels();
+    console.out << printable(output) << ": " << nameOf(formOf(texture)) << ", " << texture.getWidth() << " x "
+                << texture.getHeight() << ", " << levels << (levels == 1 ? " level, " : " levels, ")
+                << nameOf(texture.getColourSpace()) << ", " << bytes << " bytes\n";
+}
+
+}  // namespace
+
+void convertFile(const ConversionRequest& request, const std::string& input, const std::string& output, Console& console) {
+    const std::string name = displayName(input);
+    Conversion conversion = plan(request, readTexture(input, console).texture, name, output, console);
+    auto& texture = conversion.texture;
+    const TextureForm source = formOf(texture);
+    CMOKTextureHeader targetHeader;
+    targetHeader.setPixelFormat(conversion.target.format);
+    if (request.dither && targetHeader.getBitsPerPixel() >= 32)
+        console.note(name + ": --dither has no effect above 31 bits a pixel");
+
+    operate(conversion);
+    if (conversion.isPictureOutput) pickImage(conversion, source);
+    changeForm(texture, {conversion.target, conversion.colourSpace, conversion.quality, request.dither}, name, console);
+    if (conversion.isPictureOutput) changeForm(texture, {rgba8Form, conversion.colourSpace}, name, console);
+    const std::string caveat = containerCaveat(texture, {output, request.legacyApi});
+    if (!caveat.empty()) console.note(output + ": " + caveat);
+    const std::size_t bytes = writeTexture(texture, {output, request.legacyApi}, console);
+    report(texture, output, bytes, console);
+}
+
+}  // namespace moktextool
