@@ -22,19 +22,22 @@ if(MOKTEX_COVERAGE)
     target_link_options(moktex_settings INTERFACE --coverage)
 endif()
 
-# Files of fast forms: one instruction set each, chosen at run time.
-#   moktex_kernel(FILE LEVEL)    LEVEL is SSE41 or AVX2
-function(moktex_kernel file level)
-    if(level STREQUAL "AVX2")
+# Files of fast forms: one instruction set each, chosen at run time. On other processors than x86-64 they compile to nothing.
+#   moktex_kernel(FILE INSTRUCTION_SET)    INSTRUCTION_SET is SSE41 or AVX2
+function(moktex_kernel file instruction_set)
+    if(NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
+        return()
+    endif()
+    if(instruction_set STREQUAL "AVX2")
         set(options -mavx2)
         if(WIN32)
             # The stack is aligned to 16 bytes only; aligned moves of 32-byte spills would fault.
             list(APPEND options -Wa,-muse-unaligned-vector-move)
         endif()
-    elseif(level STREQUAL "SSE41")
+    elseif(instruction_set STREQUAL "SSE41")
         set(options -msse4.1)
     else()
-        message(FATAL_ERROR "moktex_kernel: unknown level ${level}")
+        message(FATAL_ERROR "moktex_kernel: unknown instruction set ${instruction_set}")
     endif()
     set_source_files_properties(${file} PROPERTIES COMPILE_OPTIONS "${options}")
 endfunction()

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "core/base/float_to_integer.h"
+#include "core/base/numeric.h"
 
 namespace moktexture::moktc {
 namespace {

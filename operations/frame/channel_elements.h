@@ -5,7 +5,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "core/base/float_to_integer.h"
+#include "core/base/numeric.h"
 #include "texture_enums.h"
 
 namespace moktexture {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "core/base/float_to_integer.h"
+#include "core/base/numeric.h"
 
 namespace moktexture {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "core/base/float_to_integer.h"
+#include "core/base/numeric.h"
 #include "transcode/pixels/bit_field.h"
 
 /// @file
