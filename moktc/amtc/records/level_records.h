@@ -133,7 +133,7 @@ struct BlockRecord {
     std::array<RepStart, mostRegionModes> repStarts;  ///< in the order of ListRegionModes with extended modes
     std::uint32_t bestMode;                           ///< the region mode in force, which neighbours see
     RefinementInputs lastInputs;                      ///< of the last visit
-    std::uint32_t settledModes;  ///< bit i: repStarts[i] came out of a visit with these inputs as it went in, and would again
+    std::uint32_t convergedModes;  ///< bit i: a visit with `lastInputs` left repStarts[i] unchanged, and would again
 
     /// The best candidate of the mode in force.
     const Candidate& best() const;

@@ -99,14 +99,14 @@ bool haveSameCandidates(const RepStart& first, const RepStart& second) {
 /// Refines those modes that would not stay as they are. True if a mode's best pair changed.
 bool refineModes(const Visit& visit, std::uint32_t modeCount, BlockRecord& block, VisitSpace& space) {
     const RefinementInputs inputs = inputsOf(visit);
-    if (inputs != block.lastInputs) block.settledModes = 0;
+    if (inputs != block.lastInputs) block.convergedModes = 0;
     block.lastInputs = inputs;
     bool hasChanged = false;
     for (std::uint32_t i = 0; i < modeCount; ++i) {
-        if ((block.settledModes >> i & 1) != 0) continue;
+        if ((block.convergedModes >> i & 1) != 0) continue;
         const RepStart before = block.repStarts[i];
         hasChanged |= refineMode(visit, block.repStarts[i], space);
-        if (haveSameCandidates(before, block.repStarts[i])) block.settledModes |= 1u << i;
+        if (haveSameCandidates(before, block.repStarts[i])) block.convergedModes |= 1u << i;
     }
     return hasChanged;
 }

@@ -43,7 +43,7 @@ public:
 
     /// In the plain form, which refines all modes whether settled or not.
     BlockRecord& visit(std::uint32_t row, std::uint32_t column, std::uint32_t number) {
-        rows[row][column].settledModes = 0;
+        rows[row][column].convergedModes = 0;
         VisitBlockRefine(*image, settings, row, column, InstructionSet::baseline, *space, number, rows);
         return rows[row][column];
     }
