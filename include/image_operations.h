@@ -17,10 +17,14 @@
 ///
 /// A texture whose size does not fit in 32 bits, or whose header asks for more bytes than its buffer holds, is refused likewise.
 ///
-/// A texture without a buffer, or without members, faces or levels, is not refused, but has no pixels to work on: operations give
-/// false where they do not name a case that gives true. PreMultiplyAlpha() sets the flag none the less. Without a buffer,
-/// Resize(), Rotate90(), Border() and GenerateNormalMap() replace the texture by a zeroed one of the new header, and
-/// GenerateMIPMaps() leaves it unchanged; without members, faces or levels, all five do.
+/// A texture without layers, faces, levels or a buffer is accepted, but has no pixels to work on. Operations that work in place
+/// then give false, except where they document a case that gives true; PreMultiplyAlpha() still sets the flag. The operations
+/// that build a new texture replace it none the less:
+///
+/// | Operation                                          | no layers or no faces            | no levels, or no buffer          |
+/// | -------------------------------------------------- | -------------------------------- | -------------------------------- |
+/// | Resize(), Rotate90(), Border(), GenerateNormalMap() | false; new header, zeroed pixels | false; new header, zeroed pixels |
+/// | GenerateMIPMaps()                                  | true; new number of levels       | false; unchanged                 |
 ///
 /// Resize(), GenerateMIPMaps(), Rotate90(), Border() and GenerateNormalMap() replace the buffer: what getDataPtr() gave before
 /// dangles. The others work within the buffer.
@@ -73,8 +77,8 @@ inline constexpr unsigned int allMIPLevels = 0xFFFFFFFFu;
 /// @param levels  wanted number of levels, level 0 included, or allMIPLevels. A number equal to the present one does nothing and
 ///        gives true, even if the levels are stale. More levels than the full chain has are 1 by 1 by 1. From level 32 on the
 ///        header counts sizes anew from that of level 0: of such levels only the first pixel is filled, the others are 0.
-/// @return false if the texture is refused or has no buffer, if `levels` is 0 or above 255, or if the result does not fit in 32
-///         bits; the texture is then unchanged.
+/// @return false if the texture is refused, if it has layers and faces but no level 0 to start from, if `levels` is 0 or above
+///         255, or if the result does not fit in 32 bits; the texture is then unchanged.
 MOKTEX_API bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int levels = allMIPLevels);
 
 /// Tints each level but level 0 with a colour of its own, so that a viewer shows which level is sampled: green, blue, cyan,

@@ -48,9 +48,13 @@ bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int leve
 
     CMOKTextureHeader header = texture;
     header.setNumMIPLevels(count);
-    if (count == 0 || texture.getDataPtr() == nullptr) return false;
+    // Without layers or faces there is nothing to build and the chain is complete; a surface without level 0 has no source.
+    const bool hasSurfaces = texture.getNumArrayMembers() != 0 && texture.getNumFaces() != 0;
+    const bool hasTopLevel = texture.getNumMIPLevels() != 0 && texture.getDataPtr() != nullptr;
+    if (count == 0 || (hasSurfaces && !hasTopLevel)) return false;
     const std::size_t topSize = texture.getDataSize(0, false, false);
     return rebuild(texture, header, [&](const CMOKTexture& source, CMOKTexture& chained) {
+        if (!hasSurfaces) return true;
         const auto fill = [&]<typename T>(const T* top, T* copiedTop, const Subresource& piece) {
             std::memcpy(copiedTop, top, topSize);
             fillChain<T>(chained, piece, filter);

@@ -111,10 +111,10 @@ bool processLevelsInto(const CMOKTexture& source, CMOKTexture& destination, Walk
 
 /// Replaces the texture by one of that header, zeroed and then filled by `fill(const CMOKTexture& source, CMOKTexture& rebuilt)`,
 /// and gives the result of that; false does not undo it.
-/// @return false too, with the texture unchanged, if it has no pieces or the header's sizes are not true
+/// @return false too, with the texture unchanged, if the header's sizes do not fit in 32 bits
 template <typename Fill>
 bool rebuild(CMOKTexture& texture, const CMOKTextureHeader& header, Fill&& fill) {
-    if (!hasPieces(texture) || !sizesFit32Bits(header)) return false;
+    if (!sizesFit32Bits(header)) return false;
     CMOKTexture rebuilt(header, nullptr);
     const bool result = fill(std::as_const(texture), rebuilt);
     texture = std::move(rebuilt);

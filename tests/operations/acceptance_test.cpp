@@ -18,7 +18,7 @@ unsigned int number[] = {1};
 float value[] = {1.0f};
 
 /// What becomes of a texture that has no buffer.
-enum Fate { unchanged, flagged, replaced };
+enum Fate { unchanged, flagged, replaced, keptForLackOfLevelZero };
 
 // Each with its result for a texture without pixels.
 // clang-format off
@@ -30,7 +30,7 @@ const struct { bool (*run)(Texture& t); bool resultWithoutPixels; Fate fate; } o
     {[](Texture& t) { return CopyChannels(t, t, 0, red, red); }, true, unchanged},
     {[](Texture& t) { return Resize(t, 3, 2, 1, eResizeCubic); }, false, replaced},
     {[](Texture& t) { return Resize(t, 4, 4, 1, eResizeCubic); }, true, unchanged},
-    {[](Texture& t) { return GenerateMIPMaps(t, eResizeLinear, allMIPLevels); }, false, unchanged},
+    {[](Texture& t) { return GenerateMIPMaps(t, eResizeLinear, allMIPLevels); }, false, keptForLackOfLevelZero},
     {[](Texture& t) { return GenerateMIPMaps(t, eResizeLinear, t.getNumMIPLevels()); }, true, unchanged},
     {[](Texture& t) { return ColourMIPMaps(t); }, false, unchanged},
     {[](Texture& t) { return PreMultiplyAlpha(t); }, false, flagged},
@@ -70,6 +70,7 @@ TEST(OperationFrame, LeavesWhatItCannotTouchAloneButReplacesAMissingBuffer) {
     const CMOKTexture sound = randomTexture<std::uint8_t>({4, 4});
     for (const auto& [run, resultWithoutPixels, fate] : operations) {
         for (const auto& [lack, spoil] : spoilers) {
+            if (lack == pieces && (fate == replaced || fate == keptForLackOfLevelZero)) continue;
             SCOPED_TRACE(testing::Message() << "operation " << &run - &operations[0].run << ", lack " << lack);
             CMOKTexture texture = sound;
             spoil(texture);
@@ -85,6 +86,61 @@ TEST(OperationFrame, LeavesWhatItCannotTouchAloneButReplacesAMissingBuffer) {
         }
         CMOKTexture texture = sound;
         EXPECT_TRUE(run(texture));
+    }
+}
+
+// Operations that build a new texture, applied to a texture of 4 by 2 pixels without layers, faces or levels: the header that
+// results; the result where there are no layers or no faces; whether a texture without levels is replaced.
+// clang-format off
+const struct { const char* name; bool (*run)(Texture& t); bool resultWithoutSurfaces, isReplacedWithoutLevels;
+               void (*changeHeader)(CMOKTextureHeader& h); } rebuildingOperations[] = {
+    // name           call                                                             result  replaced  changes of the header
+    {"Resize",        [](Texture& t) { return Resize(t, 8, 2, 3, eResizeLinear); },      false, true, [](CMOKTextureHeader& h) {
+        h.setWidth(8), h.setHeight(2), h.setDepth(3), h.setNumMIPLevels(1), h.setBorder(2, 1, 3); }},
+    {"two MIP levels", [](Texture& t) { return GenerateMIPMaps(t, eResizeLinear, 2); },  true, false, [](CMOKTextureHeader& h) {
+        h.setNumMIPLevels(2); }},
+    {"all MIP levels", [](Texture& t) { return GenerateMIPMaps(t, eResizeCubic); },      true, false, [](CMOKTextureHeader& h) {
+        h.setNumMIPLevels(3); }},
+    {"Rotate90 z",    [](Texture& t) { return Rotate90(t, eAxisZ, true); },              false, true, [](CMOKTextureHeader& h) {
+        h.setWidth(2), h.setHeight(4); }},
+    {"Rotate90 y",    [](Texture& t) { return Rotate90(t, eAxisY, true); },              false, true, [](CMOKTextureHeader& h) {
+        h.setHeight(4); }},
+    {"Border",        [](Texture& t) { return Border(t, 1, 2, 3); },                     false, true, [](CMOKTextureHeader& h) {
+        h.setWidth(6), h.setHeight(6), h.setDepth(7), h.setNumMIPLevels(1), h.setBorder(1, 2, 3); }},
+    {"normal map",    [](Texture& t) { return GenerateNormalMap(t, 2.0f, "xyzh"); },     false, true, [](CMOKTextureHeader& h) {
+        h.setPixelFormat(PixelTypeRGBA32), h.setChannelType(eVarFloat), h.setBumpMap(2.0f, "xyzh"); }},
+};
+using CountSetter = void (CMOKTextureHeader::*)(std::uint32_t);
+const CountSetter countSetters[] = {&Texture::setNumArrayMembers, &Texture::setNumFaces, &Texture::setNumMIPLevels};
+// clang-format on
+
+/// What a header says about border and bump map.
+std::tuple<unsigned int, unsigned int, unsigned int, float, CMOKTString> metaDataOf(const CMOKTextureHeader& header) {
+    unsigned int x, y, z;
+    header.getBorder(x, y, z);
+    return {x, y, z, header.getBumpMapScale(), header.getBumpMapOrder()};
+}
+
+TEST(OperationFrame, ReplacesTexturesWithoutLayersFacesOrLevels) {
+    for (const auto& [name, run, resultWithoutSurfaces, isReplacedWithoutLevels, changeHeader] : rebuildingOperations) {
+        for (const CountSetter& setCount : countSetters) {
+            SCOPED_TRACE(testing::Message() << name << ", count " << &setCount - countSetters);
+            const bool isWithoutLevels = &setCount == &countSetters[2];
+            CMOKTexture texture = randomTexture<std::uint8_t>({4, 2, 1, 1, 2, 2});
+            texture.setBorder(1, 1, 1);
+            (texture.*setCount)(0);
+            const void* const oldPixels = texture.getDataPtr();
+            CMOKTextureHeader expected = texture.getHeader();
+            const bool isReplaced = !isWithoutLevels || isReplacedWithoutLevels;
+            if (isReplaced) changeHeader(expected);
+
+            EXPECT_EQ(run(texture), !isWithoutLevels && resultWithoutSurfaces);
+            EXPECT_TRUE(haveSameHeader(texture, expected));
+            EXPECT_EQ(metaDataOf(texture), metaDataOf(expected));
+            EXPECT_EQ(texture.getDataPtr() != oldPixels, isReplaced);
+            ASSERT_NE(texture.getDataPtr(), nullptr);
+            EXPECT_TRUE(!isReplaced || isAllZero(texture));
+        }
     }
 }
 
