@@ -13,6 +13,7 @@
 #include "MetaDataBlock.h"
 #include "PixelType.h"
 #include "compressed_format_id.h"
+#include "format_info.h"
 #include "image_operations.h"
 #include "moktex_export.h"
 #include "texture_enums.h"

@@ -2,38 +2,29 @@
 
 #include <cstdint>
 
-#include "PixelType.h"
+#include "format_info.h"
 #include "texture_enums.h"
 
 namespace moktexture {
 
-/// What the table tells a codec about its format.
-struct CodecArguments {
-    std::uint32_t mode;     ///< DXTn: the DXTMode; packed YUV: the format's number; MOKTC: 0 or 1 for the generation
-    bool is2bpp = false;    ///< MOKTC
-    bool hasAlpha = false;  ///< MOKTC: what its encoder is told
-};
-
-// Kept: codecs know no depth. Of a 3D level the first slice alone is coded, and Transcode() to such a format reports failure.
+// Kept: of a 3D level only the first slice is coded. Transcode() of a volume to a compressed format reports
+// failure, because the encoder's count then falls short of the data size.
 
 /// Decodes one slice of `*width * *height` pixels to RGBA8 and returns the codec's own count, which need not be bytes.
 using LevelDecoder = std::uint32_t (*)(const void* blocks, void* pixels, const std::uint32_t* width, const std::uint32_t* height,
-                                       const CodecArguments& arguments);
+                                       const FormatInfo& format);
 
 /// Encodes one slice of `*width * *height` RGBA8 pixels and returns the bytes written, 0 if it refuses.
 using LevelEncoder = std::uint32_t (*)(const void* pixels, void* blocks, const std::uint32_t* width, const std::uint32_t* height,
-                                       const CodecArguments& arguments, ECompressorQuality quality);
+                                       const FormatInfo& format, ECompressorQuality quality);
 
-/// How the levels of a compressed format are decoded and encoded.
+/// A codec as the stages of Transcode() call it.
 struct LevelCodec {
-    CompressedFormatId format;
-    LevelDecoder decode;  ///< null: the pixels stay zeroed
-    LevelEncoder encode;  ///< null: the blocks stay zeroed and nothing is counted
-    CodecArguments arguments;
-    bool decodesSmallLevels;  ///< the decoder needs no padded destination for levels below the format's block
+    LevelDecoder decode;  ///< null: the pixels stay zero
+    LevelEncoder encode;  ///< null: the blocks stay zero and nothing is counted
 };
 
-/// The row of a compressed format; one without codecs for numbers of no format.
-const LevelCodec& levelCodec(const PixelType& format);
+/// The codec of a format; one without functions for eCodecNone.
+const LevelCodec& levelCodec(EFormatCodec codec);
 
 }  // namespace moktexture

@@ -25,14 +25,15 @@ std::vector<unsigned char> tileLevel(const unsigned char* pixels, const LevelSiz
     return tiled;
 }
 
-std::uint32_t encodeLevel(const LevelCodec& codec, const BlockSize& block, const void* pixels, void* blocks,
-                          const LevelSize& size, ECompressorQuality quality) {
+std::uint32_t encodeLevel(const FormatInfo& format, const void* pixels, void* blocks, const LevelSize& size,
+                          ECompressorQuality quality) {
+    const LevelCodec& codec = levelCodec(format.codec);
     if (codec.encode == nullptr) return 0;
-    const LevelSize padded = paddedToBlock(size, block);
-    if (padded == size) return codec.encode(pixels, blocks, &size.width, &size.height, codec.arguments, quality);
+    const LevelSize padded = paddedToSmallest(size, format);
+    if (padded == size) return codec.encode(pixels, blocks, &size.width, &size.height, format, quality);
 
     const std::vector<unsigned char> tiled = tileLevel(static_cast<const unsigned char*>(pixels), size, padded);
-    return codec.encode(tiled.data(), blocks, &padded.width, &padded.height, codec.arguments, quality);
+    return codec.encode(tiled.data(), blocks, &padded.width, &padded.height, format, quality);
 }
 
 }  // namespace
@@ -40,12 +41,11 @@ std::uint32_t encodeLevel(const LevelCodec& codec, const BlockSize& block, const
 std::uint32_t compressStage(CMOKTexture& texture, PixelType target, ECompressorQuality quality) {
     const CMOKTextureHeader& header = texture.getHeader();
     CMOKTexture encoded(withFormat(header, target, eVarUByteNorm, header.getColourSpace()), nullptr);
-    const LevelCodec& codec = levelCodec(target);
-    const BlockSize block = minimumBlock(target);
+    const FormatInfo& format = GetFormatInfo(target);
 
     std::uint32_t count = 0;
     forEachSubresource(header, [&](std::uint32_t level, std::uint32_t member, std::uint32_t face) {
-        count += encodeLevel(codec, block, texture.getDataPtr(level, member, face), encoded.getDataPtr(level, member, face),
+        count += encodeLevel(format, texture.getDataPtr(level, member, face), encoded.getDataPtr(level, member, face),
                              levelSize(header, level), quality);
     });
     texture = std::move(encoded);

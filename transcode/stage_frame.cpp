@@ -13,8 +13,8 @@ CMOKTextureHeader withFormat(const CMOKTextureHeader& header, PixelType format, 
     return form;
 }
 
-LevelSize paddedToBlock(const LevelSize& size, const BlockSize& block) {
-    return {std::max(size.width, block.width), std::max(size.height, block.height), std::max(size.depth, block.depth)};
+LevelSize paddedToSmallest(const LevelSize& size, const FormatInfo& format) {
+    return {std::max(size.width, format.smallestSize.width), std::max(size.height, format.smallestSize.height), size.depth};
 }
 
 }  // namespace moktexture

@@ -7,6 +7,7 @@
 #include "core/base/image_view.h"
 #include "core/texture/data_size.h"
 #include "core/texture/subresources.h"
+#include "format_info.h"
 
 /// @file
 /// What the stages of Transcode() share: texture forms, sizes of levels, and the walk over a texture.
@@ -22,8 +23,8 @@ inline std::size_t rgba8Bytes(const LevelSize& size) {
     return size.pixelCount() * bytesPerRGBA8Pixel;
 }
 
-/// The size with every axis that is smaller than the block raised to it; larger ones are not rounded up to its multiples.
-LevelSize paddedToBlock(const LevelSize& size, const BlockSize& block);
+/// The size with width and height raised to the smallest that the format's codec takes; larger ones are not rounded up to blocks.
+LevelSize paddedToSmallest(const LevelSize& size, const FormatInfo& format);
 
 /// Calls `visit(level, member, face)` for every image of the texture: members outermost, then faces, then MIP levels.
 template <class Visit>

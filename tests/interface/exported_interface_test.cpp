@@ -46,6 +46,22 @@ TEST(ExportedInterface, TheContainersOfTheInterfaceLink) {
     EXPECT_TRUE((CMOKTString("a") + 'b' + "c" == "abc"));
 }
 
+TEST(ExportedInterface, TheFormatTableAgreesWithTheHeader) {
+    EXPECT_STREQ(GetFormatInfo(eFmtDXT1).name, "dxt1");
+    EXPECT_STREQ(GetFormatInfo(eFmtDXT1).otherName, "bc1");
+    EXPECT_EQ(GetFormatInfo(eFmtMOKTC2bppRGB).codecBlock.width, 8u);
+    EXPECT_EQ(GetFormatInfo(PixelTypeRGBA8).format, eFmtUnknown);
+    EXPECT_EQ(GetFormatInfo(eFmtUnknown + 1).format, eFmtUnknown);
+    for (unsigned int id = 0; id <= eFmtUnknown; ++id) {
+        const FormatInfo& format = GetFormatInfo(id);
+        CMOKTextureHeader header;
+        header.setPixelFormat(id);
+        EXPECT_EQ(format.bitsPerPixel, header.getBitsPerPixel()) << format.name;
+        EXPECT_EQ(format.bitsPerPixel * format.sizeBlock.width * format.sizeBlock.height / 8, header.getDataSize())
+            << format.name;
+    }
+}
+
 TEST(ExportedInterface, APictureGoesThroughTheWholeRoadAndBack) {
     CMOKTexture texture = picture(64, 32);
     const std::vector<std::uint8_t> before = bytesOf(texture);

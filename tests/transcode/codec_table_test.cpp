@@ -49,7 +49,7 @@ TEST(CodecTable, TellsTheSecondGenerationOfNoAlphaAndTakesLevelsOfAnySize) {
         CMOKTexture whole = textureOf(PixelTypeRGBA8, {24, 12, 1, 1, 2});
         EXPECT_TRUE(Transcode(whole, format, eVarUByteNorm, eColourSpaceLinear, eCompressorQuality0));
 
-        EXPECT_FALSE(levelCodec(format).arguments.hasAlpha);
+        EXPECT_EQ(GetFormatInfo(format).codecVariant, eMOKTCSecondGeneration);
         const CMOKTexture source = textureOf(PixelTypeRGBA8, {24, 12, 1, 5, 1, 2});
         CMOKTexture encoded = source;  // level 1 is told without its padding
         EXPECT_FALSE(Transcode(encoded, format, eVarUByteNorm, eColourSpaceLinear, eCompressorQuality1)) << format;
@@ -63,5 +63,13 @@ TEST(CodecTable, TellsTheSecondGenerationOfNoAlphaAndTakesLevelsOfAnySize) {
             CompressMOKTC(repeated.data(), blocks.data(), &raisedWidth, &raisedHeight, false, format == eFmtMOKTCII2bpp, 1, 1);
             EXPECT_EQ(blocks, expected) << format << ' ' << level;
         }
+    }
+}
+
+TEST(CodecTable, HasTheDecodersAndEncodersThatTheFormatTableStates) {
+    for (std::uint64_t id = 0; id <= eFmtUnknown; ++id) {
+        const FormatInfo& format = GetFormatInfo(id);
+        EXPECT_EQ(levelCodec(format.codec).decode != nullptr, format.hasDecoder) << format.name;
+        EXPECT_EQ(levelCodec(format.codec).encode != nullptr, format.hasEncoder) << format.name;
     }
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/texture/data_size.h"
+#include "format_info.h"
 #include "transcode/pixels/channel_name.h"
 
 namespace moktexture {
@@ -12,42 +13,6 @@ namespace moktexture {
 namespace {
 
 constexpr std::size_t channels = 4;
-
-// Row: the format of that number. Columns: bits that the format keeps of R, G, B, A.
-// Kept: ETC1 spreads alpha as well, which its encoder then drops; the dithered pixels that callers see depend on it.
-// clang-format off
-constexpr std::array<DitherRates, eFmtUnknown> compressedRates = {{
-    { 5,  5,  5, 0},  // eFmtMOKTC2bppRGB
-    { 4,  4,  4, 3},  // eFmtMOKTC2bppRGBA
-    { 5,  5,  5, 0},  // eFmtMOKTC4bppRGB
-    { 4,  4,  4, 3},  // eFmtMOKTC4bppRGBA
-    { 4,  4,  4, 3},  // eFmtMOKTCII2bpp
-    { 4,  4,  4, 3},  // eFmtMOKTCII4bpp
-    { 4,  4,  4, 4},  // eFmtETC1
-    { 5,  6,  5, 1},  // eFmtDXT1
-    { 5,  6,  5, 8},  // eFmtDXT2
-    { 5,  6,  5, 8},  // eFmtDXT3
-    { 5,  6,  5, 8},  // eFmtDXT4
-    { 5,  6,  5, 8},  // eFmtDXT5
-    { 8,  0,  0, 0},  // eFmtBC4
-    { 8,  8,  0, 0},  // eFmtBC5
-    {16, 16, 16, 0},  // eFmtBC6
-    { 8,  8,  8, 0},  // eFmtBC7
-    { 8,  8,  8, 0},  // eFmtUYVY
-    { 8,  8,  8, 0},  // eFmtYUY2
-    { 1,  1,  1, 0},  // eFmtBW1bpp
-    {14, 14, 14, 0},  // eFmtRGB9E5
-    { 8,  8,  8, 0},  // eFmtRGBG8888
-    { 8,  8,  8, 0},  // eFmtGRGB8888
-    { 4,  4,  4, 0},  // eFmtETC2RGB
-    { 4,  4,  4, 4},  // eFmtETC2RGBA
-    { 5,  5,  5, 1},  // eFmtETC2RGBA1
-    {11,  0,  0, 0},  // eFmtEACR11U
-    {11,  0,  0, 0},  // eFmtEACR11S
-    {11, 11,  0, 0},  // eFmtEACRG11U
-    {11, 11,  0, 0},  // eFmtEACRG11S
-}};
-// clang-format on
 
 /// Rates of an uncompressed layout.
 // Kept: of two positions with one channel the later counts; an `a` behind an `x` decides.
@@ -160,7 +125,7 @@ void ditherRow(unsigned char* row, std::size_t width, const QuantiserTables& tab
 
 DitherRates ditherRates(const PixelType& target) {
     if (!isCompressed(target)) return layoutRates(target);
-    return target.id < compressedRates.size() ? compressedRates[target.id] : DitherRates{};
+    return std::to_array(GetFormatInfo(target).ditherBits);
 }
 
 void ditherLevel(unsigned char* rgba, PixelType target, unsigned int width, unsigned int height, unsigned int depth) {
