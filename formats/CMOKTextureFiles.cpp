@@ -1,19 +1,28 @@
-// CMOKTexture and files: the constructors that load, and the savers. Here is told which extension and which first word mean which
-// layout.
+// CMOKTexture and files: the constructors that load, and the members that save.
 #include <string>
 
 #include "CMOKTexture.h"
 #include "core/io/byte_stream.h"
-#include "core/io/native_file.h"
-#include "core/texture/TextureInternals.h"
 #include "formats/c_source/c_source_file.h"
-#include "formats/dds/dds_file.h"
-#include "formats/ktx/ktx_file.h"
+#include "formats/file_layout.h"
 #include "formats/legacy/legacy_file.h"
-#include "formats/mok_file.h"
-#include "formats/texture_path.h"
 
 namespace moktexture {
+namespace {
+
+bool loadFile(std::FILE* file, FileLayout layout, CMOKTexture& texture) {
+    if (file == nullptr) return false;
+    FileReader source(file);
+    return readTextureFile(source, layout, ReadPolicy::lenient(ReadMode::lenientFile), texture) == eLoadOk;
+}
+
+bool saveToFile(std::FILE* file, FileLayout layout, const CMOKTexture& texture, const char* arrayName = "") {
+    if (file == nullptr) return false;
+    FileWriter target(file);
+    return writeTextureFile(texture, layout, arrayName, target);
+}
+
+}  // namespace
 
 CMOKTexture::CMOKTexture(const char* filePath) : CMOKTexture() {
     if (filePath == nullptr) return;
@@ -29,25 +38,27 @@ CMOKTexture::CMOKTexture(const char* filePath) : CMOKTexture() {
         default:
             privateLoadMOKFile(file.get());
     }
-    // A load that failed leaves the size of what its header tells of.
+    // A failed load leaves the size that its header describes.
     dataSize = getDataSize();
 }
 
 CMOKTexture::CMOKTexture(const void* memoryImage) : CMOKTexture() {
     if (memoryImage == nullptr) return;
     MemoryReader source(memoryImage, MemoryReader::unknownSize);
-    readMOKFile(source, NativeReadRules::memoryConstructor(), nullptr, *this);
+    readTextureFile(source, FileLayout::mok, ReadPolicy::lenient(ReadMode::lenientMemory), *this);
 }
 
 bool CMOKTexture::saveFile(const CMOKTString& filePath) const {
     std::string path(filePath.c_str());
     FileLayout layout = fileLayoutForSaving(path);
-    if (layout == FileLayout::other) {
-        // Kept: an unknown extension is no failure; callers rely on finding `picture.png.mok`.
+    if (layout == FileLayout::unknown) {
+        // Kept (unknown-extension-gets-mok): an unknown extension is no failure; hosts that save `picture.png` load
+        // `picture.png.mok` afterwards.
         path += ".mok";
-        layout = FileLayout::native;
+        layout = FileLayout::mok;
     }
-    // Kept: the file is made, or emptied, before the texture is looked at: a save that is refused leaves an empty file.
+    // Kept (refused-save-empties-file): the file is created or emptied before the texture is looked at, so that a refused save
+    // leaves an empty file; hosts that save over an older file never load that older picture after a failure.
     FileHandle file(std::fopen(path.c_str(), "wb"));
     if (file == nullptr) return false;
     bool saved = false;
@@ -65,7 +76,7 @@ bool CMOKTexture::saveFile(const CMOKTString& filePath) const {
             saved = privateSaveMOKFile(file.get());
     }
     const bool isComplete = closeWritten(file);
-    // A failure to write C source goes unnoticed to the end.
+    // The exporter of C source reports no failed write, so neither does closing its file.
     return saved && (isComplete || layout == FileLayout::cHeader);
 }
 
@@ -77,51 +88,37 @@ bool CMOKTexture::saveFileLegacyMOK(const CMOKTString& filePath, ELegacyApi api)
 }
 
 bool CMOKTexture::privateLoadMOKFile(std::FILE* file) {
-    if (file == nullptr) return false;
-    FileReader source(file);
-    return readMOKFile(source, NativeReadRules::fileConstructor(), nullptr, *this) == eLoadOk;
+    return loadFile(file, FileLayout::mok, *this);
 }
 
 bool CMOKTexture::privateLoadKTXFile(std::FILE* file) {
-    if (file == nullptr) return false;
-    FileReader source(file);
-    return readKTXFile(source, nullptr, *this) == eLoadOk;
+    return loadFile(file, FileLayout::ktx, *this);
 }
 
 bool CMOKTexture::privateLoadDDSFile(std::FILE* file) {
-    if (file == nullptr) return false;
-    FileReader source(file);
-    return readDDSFile(source, nullptr, *this) == eLoadOk;
+    return loadFile(file, FileLayout::dds, *this);
 }
 
 bool CMOKTexture::privateSaveMOKFile(std::FILE* file) const {
-    if (file == nullptr) return false;
-    FileWriter target(file);
-    return writeNativeFile(*this, target);
+    return saveToFile(file, FileLayout::mok, *this);
 }
 
 bool CMOKTexture::privateSaveKTXFile(std::FILE* file) const {
-    if (file == nullptr) return false;
-    FileWriter target(file);
-    return writeKTXFile(*this, target);
+    return saveToFile(file, FileLayout::ktx, *this);
 }
 
 bool CMOKTexture::privateSaveDDSFile(std::FILE* file) const {
-    if (file == nullptr) return false;
-    FileWriter target(file);
-    return writeDDSFile(*this, target);
+    return saveToFile(file, FileLayout::dds, *this);
+}
+
+bool CMOKTexture::privateSaveCHeaderFile(std::FILE* file, CMOKTString name) const {
+    return saveToFile(file, FileLayout::cHeader, *this, name.c_str());
 }
 
 bool CMOKTexture::privateSaveLegacyMOKFile(std::FILE* file, ELegacyApi api) const {
     if (file == nullptr) return false;
     FileWriter target(file);
     return writeLegacyFile(*this, api, target);
-}
-
-bool CMOKTexture::privateSaveCHeaderFile(std::FILE* file, CMOKTString name) const {
-    if (file == nullptr) return false;
-    FileWriter target(file);
-    return writeCSource(*this, name.c_str(), target);
 }
 
 }  // namespace moktexture

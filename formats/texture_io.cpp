@@ -4,71 +4,18 @@
 #include <string>
 
 #include "core/io/byte_stream.h"
-#include "core/io/native_file.h"
 #include "core/texture/TextureInternals.h"
-#include "formats/c_source/c_source_file.h"
-#include "formats/dds/dds_file.h"
-#include "formats/ktx/ktx_file.h"
-#include "formats/mok_file.h"
-#include "formats/texture_path.h"
+#include "formats/file_layout.h"
 
 namespace moktexture {
 namespace {
 
-/// What the first bytes say of a layout.
-struct FirstBytes {
-    std::uint32_t word = 0;
-    std::size_t count = 0;
-};
-
-FirstBytes peek(ByteReader& source) {
-    FirstBytes first;
-    first.count = source.read(&first.word, sizeof(first.word));
-    source.seek(0);
-    return first;
-}
-
-/// Whether so few bytes are those of a known layout.
-bool startsKnownLayout(const FirstBytes& first) {
-    const std::uint32_t mask = (1u << (8 * first.count)) - 1;
-    const auto starts = [&](std::uint32_t word) { return (word & mask) == first.word; };
-    return first.count > 0 &&
-           (starts(MOKTextureHeaderV3::magic) || starts(ktxFirstWord) || starts(ddsFirstWord) || starts(44) || starts(52));
-}
-
-FileLayout layoutOf(const FirstBytes& first) {
-    if (first.word == ktxFirstWord) return FileLayout::ktx;
-    return first.word == ddsFirstWord ? FileLayout::dds : FileLayout::native;
-}
-
-/// Loads a file of a layout into a texture that stays untouched on failure.
+/// Loads strictly into a texture that is unchanged on failure.
 ELoadStatus loadStrictly(CMOKTexture& texture, ByteReader& source, FileLayout layout, const LoadLimits& limits) {
     CMOKTexture loaded;
-    ELoadStatus status = eLoadOk;
-    if (layout == FileLayout::ktx)
-        status = readKTXFile(source, &limits, loaded);
-    else if (layout == FileLayout::dds)
-        status = readDDSFile(source, &limits, loaded);
-    else
-        status = readMOKFile(source, NativeReadRules::strict(limits), &limits, loaded);
+    const ELoadStatus status = readTextureFile(source, layout, ReadPolicy::strict(limits), loaded);
     if (status == eLoadOk) texture.Swap(loaded);
     return status;
-}
-
-bool write(const CMOKTexture& texture, FileLayout layout, ByteWriter& target) {
-    switch (layout) {
-        case FileLayout::native:
-            return writeNativeFile(texture, target);
-        case FileLayout::ktx:
-            return writeKTXFile(texture, target);
-        case FileLayout::dds:
-            return writeDDSFile(texture, target);
-        case FileLayout::cHeader:
-            return writeCSource(texture, "texture", target);
-        case FileLayout::other:
-            return false;
-    }
-    return false;
 }
 
 }  // namespace
@@ -89,9 +36,11 @@ const char* describe(ELoadStatus status) {
 ELoadStatus LoadTexture(CMOKTexture& texture, const void* image, std::size_t size, const LoadLimits& limits) {
     if (image == nullptr) return eLoadUnreadable;
     MemoryReader source(image, size);
-    const FirstBytes first = peek(source);
-    if (first.count < sizeof(first.word)) return startsKnownLayout(first) ? eLoadTruncated : eLoadUnknown;
-    return loadStrictly(texture, source, layoutOf(first), limits);
+    std::uint32_t firstWord = 0;
+    const std::size_t length = source.read(&firstWord, sizeof(firstWord));
+    if (length < sizeof(firstWord)) return startsFileLayout(firstWord, length) ? eLoadTruncated : eLoadUnknown;
+    source.seek(0);
+    return loadStrictly(texture, source, fileLayoutOfFirstWord(firstWord), limits);
 }
 
 ELoadStatus LoadTextureFile(CMOKTexture& texture, const char* filePath, const LoadLimits& limits) {
@@ -105,12 +54,12 @@ ELoadStatus LoadTextureFile(CMOKTexture& texture, const char* filePath, const Lo
 bool SaveTexture(const CMOKTexture& texture, const char* extension, std::vector<unsigned char>& image) {
     if (extension == nullptr) return false;
     const std::string name(extension[0] == '.' ? extension + 1 : extension);
-    // "a.mok" is a path, and no extension.
+    // "a.mok" is a path, not an extension.
     if (name.find('.') != std::string::npos || TextureInternals::data(texture) == nullptr) return false;
     std::vector<unsigned char> written;
     written.reserve(static_cast<std::size_t>(sizeof(MOKTextureHeaderV3) + TextureInternals::dataSize(texture)));
     MemoryWriter target(written);
-    if (!write(texture, fileLayoutForSaving(name), target)) return false;
+    if (!writeTextureFile(texture, fileLayoutForSaving(name), "texture", target)) return false;
     image.swap(written);
     return true;
 }

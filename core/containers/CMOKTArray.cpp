@@ -46,7 +46,8 @@ template <class T>
 EMOKTError CMOKTArray<T>::Remove(unsigned int index) {
     if (size == 0) return eMOKTFail;
     if (index == size - 1) return RemoveLast();
-    // Kept: an index out of range drops the last element and reports success.
+    // Kept (array-remove-out-of-range): an index out of range drops the last element and succeeds; hosts that remove the index
+    // that a failed search returned rely on the success.
     for (unsigned int i = index; i < size - 1; ++i)
         data[i] = data[i + 1];
     --size;

@@ -32,11 +32,12 @@ V& CMOKTMap<K, V>::operator[](K key) {
     // All that may raise std::bad_alloc comes before the first change.
     keys.SetCapacity(keys.GetSize() + 1);
     values.Append(V());
-    // Kept: the key goes behind the stale entries that Remove and Clear leave in the arrays, and is found again only while its
-    // place is below the count.
-    const unsigned int place = keys.Append(key);
+    // Kept (map-new-key-behind-stale): the key goes behind the stale entries that Remove and Clear leave in the arrays, and is
+    // found again only while its index is below the count; native files hold the blocks below the count, so that overwriting the
+    // stale entries would save other blocks.
+    const unsigned int index = keys.Append(key);
     ++size;
-    return values[place];
+    return values[index];
 }
 
 template <class K, class V>
@@ -62,14 +63,15 @@ bool CMOKTMap<K, V>::Exists(K key) const requires(!std::is_same_v<V, CMOKTMap<K,
 
 template <class K, class V>
 EMOKTError CMOKTMap<K, V>::Remove(K key) requires(!std::is_same_v<V, CMOKTMap<K, MetaDataBlock>>) {
-    // Kept: the key, not its place, is compared with the count: a key that equals the count cannot be removed, and an absent key
-    // still lowers the count and reports success.
+    // Kept (map-remove-compares-key): the key, not its index, is compared with the count: a key that equals the count cannot be
+    // removed, and an absent key still lowers the count and succeeds. removeMetaData() saves the blocks that this leaves.
     if (key == size || size == 0) return eMOKTFail;
     const unsigned int newSize = size - 1;
     const unsigned int index = GetIndexOf(key);
-    // An absent key's place may lie behind the store. The store of keys is never the smaller one.
+    // The index of an absent key may lie behind the allocated elements. The array of keys never has fewer than that of values.
     if (newSize > 0 && index < values.GetCapacity()) {
-        // Kept: the place is filled from the entry before the old last one; only the last entry is removed as one would expect.
+        // Kept (map-remove-fills-from-before-last): the gap is filled from the entry before the old last one, so that only the
+        // last entry is removed alone; a native file saved after removeMetaData() holds the blocks that are left.
         values[index] = values[newSize - 1];
         keys[index] = keys[newSize - 1];
     }
@@ -79,7 +81,8 @@ EMOKTError CMOKTMap<K, V>::Remove(K key) requires(!std::is_same_v<V, CMOKTMap<K,
 
 template <class K, class V>
 void CMOKTMap<K, V>::Clear() {
-    // Kept: the arrays keep their entries, so that the next key goes behind them.
+    // Kept (map-clear-keeps-entries): the arrays keep their entries, and the next key goes behind them; references from
+    // operator[] stay valid for hosts that hold them.
     size = 0;
 }
 

@@ -16,7 +16,7 @@ void copyBytes(char* target, const char* source, std::size_t count) {
     if (count > 0) std::memmove(target, source, count);
 }
 
-/// `a` + `b`, or npos, which no buffer can be made for, if that does not fit.
+/// `a` + `b`, or npos, for which newBuffer() throws, if that overflows.
 std::size_t saturatingSum(std::size_t a, std::size_t b) {
     return a < CMOKTString::npos - b ? a + b : CMOKTString::npos;
 }
@@ -42,7 +42,7 @@ void CMOKTString::cutTo(std::size_t newLength) noexcept {
     textLength = newLength;
 }
 
-// --- Construction. The first assignment to a string without a buffer makes one.
+// --- Construction. The first assignment to a string without a buffer allocates it.
 
 CMOKTString::CMOKTString() : text(newBuffer(0)), textLength(0), allocated(1) {}
 
@@ -69,7 +69,7 @@ CMOKTString::~CMOKTString() {
     delete[] text;
 }
 
-// --- Assignment. The source may lie in this string's buffer, so that buffer goes last.
+// --- Assignment. The source may lie in this string's buffer, which is therefore freed last.
 
 CMOKTString& CMOKTString::operator=(const CMOKTString& string) {
     return assign(string);
@@ -117,7 +117,8 @@ CMOKTString& CMOKTString::assign(const char* chars) {
 CMOKTString& CMOKTString::append(const char* chars, std::size_t count) {
     const std::string_view added = viewOf(chars, count);
     if (added.empty()) return *this;
-    // Kept: no room is left over and none that reserve() made is used: capacity() is length() + 1 after each growth.
+    // Kept (string-exact-growth): neither is room left over nor is the room of reserve() used: capacity() is length() + 1 after
+    // every growth, and hosts that pass data() and capacity() on hand over no stale bytes.
     const std::size_t newLength = saturatingSum(textLength, added.size());
     char* buffer = newBuffer(newLength);
     copyBytes(buffer, text, textLength);

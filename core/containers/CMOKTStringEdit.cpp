@@ -17,7 +17,7 @@ constexpr const char* whitespace = " \t\n\r";
 /// Applies `change` to the bytes up to the first zero byte.
 template <class Change>
 void changeText(CMOKTString& string, Change change) {
-    // Kept: what follows a zero byte inside the string stays as it is.
+    // Kept (string-case-stops-at-zero): bytes behind a zero byte stay unchanged; hosts keep binary data there.
     for (std::size_t i = 0; string[i] != 0; ++i)
         string[i] = change(string[i]);
 }
@@ -27,7 +27,7 @@ std::size_t lastSeparator(std::string_view path) {
     return slash != std::string_view::npos ? slash : path.rfind('\\');
 }
 
-/// Number of places, one behind the other, where `searched` occurs; `searched` is not empty.
+/// Number of matches of `searched` that do not overlap; `searched` is not empty.
 std::size_t countSeparate(std::string_view text, std::string_view searched) {
     std::size_t count = 0;
     for (std::size_t at = text.find(searched); at != std::string_view::npos; at = text.find(searched, at + searched.size()))
@@ -35,18 +35,18 @@ std::size_t countSeparate(std::string_view text, std::string_view searched) {
     return count;
 }
 
-/// `base` + `count` * `each`, or npos, which no buffer can be made for, if that does not fit.
+/// `base` + `count` * `each`, or npos, for which newBuffer() throws, if that overflows.
 std::size_t saturatingMultiplyAdd(std::size_t base, std::size_t count, std::size_t each) {
     return each != 0 && count > (CMOKTString::npos - base) / each ? CMOKTString::npos : base + count * each;
 }
 
-/// Ends the use of an argument list, also when an exception passes.
+/// Calls va_end on an argument list when the scope ends, also by an exception.
 struct ArgumentListEnd {
     std::va_list& arguments;
     ~ArgumentListEnd() { va_end(arguments); }
 };
 
-/// A first pass tells the length, a second one writes the text. Uses the argument list up.
+/// A first pass computes the length, a second one writes the text. Consumes the argument list.
 CMOKTString formatList(const char* format, std::va_list& arguments) {
     CMOKTString result;
     if (format == nullptr) return result;
@@ -131,7 +131,8 @@ CMOKTString CMOKTString::right(std::size_t count) const {
 // --- Paths
 
 CMOKTString CMOKTString::file_extension() const {
-    // Kept: the last dot of the whole path counts, also if it stands in a folder's name.
+    // Kept (string-extension-of-folder): the last dot of the whole path counts, also in a folder's name; hosts build file names
+    // from path and extension and would build others.
     return CMOKTString(*this, viewOf(*this).rfind('.'));
 }
 
@@ -144,7 +145,7 @@ CMOKTString CMOKTString::file_name_of() const {
 }
 
 // --- Trim
-// Kept: a string of nothing but whitespace stays as it is.
+// Kept (string-trim-all-white): a string of nothing but whitespace stays unchanged; hosts tell it from an empty one by length().
 
 CMOKTString& CMOKTString::trim_left() {
     const std::size_t first = find_first_not_of(whitespace);

@@ -21,13 +21,13 @@ std::size_t findForward(string_view text, string_view searched, std::size_t star
     return start < text.size() ? text.find(searched, start) : string_view::npos;
 }
 
-/// Where a backward search starts that leaves out the last `fromEnd` bytes of a string of `length`; `fromEnd` is below `length`.
+/// Start of a backward search that skips the last `fromEnd` bytes of a string of `length`; `fromEnd` is below `length`.
 std::size_t backwardStart(std::size_t length, std::size_t fromEnd) {
     return length - fromEnd - 1;
 }
 
 std::size_t findLastOf(string_view text, string_view set, std::size_t fromEnd) {
-    // Kept: the position counts from the end.
+    // Kept (string-find-last-from-end): the start counts from the end of the string; hosts pass 0 for "from the last byte".
     return fromEnd < text.size() ? text.find_last_of(set, backwardStart(text.size(), fromEnd)) : string_view::npos;
 }
 
@@ -49,15 +49,16 @@ int findNext(string_view text, string_view searched, std::size_t start) {
 int findPrevious(string_view text, string_view searched, std::size_t start) {
     if (text.empty()) return -1;
     const std::size_t at = text.rfind(searched, std::min(start, text.size() - 1));
-    // Kept: a match at position 0 counts as none.
+    // Kept (string-find-previous-skips-first): a match at position 0 is not reported; hosts loop until -1, and a reported 0 would
+    // make them search before the string.
     return at == 0 || at == string_view::npos ? -1 : static_cast<int>(at);
 }
 
 }  // namespace
 
 // --- Comparison
-// Kept: bytes are unsigned in the forms over the whole string and signed in the forms with a range, so that the two order bytes
-// from 0x80 on differently.
+// Kept (string-compare-signedness): bytes are unsigned in the forms over the whole string and signed in the forms with a range,
+// so that the two order bytes from 0x80 on differently; tables that hosts sorted by one of them are searched by the same one.
 
 int CMOKTString::compare(const CMOKTString& string) const {
     return viewOf(*this).compare(viewOf(string));

@@ -1,41 +1,53 @@
+// The native file, version 3. All numbers are little-endian; nothing is aligned or padded.
+//
+//   offset  bytes
+//        0      4  version         "MOK\x03"
+//        4      4  flags           1: file compressed (a mark only), 2: premultiplied
+//        8      8  pixelFormat     id of a PixelType
+//       16      4  colourSpace     EMOKTColourSpace
+//       20      4  channelType     EMOKTVariableType
+//       24      4  height          of level 0; the height precedes the width
+//       28      4  width
+//       32      4  depth
+//       36      4  numArrayMembers
+//       40      4  numFaces
+//       44      4  numMIPLevels
+//       48      4  metaDataSize    M: bytes of the metadata blocks
+//       52      M  metadata blocks, each
+//                     +0       4  fourCC     the owner's tag
+//                     +4       4  key        the owner's key
+//                     +8       4  dataSize   S
+//                    +12       S  payload
+//     52+M         pixel data: the texture's buffer, getDataSize() bytes
+//
+// Blocks are read until the accepted ones reach M bytes. The pixels start behind the last accepted block, also where that is
+// not 52+M.
+
 #include "core/io/native_file.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <limits>
 #include <utility>
 
 #include "core/texture/TextureInternals.h"
-#include "core/texture/data_size.h"
 
 namespace moktexture {
 namespace {
 
-static_assert(std::endian::native == std::endian::little, "files are read and written as they lie in memory");
-
 constexpr std::uint32_t recordSize = sizeof(MOKTextureHeaderV3);
-constexpr std::uint32_t blockHeadSize = 12;
 
-/// Most metadata blocks that the constructors take: finding a key is a linear search, so that time grows with the square.
-constexpr std::uint32_t maxBlocksOfConstructors = 65536;
-
-constexpr LoadLimits noLimits = {
-    .maxEdge = std::numeric_limits<std::uint32_t>::max(),
-    .maxLevels = maxMIPLevels,
-    .maxMembers = std::numeric_limits<std::uint32_t>::max(),
-    .maxMetaDataSize = std::numeric_limits<std::uint32_t>::max(),
-    .maxMetaDataBlocks = maxBlocksOfConstructors,
-    .maxTotalSize = std::numeric_limits<std::uint32_t>::max(),
+/// The fields of a metadata block in front of its payload.
+struct BlockHeader {
+    std::uint32_t fourCC;
+    std::uint32_t key;
+    std::uint32_t dataSize;
 };
+static_assert(sizeof(BlockHeader) == 12);
 
-ELoadStatus endedEarly(const ByteReader& source) {
-    return source.failed() ? eLoadUnreadable : eLoadTruncated;
-}
-
-/// Tells what a file with that first word of `length` bytes, at most 4, is; eLoadOk for the native layout.
-ELoadStatus judgeFirstWord(std::uint32_t word, std::size_t length) {
+/// eLoadOk if the first `length` bytes of a file, at most 4, are those of the native layout.
+ELoadStatus validateFirstWord(std::uint32_t word, std::size_t length) {
     constexpr std::uint32_t magic = MOKTextureHeaderV3::magic;
     if (length < sizeof(word)) {
         const std::uint32_t mask = (1u << (8 * length)) - 1;
@@ -44,152 +56,132 @@ ELoadStatus judgeFirstWord(std::uint32_t word, std::size_t length) {
     return word == magic ? eLoadOk : eLoadUnknown;
 }
 
-/// Reads the record; a short one keeps the defaults of what is missing, byte by byte, unless the rules want it complete.
-ELoadStatus readRecord(ByteReader& source, const NativeReadRules& rules, MOKTextureHeaderV3& record) {
+/// Reads the record. A lenient reader keeps the default of every byte that a short file lacks.
+ELoadStatus readRecord(ByteReader& source, const ReadPolicy& policy, MOKTextureHeaderV3& record) {
     std::uint32_t word = 0;
     const std::size_t length = source.read(&word, sizeof(word));
     if (source.failed()) return eLoadUnreadable;
-    const ELoadStatus status = judgeFirstWord(word, length);
+    const ELoadStatus status = validateFirstWord(word, length);
     if (status != eLoadOk) return status;
     source.seek(0);
-    if (!source.readAll(&record, recordSize) && rules.complete) return endedEarly(source);
+    // Kept (native-short-file-loads): for a constructor, a file that ends within its record or its pixels still gives a texture;
+    // hosts of the constructors test getDataPtr() for null and nothing else.
+    if (!source.readAll(&record, recordSize) && policy.isStrict()) return truncatedStatus(source);
     return eLoadOk;
 }
 
-bool exceeds(const MOKTextureHeaderV3& record, const LoadLimits& limits) {
-    return std::max({record.width, record.height, record.depth}) > limits.maxEdge || record.numMIPLevels > limits.maxLevels ||
-           record.numArrayMembers > limits.maxMembers || record.metaDataSize > limits.maxMetaDataSize;
-}
-
-/// Judges the sizes in a record, whose metadata is still declared in it, before memory is taken for them.
-ELoadStatus validateSizes(const ByteReader& source, const NativeReadRules& rules, const MOKTextureHeaderV3& record,
-                          const CMOKTextureHeader& header) {
-    if (exceeds(record, rules.limits) || !sizesFit32Bits(header)) return eLoadTooLarge;
-    const std::uint64_t dataSize = header.getDataSize();
-    if (dataSize > rules.limits.maxTotalSize) return eLoadTooLarge;
-    if (!rules.complete) return eLoadOk;
+/// Validates the sizes in a record, before memory is allocated for them. `header` holds the record with a `metaDataSize` of 0.
+ELoadStatus validateRecord(const ByteReader& source, const ReadPolicy& policy, const MOKTextureHeaderV3& record,
+                           const CMOKTextureHeader& header) {
+    if (record.metaDataSize > policy.limits.maxMetaDataSize) return eLoadTooLarge;
+    const ELoadStatus status = validateSizes(header, policy);
+    if (status != eLoadOk || !policy.isStrict()) return status;
     if (record.numMIPLevels == 0 || record.numArrayMembers == 0 || record.numFaces == 0) return eLoadCorrupt;
-    return source.remaining() < record.metaDataSize + dataSize ? eLoadTruncated : eLoadOk;
+    const std::uint64_t needed = std::uint64_t{record.metaDataSize} + header.getDataSize();
+    return source.remaining() < needed ? truncatedStatus(source) : eLoadOk;
 }
 
-/// What stands before a block's payload in a file.
-struct BlockHead {
-    std::uint32_t fourCC;
-    std::uint32_t key;
-    std::uint32_t dataSize;
-};
-static_assert(sizeof(BlockHead) == blockHeadSize);
-
-/// Judges a block that would end `end` bytes behind the metadata's start, before memory is taken for it.
-ELoadStatus judgeBlock(const ByteReader& source, const NativeReadRules& rules, const BlockHead& head, std::uint64_t end,
-                       std::uint32_t declaredSize) {
-    if (end > declaredSize && rules.overrun == NativeReadRules::Overrun::refuse) return eLoadCorrupt;
-    // Kept: in a file, a block without a payload ends the load, as it makes the save report failure.
-    if (head.dataSize == 0 && !rules.emptyBlocks) return eLoadCorrupt;
-    if (head.dataSize > source.remaining()) return eLoadTruncated;
-    const bool isAdded = end <= declaredSize || rules.overrun == NativeReadRules::Overrun::accept;
+/// Validates a block that would end `end` bytes behind the start of the metadata, before memory is allocated for its payload.
+ELoadStatus validateBlock(const ByteReader& source, ReadMode mode, const BlockHeader& block, std::uint64_t end,
+                          std::uint32_t declaredSize) {
+    const bool overruns = end > declaredSize;
+    if (overruns && mode == ReadMode::strict) return eLoadCorrupt;
+    // Kept (native-empty-block-ends-load): in a file, unlike in a memory image, a block without payload ends the load without
+    // pixels; hosts see by the null getDataPtr() that such a file, whose save had failed, is not whole.
+    if (block.dataSize == 0 && mode != ReadMode::lenientMemory) return eLoadCorrupt;
+    if (block.dataSize > source.remaining()) return eLoadTruncated;
+    const bool isAdded = !overruns || mode == ReadMode::lenientMemory;
     return isAdded && end > std::numeric_limits<std::uint32_t>::max() ? eLoadTooLarge : eLoadOk;
 }
 
-/// Adds the block whose head was read to the header.
-ELoadStatus readPayload(ByteReader& source, const BlockHead& head, CMOKTextureHeader& header) {
+/// Reads the payload of a block and adds the block to the header.
+ELoadStatus readPayload(ByteReader& source, const BlockHeader& blockHeader, CMOKTextureHeader& header) {
     MetaDataBlock block;
-    block.fourCC = head.fourCC;
-    block.key = head.key;
-    block.data = new unsigned char[head.dataSize];
-    block.dataSize = head.dataSize;
-    if (!source.readAll(block.data, block.dataSize)) return endedEarly(source);
+    block.fourCC = blockHeader.fourCC;
+    block.key = blockHeader.key;
+    block.data = new unsigned char[blockHeader.dataSize];
+    block.dataSize = blockHeader.dataSize;
+    if (!source.readAll(block.data, block.dataSize)) return truncatedStatus(source);
     header.addMetaData(block);
     return eLoadOk;
 }
 
-/// Reads the blocks into the header, whose `metaDataSize` they rebuild from 0, and leaves the source where the pixels start.
-ELoadStatus readMetaData(ByteReader& source, const NativeReadRules& rules, std::uint32_t declaredSize,
-                         CMOKTextureHeader& header) {
+/// Reads the blocks into the header, which counts their sizes up from a `metaDataSize` of 0, and leaves the source where the
+/// pixels start.
+ELoadStatus readMetaData(ByteReader& source, const ReadPolicy& policy, std::uint32_t declaredSize, CMOKTextureHeader& header) {
     std::uint64_t accepted = 0;
     for (std::uint32_t count = 0; accepted < declaredSize; ++count) {
-        if (count == rules.limits.maxMetaDataBlocks) return eLoadTooLarge;
+        if (count == policy.limits.maxMetaDataBlocks) return eLoadTooLarge;
         const std::uint64_t start = source.position();
-        BlockHead head;
-        if (!source.readAll(&head, blockHeadSize)) return endedEarly(source);
-        const std::uint64_t end = accepted + blockHeadSize + head.dataSize;
-        ELoadStatus status = judgeBlock(source, rules, head, end, declaredSize);
+        BlockHeader block;
+        if (!source.readAll(&block, sizeof(block))) return truncatedStatus(source);
+        const std::uint64_t end = accepted + sizeof(block) + block.dataSize;
+        ELoadStatus status = validateBlock(source, policy.mode, block, end, declaredSize);
         if (status != eLoadOk) return status;
-        if (end > declaredSize && rules.overrun == NativeReadRules::Overrun::drop) {
-            // Kept: a block that overruns the declared size is dropped, and the pixels are read from its start.
+        if (end > declaredSize && policy.mode == ReadMode::lenientFile) {
+            // Kept (native-overrun-block-dropped): a block of a file that overruns the declared size is dropped, and the pixels
+            // are read from its start; a file whose metaDataSize falls short of its blocks would load other pixels.
             source.seek(start);
             break;
         }
-        status = readPayload(source, head, header);
+        status = readPayload(source, block, header);
         if (status != eLoadOk) return status;
         accepted = end;
     }
     return eLoadOk;
 }
 
-ELoadStatus readPixels(ByteReader& source, CMOKTexture& texture) {
-    TextureInternals::allocate(texture);
-    const std::size_t size = static_cast<std::size_t>(TextureInternals::dataSize(texture));
-    return source.readAll(TextureInternals::data(texture), size) ? eLoadOk : endedEarly(source);
-}
-
-/// Writes one piece of a file.
-/// Kept: a piece of 0 bytes counts as not written, so that a texture without pixels, or with an empty block, is "not saved"
-/// though its file is complete.
-bool writePiece(ByteWriter& target, const void* bytes, std::size_t size) {
+/// Kept (empty-write-fails): a write of 0 bytes counts as failed, in native, KTX and legacy files: hosts read "nothing was saved"
+/// from the result for a texture without pixels, though its file is complete.
+bool writeBytes(ByteWriter& target, const void* bytes, std::size_t size) {
     return bytes != nullptr && size != 0 && target.write(bytes, size);
 }
 
 bool writeBlock(ByteWriter& target, const MetaDataBlock& block) {
-    const std::uint32_t head[3] = {block.fourCC, block.key, block.dataSize};
-    const bool headWritten = writePiece(target, head, sizeof(head));
-    return writePiece(target, block.data, block.dataSize) && headWritten;
+    const BlockHeader blockHeader = {block.fourCC, block.key, block.dataSize};
+    const bool headerWritten = target.write(&blockHeader, sizeof(blockHeader));
+    return writeBytes(target, block.data, block.dataSize) && headerWritten;
 }
 
 }  // namespace
 
-NativeReadRules NativeReadRules::strict(const LoadLimits& limits) {
-    LoadLimits bounded = limits;
-    bounded.maxLevels = std::min(limits.maxLevels, maxMIPLevels);
-    return {.complete = true, .overrun = Overrun::refuse, .emptyBlocks = false, .limits = bounded};
+ELoadStatus readPixelData(ByteReader& source, CMOKTexture& texture) {
+    TextureInternals::allocate(texture);
+    const std::size_t size = static_cast<std::size_t>(TextureInternals::dataSize(texture));
+    return source.readAll(TextureInternals::data(texture), size) ? eLoadOk : truncatedStatus(source);
 }
 
-// Kept: a file that ends within its record or its pixels still gives a texture; callers test nothing but the buffer.
-NativeReadRules NativeReadRules::fileConstructor() {
-    return {.complete = false, .overrun = Overrun::drop, .emptyBlocks = false, .limits = noLimits};
+bool writePixelData(const CMOKTexture& texture, ByteWriter& target) {
+    return writeBytes(target, TextureInternals::data(texture), static_cast<std::size_t>(TextureInternals::dataSize(texture)));
 }
 
-NativeReadRules NativeReadRules::memoryConstructor() {
-    return {.complete = false, .overrun = Overrun::accept, .emptyBlocks = true, .limits = noLimits};
-}
-
-ELoadStatus readNativeFile(ByteReader& source, const NativeReadRules& rules, CMOKTexture& texture) {
+ELoadStatus readNativeFile(ByteReader& source, const ReadPolicy& policy, CMOKTexture& texture) {
     MOKTextureHeaderV3 record;
-    ELoadStatus status = readRecord(source, rules, record);
+    ELoadStatus status = readRecord(source, policy, record);
     if (status != eLoadOk) return status;
 
     MOKTextureHeaderV3 recordWithoutMetaData = record;
     recordWithoutMetaData.metaDataSize = 0;
     CMOKTextureHeader header(recordWithoutMetaData, 0, nullptr);
-    status = validateSizes(source, rules, record, header);
+    status = validateRecord(source, policy, record, header);
     if (status != eLoadOk) return status;
 
-    status = readMetaData(source, rules, record.metaDataSize, header);
+    status = readMetaData(source, policy, record.metaDataSize, header);
     if (status == eLoadTooLarge) return status;
     texture.CMOKTextureHeader::Swap(header);
     if (status != eLoadOk) {
         TextureInternals::setDataSize(texture, texture.getDataSize());
         return status;
     }
-    return readPixels(source, texture);
+    return readPixelData(source, texture);
 }
 
 bool writeNativeFile(const CMOKTexture& texture, ByteWriter& target) {
     const MOKTextureHeaderV3 record = texture.getFileHeader();
-    // What follows tells of a failure here.
+    // A target that rejects the record rejects the pixels too.
     target.write(&record, sizeof(record));
-    // Kept: the blocks come from the map and `metaDataSize` from the record, and nothing reconciles them: files stay as the
-    // header counted them, even where readers then take pixels for metadata.
+    // Kept (native-metadata-size-not-reconciled): the blocks come from the map and `metaDataSize` from the record, even where the
+    // two differ; a host that filled the record itself gets exactly that record in its file.
     bool written = true;
     const auto& owners = texture.getMetaDataMap();
     for (unsigned int owner = 0; owner < owners.GetSize(); ++owner) {
@@ -197,8 +189,7 @@ bool writeNativeFile(const CMOKTexture& texture, ByteWriter& target) {
         for (unsigned int i = 0; i < blocks.GetSize(); ++i)
             written = writeBlock(target, *blocks.GetDataAtIndex(i)) && written;
     }
-    const std::size_t size = static_cast<std::size_t>(TextureInternals::dataSize(texture));
-    return writePiece(target, TextureInternals::data(texture), size) && written;
+    return writePixelData(texture, target) && written;
 }
 
 }  // namespace moktexture

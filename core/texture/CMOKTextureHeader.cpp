@@ -2,14 +2,11 @@
 
 #include <utility>
 
+#include "core/base/numeric.h"
 #include "core/texture/data_size.h"
 
 namespace moktexture {
 namespace {
-
-std::uint32_t roundUp(std::uint32_t value, std::uint32_t step) {
-    return (value + step - 1) / step * step;
-}
 
 /// Bits of one face of one level, wrapped at 32 bits.
 std::uint32_t levelBits(const MOKTextureHeaderV3& record, unsigned int bits, const BlockSize& block, std::uint32_t level) {
@@ -39,7 +36,8 @@ CMOKTextureHeader::CMOKTextureHeader(std::uint64_t pixelFormat, std::uint32_t he
     record.numMIPLevels = numMIPLevels;
 }
 
-// Kept: a `metaDataSize` that is not 0 counts the blocks twice: callers may have filled the record from a file.
+// Kept (header-record-counts-blocks-twice): a `metaDataSize` that is not 0 stays and the blocks are added to it; hosts that pass
+// a record with 0 there get the right sum, and native files hold the sum as it is.
 CMOKTextureHeader::CMOKTextureHeader(MOKTextureHeaderV3 fileHeader, unsigned int count, const MetaDataBlock* blocks)
     : record(fileHeader) {
     if (blocks == nullptr) return;
@@ -81,7 +79,8 @@ EMOKTVariableType CMOKTextureHeader::getChannelType() const {
     return static_cast<EMOKTVariableType>(record.channelType);
 }
 
-// Kept: the level one past the last answers too; walks over levels ask for it.
+// Kept (header-one-level-past-last): the level behind the last one has a size too; hosts that extend a chain ask for it before they
+// raise the count.
 std::uint32_t CMOKTextureHeader::getWidth(std::uint32_t level) const {
     return level > record.numMIPLevels ? 0 : levelDimension(record.width, level);
 }
@@ -117,8 +116,8 @@ std::uint32_t CMOKTextureHeader::getDataSize(int level, bool allSurfaces, bool a
         for (std::uint32_t i = 0; i < record.numMIPLevels; ++i)
             size += levelBits(record, bits, block, i);
     }
-    // Kept: the bits of all levels are summed before they become bytes, so that levels below a byte count together: this is the
-    // length of the data in files.
+    // Kept (header-bits-summed-over-levels): the bits of all levels are summed before they become bytes, so that levels below a
+    // byte count together; this is the number of bytes of pixel data in a native file.
     size >>= 3;
     if (allSurfaces) size *= record.numArrayMembers;
     if (allFaces) size *= record.numFaces;
@@ -178,7 +177,8 @@ void CMOKTextureHeader::setNumFaces(std::uint32_t newNumFaces) {
     record.numFaces = newNumFaces;
 }
 
-// Kept: clearing either flag clears both; callers set the flags anew after clearing one.
+// Kept (header-clear-clears-both-flags): clearing either flag clears both; hosts set the other one again, and the flags in a
+// native file depend on it.
 void CMOKTextureHeader::setIsFileCompressed(bool isFileCompressed) {
     record.flags = isFileCompressed ? record.flags | MOKTextureHeaderV3::fileCompressedFlag : 0;
 }

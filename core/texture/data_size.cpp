@@ -1,5 +1,6 @@
 #include "core/texture/data_size.h"
 
+#include "core/base/numeric.h"
 #include "format_info.h"
 
 namespace moktexture {
@@ -15,16 +16,13 @@ bool multiplyWithin32(std::uint64_t& value, std::uint64_t factor) {
     return true;
 }
 
-std::uint64_t roundUp(std::uint64_t value, std::uint64_t step) {
-    return (value + step - 1) / step * step;
-}
-
 /// Bits of one face of one level without wrapping, or above 32 bits if that is too many.
 std::uint64_t trueLevelBits(const MOKTextureHeaderV3& record, unsigned int bits, const BlockSize& block, std::uint32_t level) {
     std::uint64_t result = bits;
-    const bool fits = multiplyWithin32(result, roundUp(levelDimension(record.depth, level), block.depth)) &&
-                      multiplyWithin32(result, roundUp(levelDimension(record.height, level), block.height)) &&
-                      multiplyWithin32(result, roundUp(levelDimension(record.width, level), block.width));
+    using Wide = std::uint64_t;
+    const bool fits = multiplyWithin32(result, roundUp<Wide>(levelDimension(record.depth, level), block.depth)) &&
+                      multiplyWithin32(result, roundUp<Wide>(levelDimension(record.height, level), block.height)) &&
+                      multiplyWithin32(result, roundUp<Wide>(levelDimension(record.width, level), block.width));
     return fits ? result : limit32 + 1;
 }
 

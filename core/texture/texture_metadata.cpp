@@ -1,4 +1,15 @@
-// The metadata of a texture header: the library's own five topics, and blocks of any owner.
+// The metadata of a texture header: a map of maps, FourCC -> key -> MetaDataBlock, both in order of insertion, which is the order
+// of the blocks in a native file. The FourCC names the owner. Five keys of the library's own FourCC are the topics:
+//
+//   key  topic            payload
+//     0  texture atlas    n floats
+//     1  bump map         scale (float), channel order (4 letters, zero-filled)
+//     2  cube map order   up to 6 face letters
+//     3  orientation      3 bytes for x, y and z: 0 or the axis's bit of EMOKTOrientation
+//     4  border           3 unsigned 32-bit numbers: pixels along x, y and z
+//
+// metaDataSize of the record counts 12 bytes and the payload for each block as the setters see it; it is not computed from the
+// map.
 
 #include <algorithm>
 #include <array>
@@ -8,17 +19,53 @@
 
 #include "CMOKTextureHeader.h"
 
+namespace {
+
+/// A copy of the block's payload, or null if it has none.
+unsigned char* copyPayload(const MetaDataBlock& block) {
+    if (block.data == nullptr) return nullptr;
+    unsigned char* copy = new unsigned char[block.dataSize];
+    std::copy_n(block.data, block.dataSize, copy);
+    return copy;
+}
+
+}  // namespace
+
+MetaDataBlock::MetaDataBlock() : fourCC(0), key(0), dataSize(0), data(nullptr) {}
+
+MetaDataBlock::MetaDataBlock(const MetaDataBlock& other)
+    : fourCC(other.fourCC), key(other.key), dataSize(other.dataSize), data(copyPayload(other)) {}
+
+MetaDataBlock::~MetaDataBlock() {
+    delete[] data;
+    data = nullptr;
+}
+
+MetaDataBlock& MetaDataBlock::operator=(const MetaDataBlock& other) {
+    if (this == &other) return *this;
+    unsigned char* copy = copyPayload(other);
+    delete[] data;
+    fourCC = other.fourCC;
+    key = other.key;
+    dataSize = other.dataSize;
+    data = copy;
+    return *this;
+}
+
+static_assert(sizeof(MetaDataBlock) == 24);
+
 namespace moktexture {
 namespace {
 
-// Keys of the library's own topics, under the FourCC MOKTextureHeaderV3::magic.
+// Keys of the library's own metadata, under the FourCC MOKTextureHeaderV3::magic.
 constexpr unsigned int atlasKey = 0;
 constexpr unsigned int bumpMapKey = 1;
 constexpr unsigned int cubeMapOrderKey = 2;
 constexpr unsigned int orientationKey = 3;
 constexpr unsigned int borderKey = 4;
 
-// Kept: a fresh cube map order carries the bump map's key into files, where readers have always met it.
+// Kept (metadata-cube-map-key): a new cube map order is stored in the block under the key of the bump map; a native file carries
+// that key, and its readers find the order there, as a bump map.
 constexpr unsigned int cubeMapOrderStoredKey = bumpMapKey;
 
 constexpr std::size_t bumpMapOrderLength = 4;
@@ -49,7 +96,8 @@ CMOKTString payloadLetters(const MetaDataBlock& block, std::size_t offset) {
 }  // namespace
 
 const MetaDataBlock* CMOKTextureHeader::findBlock(unsigned int fourCC, unsigned int key) const {
-    // Kept: asking makes the FourCC's entry, and its place in the order that files are written in.
+    // Kept (metadata-getters-insert): a query inserts the FourCC's entry, which fixes its index; native files hold the blocks in
+    // the order of these indices.
     const auto& blocks = metaData[fourCC];
     const unsigned int index = blocks.GetIndexOf(key);
     return index < blocks.GetSize() ? blocks.GetDataAtIndex(index) : nullptr;
@@ -100,7 +148,8 @@ CMOKTString CMOKTextureHeader::getBumpMapOrder() const {
 int CMOKTextureHeader::getNumTextureAtlasMembers() const {
     const MetaDataBlock* const block = findTopic(atlasKey);
     if (block == nullptr || block->data == nullptr) return 0;
-    // Kept: a texture of one pixel has no atlas, whatever is stored; its header is then no more than a default one.
+    // Kept (metadata-no-atlas-of-one-pixel): a texture of one pixel has no atlas, whatever is stored; hosts ask headers without
+    // pixels too, whose dimensions are all 1.
     if (getWidth() < 2 && getHeight() < 2 && getDepth() < 2) return 0;
     return static_cast<int>(block->dataSize / sizeof(float));
 }
@@ -126,7 +175,8 @@ void CMOKTextureHeader::getBorder(unsigned int& x, unsigned int& y, unsigned int
 }
 
 MetaDataBlock CMOKTextureHeader::getMetaData(unsigned int fourCC, unsigned int key) const {
-    // Kept: asking for a block that is not there inserts an empty one, without counting it.
+    // Kept (metadata-get-inserts-block): a query for a missing block inserts an empty one without counting it; hasMetaData() is
+    // true from then on, and saving the texture as a native file writes the block and fails.
     const MetaDataBlock& stored = metaData[fourCC][key];
     MetaDataBlock block;
     block.data = new unsigned char[stored.dataSize]();
@@ -174,24 +224,26 @@ void CMOKTextureHeader::setBorder(unsigned int x, unsigned int y, unsigned int z
 }
 
 void CMOKTextureHeader::addMetaData(const MetaDataBlock& block) {
-    // Copied first, since the block may lie in this very map, whose arrays may grow.
+    // Copied first: the block may lie in this map, whose arrays may be reallocated.
     MetaDataBlock copy(block);
     MetaDataBlock& entry = metaData[copy.fourCC][copy.key];
     entry.fourCC = copy.fourCC;
     entry.key = copy.key;
     entry.dataSize = copy.dataSize;
     std::swap(entry.data, copy.data);
-    // Kept: the size of a block that is replaced stays counted; files are written with that sum.
+    // Kept (metadata-replaced-block-counted): the size of the replaced block stays counted; the sum is the metaDataSize in a
+    // native file, and getMetaDataSize() that of hosts that add it up themselves.
     record.metaDataSize += sizeInFile(entry);
 }
 
 void CMOKTextureHeader::removeMetaData(const unsigned int& fourCC, const unsigned int& key) {
-    // The references may lie in a block of this very map.
+    // The references may be fields of a block in this map.
     const unsigned int blockKey = key;
     auto& blocks = metaData[fourCC];
     const std::uint32_t removedSize = sizeInFile(blocks[blockKey]);
     blocks.Remove(blockKey);
-    // Kept: removing a block that is absent takes off 12 as well, and the count may wrap; so does a removal that the map refuses.
+    // Kept (metadata-remove-absent-subtracts): removing an absent block subtracts 12 as well, and the count may wrap; so does a
+    // removal that the map refuses. The count is the metaDataSize of native files.
     record.metaDataSize -= removedSize;
 }
 

@@ -1,17 +1,15 @@
-#include "formats/api_numbers/d3d_map.h"
-
 #include "core/texture/data_size.h"
 #include "formats/api_numbers/api_constants.h"
+#include "formats/api_numbers/format_maps.h"
 
 namespace moktexture {
 namespace {
 
 using enum MapDirection;
 
-// Columns: Direct3D's number; the texture's format and channel type; the way the row is read; whether the setter marks the
-// texture as premultiplied. The second section is for the getter alone; the third holds what the two directions see differently.
 // clang-format off
 constexpr D3DRow rows[] = {
+    // Number              Pixel format                    Channel type   Direction  Premultiplied
     {D3DFMT_R8G8B8,        layout("rgb", 8, 8, 8),         eVarUIntNorm,  getAndSet},
     {D3DFMT_A8R8G8B8,      layout("argb", 8, 8, 8, 8),     eVarUIntNorm,  getAndSet},
     {D3DFMT_X8R8G8B8,      layout("xrgb", 8, 8, 8, 8),     eVarUIntNorm,  getAndSet},
@@ -48,7 +46,7 @@ constexpr D3DRow rows[] = {
     {D3DFMT_UYVY,          eFmtUYVY,                       eVarUByteNorm, getAndSet},
     {D3DFMT_YUY2,          eFmtYUY2,                       eVarUByteNorm, getAndSet},
 
-    // Layouts with the channel type of their width, which the setter never gives.
+    // Layouts with the channel type of their width, for the getter: the setter gives the types above.
     {D3DFMT_R8G8B8,       layout("rgb", 8, 8, 8),         eVarUByteNorm,  getOnly},
     {D3DFMT_A8R8G8B8,     layout("argb", 8, 8, 8, 8),     eVarUByteNorm,  getOnly},
     {D3DFMT_X8R8G8B8,     layout("xrgb", 8, 8, 8, 8),     eVarUByteNorm,  getOnly},
@@ -66,21 +64,22 @@ constexpr D3DRow rows[] = {
     {D3DFMT_A4L4,         layout("al", 4, 4),             eVarUByteNorm,  getOnly},
     {D3DFMT_L16,          layout("l", 16),                eVarUShortNorm, getOnly},
 
-    // Kept: half floats of one channel come back as floats; loaded DDS files have the wide layout and its size.
+    // Kept (d3d-r16f-as-r32): r 16 comes back as r 32; a loaded DDS file of R16F has a buffer of twice the size of its pixels.
     {D3DFMT_R16F,         layout("r", 16),                eVarFloat,     getOnly},
     {D3DFMT_R16F,         layout("r", 32),                eVarFloat,     setOnly},
-    // Kept: two floats go out as rg and come back as gr, which has no number: such a DDS file loads and cannot be saved again.
+    // Kept (d3d-g32r32f-order): rg comes back as gr, which has no number; a loaded DDS file of this number cannot be saved.
     {D3DFMT_G32R32F,      layout("rg", 32, 32),           eVarFloat,     getOnly},
     {D3DFMT_G32R32F,      layout("gr", 32, 32),           eVarFloat,     setOnly},
-    // Kept: MOKTC has numbers, alpha or not, that are not read back: DDS files of it can be written and not loaded.
+    // Kept (d3d-moktc-get-only): MOKTC, with alpha or without, has numbers that the setter refuses; saveFile() writes DDS files of
+    // it, which load with eFmtUnknown.
     {d3dMOKTC2bpp,        eFmtMOKTC2bppRGB,               eVarUByteNorm, getOnly},
     {d3dMOKTC2bpp,        eFmtMOKTC2bppRGBA,              eVarUByteNorm, getOnly},
     {d3dMOKTC4bpp,        eFmtMOKTC4bppRGB,               eVarUByteNorm, getOnly},
     {d3dMOKTC4bpp,        eFmtMOKTC4bppRGBA,              eVarUByteNorm, getOnly},
-    // Kept: four bits of x are read as alpha; loaded DDS files have the layout with alpha, and 26 as their number.
+    // Kept (d3d-x4r4g4b4-as-argb): x is read as alpha; a loaded DDS file of it has an alpha channel and the number 26.
     {D3DFMT_X4R4G4B4,     layout("argb", 4, 4, 4, 4),     eVarUIntNorm,  setOnly},
-    // Kept: these numbers are read and never given; DDS files of the first three load and cannot be saved again, while in DDS
-    // files the other two stay unknown.
+    // Kept (d3d-set-only-numbers): the setter knows these numbers and the getter does not give them; DDS files of the first three
+    // load and cannot be saved as DDS.
     {D3DFMT_A8B8G8R8,     layout("abgr", 8, 8, 8, 8),     eVarUIntNorm,  setOnly},
     {D3DFMT_X8B8G8R8,     layout("xbgr", 8, 8, 8, 8),     eVarUIntNorm,  setOnly},
     {D3DFMT_Q16W16V16U16, layout("abgr", 16, 16, 16, 16), eVarSIntNorm,  setOnly},

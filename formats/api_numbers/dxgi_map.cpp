@@ -1,6 +1,5 @@
-#include "formats/api_numbers/dxgi_map.h"
-
 #include "formats/api_numbers/api_constants.h"
+#include "formats/api_numbers/format_maps.h"
 
 namespace moktexture {
 namespace {
@@ -9,10 +8,10 @@ using enum MapDirection;
 constexpr EMOKTColourSpace linear = eColourSpaceLinear;
 constexpr EMOKTColourSpace sRGB = eColourSpaceSRGB;
 
-// Columns: DXGI's number; the texture's format, channel type and colour space; the way the row is read; whether the getter takes
-// any channel type. BC6H_UF16 (95) has no row.
+// BC6H_UF16 (95) has no row.
 // clang-format off
 constexpr DXGIRow rows[] = {
+    // Number                         Pixel format                    Channel type    Space   Direction  Any channel type
     {DXGI_FORMAT_R32G32B32A32_FLOAT,  layout("rgba", 32, 32, 32, 32), eVarFloat,      linear, getAndSet},
     {DXGI_FORMAT_R32G32B32A32_UINT,   layout("rgba", 32, 32, 32, 32), eVarUInt,       linear, getAndSet},
     {DXGI_FORMAT_R32G32B32A32_SINT,   layout("rgba", 32, 32, 32, 32), eVarSInt,       linear, getAndSet},
@@ -56,20 +55,22 @@ constexpr DXGIRow rows[] = {
     {DXGI_FORMAT_R8_UINT,             layout("r", 8),                 eVarUByte,      linear, getAndSet},
     {DXGI_FORMAT_R8_SNORM,            layout("r", 8),                 eVarSByteNorm,  linear, getAndSet},
     {DXGI_FORMAT_R8_SINT,             layout("r", 8),                 eVarSByte,      linear, getAndSet},
-    // Kept: alpha comes back as red; callers have stored textures of this number with a red channel.
+    // Kept (dxgi-a8-as-r8): alpha comes back as red; a host that sets this number gets a texture with a red channel, whose number
+    // is then 61.
     {DXGI_FORMAT_A8_UNORM,            layout("a", 8),                 eVarUByteNorm,  linear, getOnly  },
     {DXGI_FORMAT_A8_UNORM,            layout("r", 8),                 eVarUByteNorm,  linear, setOnly  },
     {DXGI_FORMAT_R1_UNORM,            eFmtBW1bpp,                     eVarUByteNorm,  linear, getAndSet, true},
     {DXGI_FORMAT_R8G8_B8G8_UNORM,     eFmtRGBG8888,                   eVarUByteNorm,  linear, getAndSet, true},
     {DXGI_FORMAT_G8R8_G8B8_UNORM,     eFmtGRGB8888,                   eVarUByteNorm,  linear, getAndSet, true},
-    // Kept: block formats have numbers with the type of a whole integer alone, so that DXT from DDS files, of bytes, has none.
+    // Kept (dxgi-bc-integer-types): block formats have numbers for integer types only; DXT loaded from DDS or made by Transcode()
+    // is of bytes and has none, and hosts set the channel type before they ask.
     {DXGI_FORMAT_BC1_UNORM,           eFmtDXT1,                       eVarUIntNorm,   linear, getAndSet},
     {DXGI_FORMAT_BC1_UNORM_SRGB,      eFmtDXT1,                       eVarUIntNorm,   sRGB,   getAndSet},
     {DXGI_FORMAT_BC2_UNORM,           eFmtDXT3,                       eVarUIntNorm,   linear, getAndSet},
     {DXGI_FORMAT_BC2_UNORM_SRGB,      eFmtDXT3,                       eVarUIntNorm,   sRGB,   getAndSet},
     {DXGI_FORMAT_BC3_UNORM,           eFmtDXT5,                       eVarUIntNorm,   linear, getAndSet},
     {DXGI_FORMAT_BC3_UNORM_SRGB,      eFmtDXT5,                       eVarUIntNorm,   sRGB,   getAndSet},
-    // Kept: the setter calls BC4 sRGB; textures of this number carry that mark.
+    // Kept (dxgi-bc4-srgb): the setter marks BC4_UNORM as sRGB; native files saved after setDXGIFormat(80) hold it.
     {DXGI_FORMAT_BC4_UNORM,           eFmtBC4,                        eVarUIntNorm,   sRGB,   getAndSet},
     {DXGI_FORMAT_BC4_SNORM,           eFmtBC4,                        eVarSIntNorm,   linear, getAndSet},
     {DXGI_FORMAT_BC5_UNORM,           eFmtBC5,                        eVarUIntNorm,   linear, getAndSet},
@@ -81,9 +82,11 @@ constexpr DXGIRow rows[] = {
     {DXGI_FORMAT_B8G8R8A8_UNORM_SRGB, layout("bgra", 8, 8, 8, 8),     eVarUByteNorm,  sRGB,   getAndSet},
     {DXGI_FORMAT_B8G8R8X8_UNORM_SRGB, layout("bgrx", 8, 8, 8, 8),     eVarUByteNorm,  sRGB,   getAndSet},
 
-    // Kept: the setter alone knows these; callers take 0 from the getter for "no number".
+    // Kept (dxgi-set-only-numbers): the setter knows these numbers and the getter does not give them; hosts take its 0 for "no
+    // number" and choose another format.
     {DXGI_FORMAT_R9G9B9E5_SHAREDEXP, eFmtRGB9E5,                 eVarFloat,      linear, setOnly},
-    // Kept: signed BC6 is read as BC7 in sRGB, and BC6 has no number; textures of this number carry that format.
+    // Kept (dxgi-bc6-as-bc7): signed BC6 is read as BC7 in sRGB, and BC6 has no number; native files saved after
+    // setDXGIFormat(96) hold that format.
     {DXGI_FORMAT_BC6H_SF16,          eFmtBC7,                    eVarFloat,      sRGB,   setOnly},
     {DXGI_FORMAT_BC7_UNORM,          eFmtBC7,                    eVarUIntNorm,   linear, setOnly},
     {DXGI_FORMAT_BC7_UNORM_SRGB,     eFmtBC7,                    eVarUIntNorm,   sRGB,   setOnly},

@@ -1,13 +1,9 @@
 // The members of CMOKTextureHeader that translate its format to and from the numbers of graphics APIs.
-#include <span>
 
 #include "CMOKTextureHeader.h"
 #include "core/texture/data_size.h"
 #include "formats/api_numbers/api_constants.h"
-#include "formats/api_numbers/d3d_map.h"
-#include "formats/api_numbers/dxgi_map.h"
-#include "formats/api_numbers/opengl_es_map.h"
-#include "formats/api_numbers/opengl_map.h"
+#include "formats/api_numbers/format_maps.h"
 
 namespace moktexture {
 namespace {
@@ -18,63 +14,67 @@ void setFormat(CMOKTextureHeader& header, PixelType pixelFormat, EMOKTVariableTy
     header.setColourSpace(colourSpace);
 }
 
-/// Whether OpenGL's type holds a whole pixel.
+/// Whether a value of OpenGL's type holds a whole pixel.
 bool isPackedType(unsigned int type) {
     return type == GL_UNSIGNED_SHORT_4_4_4_4 || type == GL_UNSIGNED_SHORT_5_5_5_1 || type == GL_UNSIGNED_SHORT_5_6_5 ||
            type == GL_UNSIGNED_INT_2_10_10_10_REV;
 }
 
-// Kept: a layout is found by its base format where the internal format is looked for, half floats by the format itself; KTX
-// files name the base format in both places.
+/// Kept (opengl-base-format-lookup): a layout is found by the base format in the place of the internal format, but half floats by
+/// `format`; KTX files pass their glBaseInternalFormat there, and sized internal formats stay unknown.
 unsigned int baseFormat(unsigned int internalFormat, unsigned int format, unsigned int type) {
     const bool isHalfFloat = type == GL_HALF_FLOAT || type == GL_HALF_FLOAT_OES;
     return isHalfFloat ? format : internalFormat;
 }
 
-bool setFromOpenGL(CMOKTextureHeader& header, std::span<const OpenGLRow> rows, unsigned int internalFormat, unsigned int format,
-                   unsigned int type) {
+bool setFromOpenGL(CMOKTextureHeader& header, OpenGLApi api, const OpenGLNumbers& numbers) {
+    const auto& [internalFormat, format, type] = numbers;
     if (format == 0) {
-        // Kept: an unknown compressed format changes channel type and colour space and succeeds; such KTX files load.
-        const OpenGLRow* row = findOpenGLCompressed(rows, internalFormat);
-        setFormat(header, row != nullptr ? row->pixelFormat : header.getPixelType(), eVarUIntNorm, eColourSpaceLinear);
+        // Kept (opengl-unknown-compressed): an unknown compressed format changes channel type and colour space and succeeds; KTX
+        // files of it load, with eFmtUnknown and 0 bytes of pixels.
+        const std::optional<OpenGLPixels> pixels = findOpenGLCompressed(api, internalFormat);
+        setFormat(header, pixels ? pixels->pixelFormat : header.getPixelType(), eVarUIntNorm, eColourSpaceLinear);
         return true;
     }
-    const OpenGLRow* row = findOpenGLLayout(rows, baseFormat(internalFormat, format, type), type);
-    // Kept: an unknown layout is a failure with packed types alone; callers see the others by the unchanged header.
-    if (row == nullptr) return !isPackedType(type);
-    setFormat(header, row->pixelFormat, row->channelType, eColourSpaceLinear);
+    const std::optional<OpenGLPixels> pixels = findOpenGLLayout(api, baseFormat(internalFormat, format, type), type);
+    // Kept (opengl-unknown-layout): an unknown layout fails for packed types only; hosts see the others by the unchanged header.
+    if (!pixels) return !isPackedType(type);
+    setFormat(header, pixels->pixelFormat, pixels->channelType, eColourSpaceLinear);
     return true;
+}
+
+/// Writes the numbers of the header's format to the three outputs, if it has any.
+void getFromMap(const CMOKTextureHeader& header, OpenGLApi api, unsigned int& internalFormat, unsigned int& format,
+                unsigned int& type) {
+    const std::optional<OpenGLNumbers> numbers = findOpenGLNumbers(api, header.getPixelType(), header.getChannelType());
+    if (!numbers) return;
+    internalFormat = numbers->internalFormat;
+    format = numbers->format;
+    type = numbers->type;
 }
 
 }  // namespace
 
 void CMOKTextureHeader::getOGLFormat(unsigned int& internalFormat, unsigned int& format, unsigned int& type) const {
     internalFormat = format = type = 0;
-    // Kept: an unknown layout of bytes still has a type; KTX files say it, and callers know the failure by `internalFormat`.
+    // Kept (opengl-type-of-unknown-layout): an unknown layout of bytes still has a type; hosts recognise the missing number by
+    // `internalFormat`, as writeKTXFile() does.
     if (!isCompressed(getPixelType())) {
         if (getChannelType() == eVarUByteNorm) type = GL_UNSIGNED_BYTE;
         if (getChannelType() == eVarSByteNorm) type = GL_BYTE;
     }
-    const OpenGLRow* row = findOpenGLNumbers(openGLRows(), getPixelType(), getChannelType());
-    if (row == nullptr) return;
-    internalFormat = row->internalFormat;
-    format = row->format;
-    type = row->type;
+    getFromMap(*this, OpenGLApi::openGL, internalFormat, format, type);
 }
 
 void CMOKTextureHeader::getOGLESFormat(unsigned int& internalFormat, unsigned int& format, unsigned int& type) const {
-    // Kept: what has no number keeps what the caller put there, but for `format` and `type` of compressed formats and for the
-    // `type` of bytes; callers put their own defaults in.
+    // Kept (opengles-outputs-left): what has no number keeps the caller's value, except for `format` and `type` of compressed
+    // formats and the `type` of bytes; hosts pass their own defaults in.
     if (isCompressed(getPixelType())) {
         format = type = 0;
     } else if (getChannelType() == eVarUByteNorm) {
         type = GL_UNSIGNED_BYTE;
     }
-    const OpenGLRow* row = findOpenGLNumbers(openGLESRows(), getPixelType(), getChannelType());
-    if (row == nullptr) return;
-    internalFormat = row->internalFormat;
-    format = row->format;
-    type = row->type;
+    getFromMap(*this, OpenGLApi::openGLES, internalFormat, format, type);
 }
 
 unsigned int CMOKTextureHeader::getD3DFormat() const {
@@ -86,11 +86,11 @@ unsigned int CMOKTextureHeader::getDXGIFormat() const {
 }
 
 bool CMOKTextureHeader::setOGLFormat(const unsigned int& internalFormat, const unsigned int& format, const unsigned int& type) {
-    return setFromOpenGL(*this, openGLRows(), internalFormat, format, type);
+    return setFromOpenGL(*this, OpenGLApi::openGL, {internalFormat, format, type});
 }
 
 bool CMOKTextureHeader::setOGLESFormat(const unsigned int& internalFormat, const unsigned int& format, const unsigned int& type) {
-    return setFromOpenGL(*this, openGLESRows(), internalFormat, format, type);
+    return setFromOpenGL(*this, OpenGLApi::openGLES, {internalFormat, format, type});
 }
 
 bool CMOKTextureHeader::setD3DFormat(const unsigned int& d3dFormat) {

@@ -1,3 +1,19 @@
+// C source of a texture: an array that holds the bytes of its native file.
+//
+//   banner, guard of A8BIT
+//   A8BIT name[] = {
+//
+//   /* Header */
+//   0x4d,0x4f,0x4b,0x03,      the 52-byte record, 4 bytes a line
+//   ...
+//
+//   /* Meta Data */           only if the record's metaDataSize is not 0
+//   ...                       each block: fourCC, key and dataSize, 4 bytes a line, then the payload
+//
+//   /* Data */
+//   ...                       the pixel data, 32 bytes a line; the last line has no end if it is shorter
+//   };
+
 #include "formats/c_source/c_source_file.h"
 
 #include <algorithm>
@@ -21,7 +37,8 @@ constexpr std::string_view banner =
     " #define A8BIT static const unsigned char\n"
     "#endif\n\n";
 
-/// Kept: a write that fails goes unnoticed, so that the export of a texture always succeeds.
+/// Kept (c-source-write-unchecked): a failed write is not reported; saveFile() returns true for "h" even on a full disk, and the
+/// compiler that reads the incomplete array reports it instead.
 void print(ByteWriter& target, std::string_view text) {
     target.write(text.data(), text.size());
 }
@@ -40,7 +57,7 @@ void printBytes(ByteWriter& target, Bytes bytes) {
     }
 }
 
-/// Prints bytes with a line's end after every `perLine` of them; a rest below that has none.
+/// Prints bytes with a newline after every `perLine` of them; an incomplete last line has none.
 void printLines(ByteWriter& target, Bytes bytes, std::size_t perLine) {
     for (std::size_t start = 0; start < bytes.size(); start += perLine) {
         const std::size_t count = std::min(perLine, bytes.size() - start);
@@ -54,12 +71,13 @@ Bytes bytesOf(const Value& value) {
     return {reinterpret_cast<const unsigned char*>(&value), sizeof(value)};
 }
 
-/// Prints a block of the metadata, whose owner stands at `ownerIndex` in the map.
+/// Prints a metadata block, whose FourCC is at `ownerIndex` in the map.
 void printBlock(ByteWriter& target, const MetaDataBlock& block, unsigned int ownerIndex) {
     for (const std::uint32_t field : {block.fourCC, block.key, block.dataSize})
         printLines(target, bytesOf(field), sizeof(field));
     const Bytes payload(block.data, block.data == nullptr ? 0 : block.dataSize);
-    // Kept: a payload stands on one line, but a line for each byte below every 32nd owner: the counter is the owner's.
+    // Kept (c-source-line-by-owner): a payload is printed on one line, but with a line for each byte for every 32nd FourCC: line
+    // breaks count the FourCCs and not the bytes. Build systems that compare the text see no change for an unchanged texture.
     if (ownerIndex % 32 == 31)
         printLines(target, payload, 1);
     else
@@ -70,7 +88,8 @@ void printBlock(ByteWriter& target, const MetaDataBlock& block, unsigned int own
 }  // namespace
 
 std::string arrayNameOf(const std::string& path) {
-    // Kept: the name ends at the first '.' of the path, a folder's too, and may come out empty.
+    // Kept (c-source-name-to-first-dot): the name ends at the first '.' of the path, a folder's too, and may be empty; sources
+    // that include the file refer to the array by that name.
     const std::string stem = path.substr(0, path.find('.'));
     return stem.substr(stem.find_last_of("/\\") + 1);
 }
@@ -83,7 +102,8 @@ bool writeCSource(const CMOKTexture& texture, const char* arrayName, ByteWriter&
     print(target, "A8BIT " + std::string(arrayName) + "[] = {\n");
     print(target, "\n/* Header */\n");
     printLines(target, bytesOf(record), 4);
-    // Kept: the heading follows the record's count, the blocks the map: what a native file of the texture holds.
+    // Kept (c-source-heading-by-record): the heading depends on the record's metaDataSize and the blocks on the map, so that the
+    // bytes are those of the native file, where the two may differ as well.
     if (record.metaDataSize != 0) print(target, "\n/* Meta Data */\n");
     const auto& owners = texture.getMetaDataMap();
     for (unsigned int owner = 0; owner < owners.GetSize(); ++owner) {

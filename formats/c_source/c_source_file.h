@@ -10,11 +10,11 @@
 
 namespace moktexture {
 
-/// The array's name for a path: the path up to its first '.', of that what follows the last '/' or '\'. It may be empty.
+/// The array's name for a path: the part up to the first '.', without folders ('/' or '\'). It may be empty.
 std::string arrayNameOf(const std::string& path);
 
-/// Writes the text, whose lines end in "\n". Returns false, with nothing written, if the buffer does not hold the header's data
-/// size; a write that fails goes unnoticed.
+/// Writes the text, with lines that end in "\n". Returns false, with nothing written, if the buffer is smaller than the header's
+/// data size; a failed write is not reported.
 bool writeCSource(const CMOKTexture& texture, const char* arrayName, ByteWriter& target);
 
 }  // namespace moktexture

@@ -1,9 +1,28 @@
+// DDS files with the classic header, without the extension "DX10".
+//
+//   offset  bytes
+//        0      4  magic              "DDS "
+//        4      4  size               124: the header without the magic
+//        8      4  flags              DDSD_...
+//       12      4  height
+//       16      4  width
+//       20      4  pitchOrLinearSize  written as 0
+//       24      4  depth              written as 0
+//       28      4  mipMapCount
+//       32     44  reserved
+//       76     32  pixelFormat        DDSPixelFormat: size, flags, FourCC, bits, four masks
+//      108      4  caps               DDSCAPS_...
+//      112      4  caps2              cube map and its faces
+//      116     12  reserved
+//      128         pixel data
+//
+// The order of the pixel data differs from that of a texture's buffer: layer, face, then MIP level.
+
 #include "formats/dds/dds_file.h"
 
 #include <algorithm>
 #include <cstddef>
 
-#include "core/io/load_checks.h"
 #include "core/texture/TextureInternals.h"
 #include "core/texture/data_size.h"
 #include "formats/dds/dds_pixel_format.h"
@@ -11,7 +30,7 @@
 namespace moktexture {
 namespace {
 
-enum DDSHeadFlag : std::uint32_t {
+enum DDSHeaderFlag : std::uint32_t {
     DDSD_PITCH = 0x8,
     DDSD_MIPMAPCOUNT = 0x20000,
     ddsRequiredFlags = 0x1007,  ///< DDSD_CAPS, DDSD_HEIGHT, DDSD_WIDTH and DDSD_PIXELFORMAT
@@ -28,11 +47,11 @@ enum DDSCapability2 : std::uint32_t {
     ddsCubeMapWithAllFaces = 0xFE00,
 };
 
-constexpr std::uint32_t sizeInHead = 124;
+constexpr std::uint32_t headerSize = 124;
 
-struct DDSHead {
+struct DDSHeader {
     std::uint32_t magic = ddsFirstWord;
-    std::uint32_t size = sizeInHead;
+    std::uint32_t size = headerSize;
     std::uint32_t flags = ddsRequiredFlags;
     std::uint32_t height = 0;
     std::uint32_t width = 0;
@@ -45,19 +64,18 @@ struct DDSHead {
     std::uint32_t caps2 = 0;
     std::uint32_t reserved2[3] = {};
 };
-static_assert(sizeof(DDSHead) == 128);
+static_assert(sizeof(DDSHeader) == 128);
 
-/// Reads the head; what a short source does not have stays as it is in a sound one.
-ELoadStatus readHead(ByteReader& source, DDSHead& head) {
-    const bool isWhole = source.readAll(&head, sizeof(head));
-    if (head.magic != ddsFirstWord) return eLoadUnknown;
-    if (!isWhole) return endedEarly(source);
-    // Kept: one of the four flags is enough; files with fewer than all four have loaded.
-    return head.size == sizeInHead && (head.flags & ddsRequiredFlags) != 0 ? eLoadOk : eLoadCorrupt;
+ELoadStatus readHeader(ByteReader& source, DDSHeader& dds) {
+    const bool isComplete = source.readAll(&dds, sizeof(dds));
+    if (dds.magic != ddsFirstWord) return eLoadUnknown;
+    if (!isComplete) return truncatedStatus(source);
+    // Kept (dds-one-required-flag): one of the four required flags is enough; files of writers that set fewer still load.
+    return dds.size == headerSize && (dds.flags & ddsRequiredFlags) != 0 ? eLoadOk : eLoadCorrupt;
 }
 
-/// Gives the header the format that the head asks for; false if the head is refused for it.
-bool takeFormat(const DDSPixelFormat& format, CMOKTextureHeader& header) {
+/// Sets the texture format that a DDS pixel format stands for; false if the file is to be refused for it.
+bool applyFormat(const DDSPixelFormat& format, CMOKTextureHeader& header) {
     const DDSFormatDecision decision = decideFormat(format);
     switch (decision.action) {
         case DDSFormatDecision::Action::refuse:
@@ -73,76 +91,80 @@ bool takeFormat(const DDSPixelFormat& format, CMOKTextureHeader& header) {
     return false;
 }
 
-/// What the head says of the texture.
-ELoadStatus takeHead(const DDSHead& head, CMOKTextureHeader& header) {
-    // Kept: the count is taken whatever the flags say of it, and 0 stays 0: such files have had no pixels here.
-    header.setNumMIPLevels(head.mipMapCount);
-    header.setNumFaces((head.caps2 & DDSCAPS2_CUBEMAP) != 0 ? 6 : 1);
-    if (!takeFormat(head.pixelFormat, header)) return eLoadUnsupported;
-    header.setWidth(head.width);
-    header.setHeight(head.height);
-    // Kept: the depth is taken whatever the flags say of it.
-    header.setDepth(std::max(head.depth, std::uint32_t{1}));
-    // Kept: a file that tells its pitch is refused, even if it is that of rows without padding.
-    return (head.flags & DDSD_PITCH) != 0 ? eLoadUnsupported : eLoadOk;
+ELoadStatus applyHeader(const DDSHeader& dds, CMOKTextureHeader& header) {
+    // Kept (dds-level-count-without-flag): the count is used whether or not DDSD_MIPMAPCOUNT is set, and a 0 stays 0, so that the
+    // file has no pixels; hosts that test for data reject it instead of getting one level of a chain of unknown length.
+    header.setNumMIPLevels(dds.mipMapCount);
+    header.setNumFaces((dds.caps2 & DDSCAPS2_CUBEMAP) != 0 ? 6 : 1);
+    if (!applyFormat(dds.pixelFormat, header)) return eLoadUnsupported;
+    header.setWidth(dds.width);
+    header.setHeight(dds.height);
+    // Kept (dds-depth-without-flag): the depth is used whether or not a flag declares it; volume files of writers that set the
+    // field alone load with all their slices.
+    header.setDepth(std::max(dds.depth, std::uint32_t{1}));
+    // Kept (dds-pitch-refused): a file with DDSD_PITCH is refused, even if the pitch is that of unpadded rows; the constructor
+    // leaves its buffer null, and hosts read such files with another library.
+    return (dds.flags & DDSD_PITCH) != 0 ? eLoadUnsupported : eLoadOk;
 }
 
-/// Calls `piece(address, size)` for every face of every level in the order of a DDS file.
-template <typename Piece>
-void forEachPiece(const CMOKTexture& texture, Piece piece) {
-    for (std::uint32_t member = 0; member < texture.getNumArrayMembers(); ++member)
-        for (std::uint32_t face = 0; face < texture.getNumFaces(); ++face)
-            for (std::uint32_t level = 0; level < texture.getNumMIPLevels(); ++level)
-                piece(texture.getDataPtr(level, member, face), texture.getDataSize(static_cast<int>(level), false, false));
-}
-
-DDSHead headOf(const CMOKTextureHeader& header) {
+DDSHeader makeHeader(const CMOKTextureHeader& header) {
     const bool hasLevels = header.getNumMIPLevels() > 1;
     const bool hasFaces = header.getNumFaces() > 1;
-    DDSHead head;
-    if (hasLevels) head.flags |= DDSD_MIPMAPCOUNT;
-    head.height = header.getHeight();
-    head.width = header.getWidth();
-    // Kept: depth and array members are not told, though all slices and members are written: readers take the first.
-    head.depth = 0;
-    head.mipMapCount = header.getNumMIPLevels();
-    if (hasLevels) head.caps |= DDSCAPS_MIPMAP | DDSCAPS_COMPLEX;
-    if (hasFaces && header.getNumMIPLevels() == 1) head.caps |= DDSCAPS_COMPLEX;
-    if (hasFaces) head.caps2 = ddsCubeMapWithAllFaces;
-    return head;
+    DDSHeader dds;
+    if (hasLevels) dds.flags |= DDSD_MIPMAPCOUNT;
+    dds.height = header.getHeight();
+    dds.width = header.getWidth();
+    // Kept (dds-depth-and-layers-undeclared): all slices and layers are written and none is declared; readers, this one too, take
+    // the first and ignore the bytes behind it.
+    dds.depth = 0;
+    dds.mipMapCount = header.getNumMIPLevels();
+    if (hasLevels) dds.caps |= DDSCAPS_MIPMAP | DDSCAPS_COMPLEX;
+    if (hasFaces && header.getNumMIPLevels() == 1) dds.caps |= DDSCAPS_COMPLEX;
+    if (hasFaces) dds.caps2 = ddsCubeMapWithAllFaces;
+    return dds;
+}
+
+/// Calls `visit(address, size)` for every subresource in the order of a DDS file.
+template <typename Visit>
+void forEachSubresourceInFile(const CMOKTexture& texture, Visit visit) {
+    for (std::uint32_t layer = 0; layer < texture.getNumArrayMembers(); ++layer)
+        for (std::uint32_t face = 0; face < texture.getNumFaces(); ++face)
+            for (std::uint32_t level = 0; level < texture.getNumMIPLevels(); ++level)
+                visit(texture.getDataPtr(level, layer, face), texture.getDataSize(static_cast<int>(level), false, false));
 }
 
 /// Whether a count is 0, however large the others are.
-bool hasNoPieces(const CMOKTexture& texture) {
+bool hasNoSubresources(const CMOKTexture& texture) {
     return sizesFit32Bits(texture) && texture.getDataSize() == 0;
 }
 
 }  // namespace
 
-ELoadStatus readDDSFile(ByteReader& source, const LoadLimits* limits, CMOKTexture& texture) {
-    DDSHead head;
-    ELoadStatus status = readHead(source, head);
-    if (status == eLoadOk) status = takeHead(head, texture);
-    if (status == eLoadOk) status = validateSizes(texture, source, texture.getDataSize(), limits);
+ELoadStatus readDDSFile(ByteReader& source, const ReadPolicy& policy, CMOKTexture& texture) {
+    DDSHeader dds;
+    ELoadStatus status = readHeader(source, dds);
+    if (status == eLoadOk) status = applyHeader(dds, texture);
+    if (status == eLoadOk) status = validatePixelData(texture, source, texture.getDataSize(), policy);
     if (status != eLoadOk) return status;
     TextureInternals::allocate(texture);
-    bool isWhole = true;
-    forEachPiece(texture, [&](void* piece, std::uint32_t size) {
-        // Kept: a piece of 0 bytes counts as missing: loading refuses a file whose format is unknown.
-        isWhole = size != 0 && source.readAll(piece, size) && isWhole;
+    bool isComplete = true;
+    forEachSubresourceInFile(texture, [&](void* pixels, std::uint32_t size) {
+        // Kept (dds-empty-read-fails): a read of 0 bytes counts as failed, so that privateLoadDDSFile() returns false for a file
+        // of unknown format although nothing is missing from it.
+        isComplete = size != 0 && source.readAll(pixels, size) && isComplete;
     });
-    return isWhole ? eLoadOk : endedEarly(source);
+    return isComplete ? eLoadOk : truncatedStatus(source);
 }
 
 bool writeDDSFile(const CMOKTexture& texture, ByteWriter& target) {
-    DDSHead head = headOf(texture);
-    if (!describeNumber(texture.getD3DFormat(), head.pixelFormat)) return false;
-    if (!hasNoPieces(texture) && !TextureInternals::hasValidPixelData(texture)) return false;
-    if (!target.write(&head, sizeof(head))) return false;
-    if (hasNoPieces(texture)) return true;
+    DDSHeader dds = makeHeader(texture);
+    if (!makePixelFormat(texture.getD3DFormat(), dds.pixelFormat)) return false;
+    if (!hasNoSubresources(texture) && !TextureInternals::hasValidPixelData(texture)) return false;
+    if (!target.write(&dds, sizeof(dds))) return false;
+    if (hasNoSubresources(texture)) return true;
     std::uint64_t written = 0;
-    forEachPiece(texture, [&](const void* piece, std::uint32_t size) {
-        if (target.write(piece, size)) written += size;
+    forEachSubresourceInFile(texture, [&](const void* pixels, std::uint32_t size) {
+        if (target.write(pixels, size)) written += size;
     });
     return written == texture.getDataSize();
 }

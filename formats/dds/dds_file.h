@@ -3,22 +3,24 @@
 #include <cstdint>
 
 #include "core/io/byte_stream.h"
+#include "core/io/read_policy.h"
 #include "texture_io.h"
 
 /// @file
-/// DDS files with the classic head of 128 bytes. Their pixels lie by member, face and level, other than in a texture's buffer.
+/// DDS files with the classic header of 128 bytes. Their pixel data is ordered by layer, face and level, unlike a texture's
+/// buffer.
 
 namespace moktexture {
 
 /// The first four bytes of a DDS file: "DDS ".
 inline constexpr std::uint32_t ddsFirstWord = 0x20534444;
 
-/// Reads a DDS file from the source's start into a default texture; for `limits` see size_judgement.h.
-/// The header is default if the head is refused, else has what was read up to a refusal.
-ELoadStatus readDDSFile(ByteReader& source, const LoadLimits* limits, CMOKTexture& texture);
+/// Reads a DDS file from the source's start into a default texture. On failure the texture's header is the default one if the
+/// file's header is refused, else what was applied up to the refusal.
+ELoadStatus readDDSFile(ByteReader& source, const ReadPolicy& policy, CMOKTexture& texture);
 
-/// Writes a texture as a DDS file. Returns false, with nothing written, if Direct3D has no number for its format, or the buffer
-/// does not hold what the header tells of; and if a write failed.
+/// Writes a texture as a DDS file. Returns false, with nothing written, if Direct3D has no number for its format or the buffer is
+/// smaller than its header describes; also if a write failed.
 bool writeDDSFile(const CMOKTexture& texture, ByteWriter& target);
 
 }  // namespace moktexture

@@ -1,3 +1,15 @@
+// The pixel format of a DDS file is a FourCC or a layout of masks, by its flags:
+//
+//   DDPF_FOURCC         a FourCC; a number below 256 there is a D3DFORMAT
+//   DDPF_RGB            masks of red, green and blue, and of alpha with DDPF_ALPHAPIXELS
+//   DDPF_BUMPLUMINANCE  masks of u, v and luminance in the place of red, green and blue
+//   DDPF_BUMPDUDV       masks of u, v, w and q
+//   DDPF_LUMINANCE      mask of luminance in the place of red, and of alpha with DDPF_ALPHAPIXELS
+//   DDPF_ALPHA          mask of alpha
+//
+// A reader takes the first of these flags that is set and searches that flag's table for the bits per pixel and the masks. A
+// writer has one table by D3DFORMAT. The two do not mirror each other.
+
 #include "formats/dds/dds_pixel_format.h"
 
 #include <algorithm>
@@ -18,7 +30,7 @@ enum DDSPixelFormatFlag : std::uint32_t {
     DDPF_BUMPDUDV = 0x80000,
 };
 
-/// What the flag DDPF_ALPHAPIXELS must be for a row to match.
+/// State of the flag DDPF_ALPHAPIXELS that a row matches.
 enum class AlphaFlag { any, isSet, isClear };
 using enum AlphaFlag;
 
@@ -26,15 +38,14 @@ using enum AlphaFlag;
 struct ReadRow {
     std::uint32_t bits;
     AlphaFlag alphaFlag;
-    std::uint32_t redMask, greenMask, blueMask, alphaMask;  ///< 0: not looked at
+    std::uint32_t redMask, greenMask, blueMask, alphaMask;  ///< 0: not compared
     std::uint32_t number;
 };
 
-// A table for each branch, the first that a file's flags have being taken; columns are those of ReadRow. 0 is a mask that is not
-// looked at.
-// Kept: this is all that is recognised. Common layouts are missing (32 bits without alpha, red first), so that such files get no
-// format and no pixels.
+// Kept (dds-missing-layouts): common layouts are missing (32 bits without alpha, red in the lowest byte), so that such files load
+// with eFmtUnknown and 0 bytes of pixels; hosts test for that and convert the files first.
 // clang-format off
+// bits  DDPF_ALPHAPIXELS  masks: red, green, blue, alpha               D3DFORMAT
 constexpr ReadRow rgbRows[] = {
     { 8, any,     0xE0,       0x1C,       0x3,        0,          D3DFMT_R3G3B2},
     {16, isSet,   0xF00,      0xF0,       0xF,        0xF000,     D3DFMT_A4R4G4B4},
@@ -68,13 +79,13 @@ constexpr ReadRow alphaRows[] = {
     { 8, any,     0,          0,          0,          0xFF,       D3DFMT_A8},
 };
 
-/// FourCC in a file, and the one that it is read as.
+/// A FourCC in a file, and the number that it is read as.
 struct FourCCRow {
     std::uint32_t inFile;
     std::uint32_t number;
 };
-// Kept: one FourCC of MOKTC is read as the other, and neither is known to Direct3D's map: such files, which are written here, get
-// no format.
+// Kept (dds-moktc-unreadable): "MTC4" is read as "MTC2", and setD3DFormat() has neither; a DDS file of MOKTC, which is written
+// here, loads with eFmtUnknown, and not as a texture of the other rate.
 constexpr FourCCRow fourCCRows[] = {
     {D3DFMT_DXT1,  D3DFMT_DXT1},
     {D3DFMT_DXT2,  D3DFMT_DXT2},
@@ -87,7 +98,7 @@ constexpr FourCCRow fourCCRows[] = {
     {d3dMOKTC4bpp, d3dMOKTC2bpp},
 };
 
-/// What is written for a number.
+/// The layout that is written for a number.
 struct WriteRow {
     std::uint32_t number;
     std::uint32_t flags;
@@ -95,7 +106,9 @@ struct WriteRow {
     std::uint32_t redMask, greenMask, blueMask, alphaMask;
 };
 
-// Kept: D3DFMT_X8R8G8B8 has no row and cannot be saved; D3DFMT_Q8W8V8U8 has an alpha mask without its flag, as files have had it.
+// Kept (dds-write-gaps): D3DFMT_X8R8G8B8 has no row, so that saveFile() returns false for it; D3DFMT_Q8W8V8U8 has an alpha mask
+// without its flag, as the flags in the bytes of all written files are.
+// number              flags                              bits  masks: red, green, blue, alpha
 constexpr WriteRow writeRows[] = {
     {D3DFMT_R8G8B8,      DDPF_RGB,                          24, 0xFF0000,   0xFF00,     0xFF,       0},
     {D3DFMT_A8R8G8B8,    DDPF_RGB | DDPF_ALPHAPIXELS,       32, 0xFF0000,   0xFF00,     0xFF,       0xFF000000},
@@ -121,7 +134,7 @@ constexpr WriteRow writeRows[] = {
     {D3DFMT_L16,         DDPF_LUMINANCE,                    16, 0xFFFF,     0,          0,          0},
 };
 
-/// Numbers that are written as a FourCC, as are those of fourCCRows.
+/// Further numbers that are written as a FourCC, beside those of fourCCRows.
 constexpr std::uint32_t writtenAsFourCC[] = {
     D3DFMT_A16B16G16R16, D3DFMT_R16F, D3DFMT_G16R16F, D3DFMT_A16B16G16R16F, D3DFMT_R32F, D3DFMT_G32R32F, D3DFMT_A32B32G32R32F,
 };
@@ -136,7 +149,7 @@ bool matches(const ReadRow& row, const DDSPixelFormat& format) {
 }
 
 DDSFormatDecision decideFourCC(std::uint32_t fourCC) {
-    // A number in the place of a FourCC.
+    // A D3DFORMAT in place of a FourCC, extended from 8 bits with its sign.
     if (fourCC >> 8 == 0) {
         const auto number = static_cast<std::int8_t>(fourCC);
         return {DDSFormatDecision::Action::insist, static_cast<std::uint32_t>(std::int32_t{number})};
@@ -162,12 +175,13 @@ DDSFormatDecision decideFormat(const DDSPixelFormat& format) {
     if ((format.flags & DDPF_BUMPLUMINANCE) != 0) return decideLayout(bumpLuminanceRows, format, Action::keep);
     if ((format.flags & DDPF_BUMPDUDV) != 0) return decideLayout(bumpDuDvRows, format, Action::keep);
     if ((format.flags & DDPF_LUMINANCE) != 0) return decideLayout(luminanceRows, format, Action::keep);
-    // Kept: only alpha alone refuses an unknown layout, where the others go on without a format.
+    // Kept (dds-alpha-refuses): an unknown layout refuses the file for DDPF_ALPHA only, and keeps eFmtUnknown for the other
+    // flags: hosts see a null getDataPtr() in the first case and 0 bytes of pixels in the other.
     if ((format.flags & DDPF_ALPHA) != 0) return decideLayout(alphaRows, format, Action::refuse);
     return {Action::refuse};
 }
 
-bool describeNumber(std::uint32_t number, DDSPixelFormat& format) {
+bool makePixelFormat(std::uint32_t number, DDSPixelFormat& format) {
     const bool isFourCC = std::ranges::find(fourCCRows, number, &FourCCRow::inFile) != std::end(fourCCRows);
     if (isFourCC || std::ranges::find(writtenAsFourCC, number) != std::end(writtenAsFourCC)) {
         format = {.flags = DDPF_FOURCC, .fourCC = number};

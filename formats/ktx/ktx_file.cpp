@@ -1,3 +1,24 @@
+// KTX 1.1 files in the arrangement that this library writes.
+//
+//   offset  bytes
+//        0     12  identifier             AB "KTX 11" BB 0D 0A 1A 0A
+//       12      4  endianness             0x04030201; the other byte order is refused
+//       16      4  glType                 0 for compressed formats
+//       20      4  glTypeSize             bytes of a pixel; ignored by the reader
+//       24      4  glFormat               0 for compressed formats
+//       28      4  glInternalFormat
+//       32      4  glBaseInternalFormat
+//       36     12  pixelWidth, pixelHeight, pixelDepth
+//       48      4  numberOfArrayElements  0 is not read as 1, unlike in KTX at large; so for the two that follow
+//       52      4  numberOfFaces
+//       56      4  numberOfMipmapLevels
+//       60      4  bytesOfKeyValueData    K
+//       64      K  key-value pairs, each: size (4 bytes), key, 0, value; padding up to a multiple of 4
+//     64+K         pixel data: the texture's buffer as it is
+//
+// The pixel data deviates from KTX at large: no imageSize word precedes a level, and neither rows nor levels are padded. Files of
+// other writers load with their sizes taken for pixels.
+
 #include "formats/ktx/ktx_file.h"
 
 #include <algorithm>
@@ -5,8 +26,8 @@
 #include <cstddef>
 #include <cstring>
 
-#include "core/io/load_checks.h"
-#include "core/texture/TextureInternals.h"
+#include "core/base/numeric.h"
+#include "core/io/native_file.h"
 
 namespace moktexture {
 namespace {
@@ -14,7 +35,7 @@ namespace {
 constexpr std::array<unsigned char, 12> ktxIdentifier = {0xAB, 'K', 'T', 'X', ' ', '1', '1', 0xBB, '\r', '\n', 0x1A, '\n'};
 constexpr std::uint32_t nativeEndianness = 0x04030201;
 
-struct KTXHead {
+struct KTXHeader {
     std::array<unsigned char, 12> identifier = ktxIdentifier;
     std::uint32_t endianness = nativeEndianness;
     std::uint32_t glType = 0;
@@ -30,98 +51,99 @@ struct KTXHead {
     std::uint32_t numberOfMipmapLevels = 0;
     std::uint32_t bytesOfKeyValueData = 0;
 };
-static_assert(sizeof(KTXHead) == 64);
+static_assert(sizeof(KTXHeader) == 64);
 
 constexpr char orientationKey[] = "KTXOrientation";
 
-/// Reads the head; what a short source does not have stays as it is in a sound one.
-ELoadStatus readHead(ByteReader& source, KTXHead& head) {
-    const bool isWhole = source.readAll(&head, sizeof(head));
-    if (head.identifier != ktxIdentifier) return eLoadUnknown;
-    if (!isWhole) return endedEarly(source);
-    return head.endianness == nativeEndianness ? eLoadOk : eLoadUnsupported;
+ELoadStatus readHeader(ByteReader& source, KTXHeader& ktx) {
+    const bool isComplete = source.readAll(&ktx, sizeof(ktx));
+    if (ktx.identifier != ktxIdentifier) return eLoadUnknown;
+    if (!isComplete) return truncatedStatus(source);
+    return ktx.endianness == nativeEndianness ? eLoadOk : eLoadUnsupported;
 }
 
-/// What the head says of the texture.
-void takeHead(const KTXHead& head, CMOKTextureHeader& header) {
-    header.setHeight(head.pixelHeight);
-    header.setWidth(head.pixelWidth);
-    header.setDepth(std::max(head.pixelDepth, std::uint32_t{1}));
-    // Kept: these keep a 0, by which other makers' files mean "no array": such files have had no pixels here.
-    header.setNumMIPLevels(head.numberOfMipmapLevels);
-    header.setNumFaces(head.numberOfFaces);
-    header.setNumArrayMembers(head.numberOfArrayElements);
-    // A format that the maps do not know stays eFmtUnknown.
-    if (head.glFormat != 0)
-        header.setOGLFormat(head.glBaseInternalFormat, head.glFormat, head.glType);
+void applyHeader(const KTXHeader& ktx, CMOKTextureHeader& header) {
+    header.setHeight(ktx.pixelHeight);
+    header.setWidth(ktx.pixelWidth);
+    header.setDepth(std::max(ktx.pixelDepth, std::uint32_t{1}));
+    // Kept (ktx-zero-counts): a count of 0, with which KTX at large says "no array" and "no levels", stays 0, so that such a file
+    // has no pixels; read as 1, its imageSize words would be taken for pixels.
+    header.setNumMIPLevels(ktx.numberOfMipmapLevels);
+    header.setNumFaces(ktx.numberOfFaces);
+    header.setNumArrayMembers(ktx.numberOfArrayElements);
+    // A format that the maps do not have stays eFmtUnknown.
+    if (ktx.glFormat != 0)
+        header.setOGLFormat(ktx.glBaseInternalFormat, ktx.glFormat, ktx.glType);
     else
-        header.setOGLESFormat(head.glInternalFormat, head.glFormat, head.glType);
-    // Kept: y runs upward unless the file says otherwise, also in files whose texture had no orientation.
+        header.setOGLESFormat(ktx.glInternalFormat, ktx.glFormat, ktx.glType);
+    // Kept (ktx-default-orientation-up): without an orientation in the file, y runs upward, even if the saved texture had no
+    // orientation: a host that flips pictures by getOrientation() flips every loaded KTX file.
     header.setOrientation(eOrientUp);
 }
 
-/// Takes an orientation from the first letter of its value.
-/// Kept: of "S=rT=dR=i" and the like that is the "S", which says nothing, so that orientations do not survive a file.
-void takeOrientation(char letter, CMOKTextureHeader& header) {
+/// Sets an orientation from the first letter of its value.
+/// Kept (ktx-orientation-first-letter): the first letter of "S=rT=dR=i", which writeKTXFile() writes, is 'S' and sets nothing, so
+/// that no orientation survives a file; reading it would turn the pictures of hosts that flip by getOrientation().
+void applyOrientation(char letter, CMOKTextureHeader& header) {
     if (letter == 'd' || letter == 'i') header.setOrientation(eOrientDown);
     if (letter == 'l') header.setOrientation(eOrientLeft);
 }
 
-/// Reads one pair and moves to the next; false if it is empty or reaches beyond the source.
+/// Reads one key-value pair and moves to the next; false if it is empty or extends beyond the source.
 bool readPair(ByteReader& source, CMOKTextureHeader& header) {
     std::uint32_t size = 0;
     if (!source.readAll(&size, sizeof(size))) return false;
     const std::uint64_t end = source.position() + size;
-    const bool isWhole = size != 0 && size <= source.remaining();
-    // Nothing behind the first letter of an orientation matters.
+    const bool isComplete = size != 0 && size <= source.remaining();
+    // A value has no meaning beyond the first letter of an orientation.
     std::array<char, sizeof(orientationKey) + 1> start;
     const bool isLongEnough = size >= start.size() && source.readAll(start.data(), start.size());
     if (isLongEnough && std::memcmp(start.data(), orientationKey, sizeof(orientationKey)) == 0)
-        takeOrientation(start.back(), header);
-    // Kept: this is not the padding that is written, and pairs behind an odd one are read from a wrong place; what files say
-    // has been understood so.
+        applyOrientation(start.back(), header);
+    // Kept (ktx-read-padding): a size that is no multiple of 4 is padded by 4 bytes or by none, not up to a multiple of 4, so
+    // that the pairs behind it are read at a wrong offset; an orientation there, read rightly, would turn the texture.
     const std::uint32_t padding = size % 4 == 0 ? 0 : 4 - (size & 4u);
     source.seek(end + padding);
-    return isWhole;
+    return isComplete;
 }
 
-/// Whether the pairs up to `end` fill their area as they should, and are no more than allowed.
-ELoadStatus judgePairs(ByteReader& source, std::uint64_t end, const LoadLimits& limits) {
+/// Validates that the pairs, padded to multiples of 4, fill the area up to `end` exactly and do not exceed the limits.
+ELoadStatus validatePairs(ByteReader& source, std::uint64_t end, const LoadLimits& limits) {
     for (std::uint32_t count = 0; source.position() < end; ++count) {
         if (count == limits.maxMetaDataBlocks) return eLoadTooLarge;
         std::uint32_t size = 0;
         if (end - source.position() < sizeof(size)) return eLoadCorrupt;
-        if (!source.readAll(&size, sizeof(size))) return endedEarly(source);
-        const std::uint64_t paddedSize = (std::uint64_t{size} + 3) / 4 * 4;
+        if (!source.readAll(&size, sizeof(size))) return truncatedStatus(source);
+        const std::uint64_t paddedSize = roundUp(std::uint64_t{size}, std::uint64_t{4});
         if (size == 0 || paddedSize > end - source.position()) return eLoadCorrupt;
         source.seek(source.position() + paddedSize);
     }
     return eLoadOk;
 }
 
-/// Reads the key-value area, which starts behind the head, and moves to its end, where the pixels start. Of an area that ends
-/// beyond the source the constructors take the pairs that are there.
-ELoadStatus readKeyValueData(ByteReader& source, std::uint32_t size, const LoadLimits* limits, CMOKTextureHeader& header) {
-    const std::uint64_t end = sizeof(KTXHead) + std::uint64_t{size};
+/// Reads the key-value area, which follows the header, and moves to its end, where the pixels start. A lenient reader uses the
+/// pairs that a truncated source has.
+ELoadStatus readKeyValueData(ByteReader& source, std::uint32_t size, const ReadPolicy& policy, CMOKTextureHeader& header) {
+    const std::uint64_t end = sizeof(KTXHeader) + std::uint64_t{size};
     const bool isPresent = size <= source.remaining();
-    if (limits != nullptr) {
-        if (size > limits->maxMetaDataSize) return eLoadTooLarge;
+    if (policy.isStrict()) {
+        if (size > policy.limits.maxMetaDataSize) return eLoadTooLarge;
         if (!isPresent) return eLoadTruncated;
-        const ELoadStatus status = judgePairs(source, end, *limits);
+        const ELoadStatus status = validatePairs(source, end, policy.limits);
         if (status != eLoadOk) return status;
-        source.seek(sizeof(KTXHead));
+        source.seek(sizeof(KTXHeader));
     }
-    bool isWhole = true;
-    while (isWhole && source.position() < end)
-        isWhole = readPair(source, header);
-    if (!isPresent) return endedEarly(source);
+    bool isComplete = true;
+    while (isComplete && source.position() < end)
+        isComplete = readPair(source, header);
+    if (!isPresent) return truncatedStatus(source);
     source.seek(end);
     if (source.failed()) return eLoadUnreadable;
-    // A sound area may read as an odd one, by the padding above.
-    return isWhole || limits != nullptr ? eLoadOk : eLoadCorrupt;
+    // After validatePairs(), only the padding of readPair() makes a pair look incomplete.
+    return isComplete || policy.isStrict() ? eLoadOk : eLoadCorrupt;
 }
 
-/// The value of the orientation: a letter for each axis.
+/// The value of the orientation pair: a letter for each axis.
 std::array<char, 10> orientationValue(const CMOKTextureHeader& header) {
     std::array<char, 10> value = {'S', '=', 'r', 'T', '=', 'd', 'R', '=', 'i', '\0'};
     if (header.getOrientation(eAxisX) == eOrientLeft) value[2] = 'l';
@@ -130,57 +152,54 @@ std::array<char, 10> orientationValue(const CMOKTextureHeader& header) {
     return value;
 }
 
-KTXHead headOf(const CMOKTextureHeader& header) {
-    KTXHead head;
-    header.getOGLFormat(head.glInternalFormat, head.glFormat, head.glType);
-    // Kept: bytes of a whole pixel, not of a channel, and 0 for formats below 8 bits per pixel: files have it so.
-    head.glTypeSize = header.getBitsPerPixel() >> 3;
-    head.glBaseInternalFormat = head.glFormat != 0 ? head.glFormat : head.glInternalFormat;
-    head.pixelWidth = header.getWidth();
-    head.pixelHeight = header.getHeight();
-    head.pixelDepth = header.getDepth();
-    head.numberOfArrayElements = header.getNumArrayMembers();
-    head.numberOfFaces = header.getNumFaces();
-    head.numberOfMipmapLevels = header.getNumMIPLevels();
-    return head;
+KTXHeader makeHeader(const CMOKTextureHeader& header) {
+    KTXHeader ktx;
+    header.getOGLFormat(ktx.glInternalFormat, ktx.glFormat, ktx.glType);
+    // Kept (ktx-type-size-of-pixel): the bytes of a whole pixel, not of a channel, and 0 for formats below 8 bits per pixel; the
+    // bytes of every written KTX file hold it, and no reader here looks at it.
+    ktx.glTypeSize = header.getBitsPerPixel() >> 3;
+    ktx.glBaseInternalFormat = ktx.glFormat != 0 ? ktx.glFormat : ktx.glInternalFormat;
+    ktx.pixelWidth = header.getWidth();
+    ktx.pixelHeight = header.getHeight();
+    ktx.pixelDepth = header.getDepth();
+    ktx.numberOfArrayElements = header.getNumArrayMembers();
+    ktx.numberOfFaces = header.getNumFaces();
+    ktx.numberOfMipmapLevels = header.getNumMIPLevels();
+    return ktx;
 }
 
 }  // namespace
 
-ELoadStatus readKTXFile(ByteReader& source, const LoadLimits* limits, CMOKTexture& texture) {
-    KTXHead head;
-    ELoadStatus status = readHead(source, head);
+ELoadStatus readKTXFile(ByteReader& source, const ReadPolicy& policy, CMOKTexture& texture) {
+    KTXHeader ktx;
+    ELoadStatus status = readHeader(source, ktx);
     if (status != eLoadOk) return status;
-    takeHead(head, texture);
-    const ELoadStatus pairsStatus = readKeyValueData(source, head.bytesOfKeyValueData, limits, texture);
-    // The constructors take the pixels behind odd pairs.
-    const bool goesOn = pairsStatus == eLoadOk || (pairsStatus == eLoadCorrupt && limits == nullptr);
+    applyHeader(ktx, texture);
+    const ELoadStatus pairsStatus = readKeyValueData(source, ktx.bytesOfKeyValueData, policy, texture);
+    // A lenient reader reads the pixels behind malformed pairs.
+    const bool goesOn = pairsStatus == eLoadOk || (pairsStatus == eLoadCorrupt && !policy.isStrict());
     if (!goesOn) return pairsStatus;
-    status = validateSizes(texture, source, texture.getDataSize(), limits);
+    status = validatePixelData(texture, source, texture.getDataSize(), policy);
     if (status != eLoadOk) return status;
-    TextureInternals::allocate(texture);
-    const std::size_t size = static_cast<std::size_t>(TextureInternals::dataSize(texture));
-    return source.readAll(TextureInternals::data(texture), size) ? pairsStatus : endedEarly(source);
+    status = readPixelData(source, texture);
+    return status == eLoadOk ? pairsStatus : status;
 }
 
 bool writeKTXFile(const CMOKTexture& texture, ByteWriter& target) {
-    KTXHead head = headOf(texture);
-    if (head.glInternalFormat == 0) return false;
+    KTXHeader ktx = makeHeader(texture);
+    if (ktx.glInternalFormat == 0) return false;
     const std::array<char, 10> value = orientationValue(texture);
-    const std::uint32_t pairSize = sizeof(orientationKey) + sizeof(value);
-    const std::array<char, 3> zeroes{};
-    const std::uint32_t padding = (4 - pairSize % 4) % 4;
-    head.bytesOfKeyValueData = sizeof(pairSize) + pairSize + padding;
+    constexpr std::uint32_t pairSize = sizeof(orientationKey) + sizeof(value);
+    constexpr std::uint32_t padding = roundUp(pairSize, 4u) - pairSize;
+    constexpr std::array<char, 3> zeroes{};
+    ktx.bytesOfKeyValueData = sizeof(pairSize) + pairSize + padding;
 
-    bool written = target.write(&head, sizeof(head));
+    bool written = target.write(&ktx, sizeof(ktx));
     written = target.write(&pairSize, sizeof(pairSize)) && written;
     written = target.write(orientationKey, sizeof(orientationKey)) && written;
     written = target.write(value.data(), sizeof(value)) && written;
     written = target.write(zeroes.data(), padding) && written;
-    const unsigned char* const pixels = TextureInternals::data(texture);
-    const std::size_t size = static_cast<std::size_t>(TextureInternals::dataSize(texture));
-    // Kept: a buffer of 0 bytes counts as not written, as in native files.
-    return pixels != nullptr && size != 0 && target.write(pixels, size) && written;
+    return writePixelData(texture, target) && written;
 }
 
 }  // namespace moktexture

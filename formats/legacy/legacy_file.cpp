@@ -1,33 +1,50 @@
+// Legacy native files.
+//
+//   offset  bytes
+//        0      4  headerSize   44 or 52
+//        4      4  height       the height precedes the width
+//        8      4  width
+//       12      4  mipMapCount  levels below the first
+//       16      4  flags        bits 0 to 7: number of the pixel format; above them LegacyFlag
+//       20      4  dataSize     written, not read; so for the six that follow
+//       24      4  bitCount     bits per pixel
+//       28     16  red, green, blue and alpha mask
+//       44      4  magic        "MOK!"
+//       48      4  numSurfaces  layers times faces; 1 layer if the header ends at 44
+//    44/52         pixel data
+//
+// The writer stores the texture's buffer as it is: level, layer, face. The reader expects face, then level, and one layer; the
+// two agree for one face or one level, of one layer.
+
 #include "formats/legacy/legacy_file.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <optional>
 
-#include "core/io/load_checks.h"
+#include "core/io/native_file.h"
 #include "core/texture/TextureInternals.h"
 #include "formats/legacy/legacy_format_table.h"
 
 namespace moktexture {
 namespace {
 
-struct LegacyRecord {
-    std::uint32_t headerSize = 52;
+struct LegacyHeader {
+    std::uint32_t headerSize = legacyHeaderSize;
     std::uint32_t height = 0;
     std::uint32_t width = 0;
-    std::uint32_t mipMapCount = 0;  ///< levels below the first
-    std::uint32_t flags = 0;        ///< the number of the format, in the lowest byte, and LegacyFlag
+    std::uint32_t mipMapCount = 0;
+    std::uint32_t flags = 0;
     std::uint32_t dataSize = 0;
     std::uint32_t bitCount = 0;
     std::uint32_t redMask = 0;
     std::uint32_t greenMask = 0;
     std::uint32_t blueMask = 0;
     std::uint32_t alphaMask = 0;
-    // Only in the record of 52 bytes.
-    std::uint32_t magic = 0x214B4F4D;  ///< "MOK!"
-    std::uint32_t numSurfaces = 0;     ///< array members times faces
+    // Only in the header of 52 bytes.
+    std::uint32_t magic = 0x214B4F4D;
+    std::uint32_t numSurfaces = 0;
 };
-static_assert(sizeof(LegacyRecord) == 52);
+static_assert(sizeof(LegacyHeader) == legacyHeaderSize);
 
 enum LegacyFlag : std::uint32_t {
     legacyMIPLevels = 0x100,
@@ -37,73 +54,73 @@ enum LegacyFlag : std::uint32_t {
     legacyFlipped = 0x10000,
 };
 
-ELoadStatus readRecord(ByteReader& source, LegacyRecord& record) {
+ELoadStatus readHeader(ByteReader& source, LegacyHeader& legacy) {
     source.seek(0);
-    if (!source.readAll(&record.headerSize, sizeof(record.headerSize))) return endedEarly(source);
-    if (!isLegacyFirstWord(record.headerSize)) return eLoadUnknown;
+    if (!source.readAll(&legacy.headerSize, sizeof(legacy.headerSize))) return truncatedStatus(source);
+    if (!isLegacyFirstWord(legacy.headerSize)) return eLoadUnknown;
     source.seek(0);
-    return source.readAll(&record, record.headerSize) ? eLoadOk : endedEarly(source);
+    return source.readAll(&legacy, legacy.headerSize) ? eLoadOk : truncatedStatus(source);
 }
 
-std::uint32_t numMembersOf(const LegacyRecord& record, std::uint32_t numFaces) {
-    if (record.headerSize < sizeof(record)) return 1;
-    return std::max(record.numSurfaces / numFaces, std::uint32_t{1});
+std::uint32_t layersOf(const LegacyHeader& legacy, std::uint32_t numFaces) {
+    if (legacy.headerSize < legacyHeaderSize) return 1;
+    return std::max(legacy.numSurfaces / numFaces, std::uint32_t{1});
 }
 
-CMOKTextureHeader headerOf(const LegacyRecord& record) {
-    const LegacyFormat format = formatOfLegacyNumber(static_cast<std::uint8_t>(record.flags));
-    const std::uint32_t numFaces = (record.flags & legacyCubeMap) != 0 ? 6 : 1;
-    CMOKTextureHeader header(format.format.id, record.height, record.width, 1, record.mipMapCount + 1,
-                             numMembersOf(record, numFaces), numFaces, format.colourSpace, format.channelType,
-                             format.isPreMultiplied);
-    if ((record.flags & legacyBumpMap) != 0) header.setBumpMap(1.0f, "xyz");
-    if ((record.flags & legacyFlipped) != 0) header.setOrientation(eOrientUp);
+CMOKTextureHeader makeTextureHeader(const LegacyHeader& legacy) {
+    const LegacyFormat format = formatOfLegacyNumber(static_cast<std::uint8_t>(legacy.flags));
+    const std::uint32_t numFaces = (legacy.flags & legacyCubeMap) != 0 ? 6 : 1;
+    CMOKTextureHeader header(format.format.id, legacy.height, legacy.width, 1, legacy.mipMapCount + 1, layersOf(legacy, numFaces),
+                             numFaces, format.colourSpace, format.channelType, format.isPreMultiplied);
+    if ((legacy.flags & legacyBumpMap) != 0) header.setBumpMap(1.0f, "xyz");
+    if ((legacy.flags & legacyFlipped) != 0) header.setOrientation(eOrientUp);
     return header;
 }
 
-/// Kept: pixels are read face by face and, within, level by level, and only for the first member, though they are written in the
-/// order of the buffer: files of both orders exist.
+/// Kept (legacy-read-order): pixels are read by face and, within a face, by level, and for the first layer only, though they are
+/// written in the order of the buffer; the cube maps with several levels that older writers made are ordered by face.
 ELoadStatus readPixels(ByteReader& source, CMOKTexture& texture) {
-    bool isWhole = true;
+    bool isComplete = true;
     for (std::uint32_t face = 0; face < texture.getNumFaces(); ++face) {
         for (std::uint32_t level = 0; level < texture.getNumMIPLevels(); ++level) {
             const std::uint32_t size = texture.getDataSize(static_cast<int>(level), false, false);
-            isWhole = source.readAll(texture.getDataPtr(level, 0, face), size) && isWhole;
+            isComplete = source.readAll(texture.getDataPtr(level, 0, face), size) && isComplete;
         }
     }
-    return isWhole ? eLoadOk : endedEarly(source);
+    return isComplete ? eLoadOk : truncatedStatus(source);
 }
 
-LegacyRecord recordOf(const CMOKTextureHeader& header, std::uint8_t number) {
-    LegacyRecord record;
-    record.height = header.getHeight();
-    record.width = header.getWidth();
-    record.mipMapCount = header.getNumMIPLevels() - 1;
-    record.flags = number;
-    if (header.getNumMIPLevels() > 1) record.flags |= legacyMIPLevels;
-    if (header.isBumpMap()) record.flags |= legacyBumpMap;
-    if (header.getNumFaces() > 1) record.flags |= legacyCubeMap;
-    if (header.getOrientation(eAxisY) == eOrientUp) record.flags |= legacyFlipped;
+LegacyHeader makeHeader(const CMOKTextureHeader& header, std::uint8_t formatNumber) {
+    LegacyHeader legacy;
+    legacy.height = header.getHeight();
+    legacy.width = header.getWidth();
+    legacy.mipMapCount = header.getNumMIPLevels() - 1;
+    legacy.flags = formatNumber;
+    if (header.getNumMIPLevels() > 1) legacy.flags |= legacyMIPLevels;
+    if (header.isBumpMap()) legacy.flags |= legacyBumpMap;
+    if (header.getNumFaces() > 1) legacy.flags |= legacyCubeMap;
+    if (header.getOrientation(eAxisY) == eOrientUp) legacy.flags |= legacyFlipped;
     const PixelType format = header.getPixelType();
-    // Kept: only these two formats are marked as having alpha; readers of old have looked for it there.
+    // Kept (legacy-alpha-flag): only these two formats get the alpha flag and mask, not layouts with an alpha channel; legacy
+    // readers look at the mask to tell MOKTC with alpha from MOKTC without, which share one number.
     if (format == eFmtMOKTC2bppRGBA || format == eFmtMOKTC4bppRGBA) {
-        record.flags |= legacyAlpha;
-        record.alphaMask = 1;
+        legacy.flags |= legacyAlpha;
+        legacy.alphaMask = 1;
     }
-    record.dataSize = header.getDataSize();
-    record.bitCount = header.getBitsPerPixel();
-    record.numSurfaces = header.getNumArrayMembers() * header.getNumFaces();
-    return record;
+    legacy.dataSize = header.getDataSize();
+    legacy.bitCount = header.getBitsPerPixel();
+    legacy.numSurfaces = header.getNumArrayMembers() * header.getNumFaces();
+    return legacy;
 }
 
 }  // namespace
 
-ELoadStatus readLegacyFile(ByteReader& source, const LoadLimits* limits, CMOKTexture& texture) {
-    LegacyRecord record;
-    ELoadStatus status = readRecord(source, record);
+ELoadStatus readLegacyFile(ByteReader& source, const ReadPolicy& policy, CMOKTexture& texture) {
+    LegacyHeader legacy;
+    ELoadStatus status = readHeader(source, legacy);
     if (status != eLoadOk) return status;
-    CMOKTextureHeader header = headerOf(record);
-    status = validateSizes(header, source, header.getDataSize(CMOKTextureHeader::allLevels, false, true), limits);
+    CMOKTextureHeader header = makeTextureHeader(legacy);
+    status = validatePixelData(header, source, header.getDataSize(CMOKTextureHeader::allLevels, false, true), policy);
     if (status != eLoadOk) return status;
     texture.CMOKTextureHeader::Swap(header);
     TextureInternals::allocate(texture);
@@ -116,12 +133,9 @@ bool writeLegacyFile(const CMOKTexture& texture, ELegacyApi api, ByteWriter& tar
                                  texture.isPreMultiplied()};
     const std::optional<std::uint8_t> number = legacyNumberOf(format, api);
     if (!number) return false;
-    const LegacyRecord record = recordOf(texture, *number);
-    const bool recordWritten = target.write(&record, sizeof(record));
-    const unsigned char* const pixels = TextureInternals::data(texture);
-    const std::size_t size = static_cast<std::size_t>(TextureInternals::dataSize(texture));
-    // Kept: a buffer of 0 bytes counts as not written, as in native files: callers see that nothing was saved.
-    return pixels != nullptr && size != 0 && target.write(pixels, size) && recordWritten;
+    const LegacyHeader legacy = makeHeader(texture, *number);
+    const bool headerWritten = target.write(&legacy, sizeof(legacy));
+    return writePixelData(texture, target) && headerWritten;
 }
 
 }  // namespace moktexture

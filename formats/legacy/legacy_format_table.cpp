@@ -4,12 +4,12 @@
 
 #include "compressed_format_id.h"
 #include "core/texture/data_size.h"
-#include "formats/api_numbers/format_map_row.h"
+#include "formats/api_numbers/format_maps.h"
 
 namespace moktexture {
 namespace {
 
-/// Whether a row tells what a number in a file means, which number is written for a format, or both.
+/// Whether a row serves the reader (number to format), the writer (format to number) or both.
 enum class Use { both, read, write };
 
 struct Row {
@@ -26,12 +26,12 @@ constexpr EMOKTColourSpace sRGB = eColourSpaceSRGB;
 constexpr bool straight = false;
 constexpr bool premultiplied = true;
 
-// This system's own numbers, by the family of APIs that writes them; files of all families are read. One number a row, with its
-// pixel format, channel type, colour space and state of alpha. Where a number is written for another format than it is read as,
-// or is read only, it has a row for each use: see `Use`.
-// Kept: such numbers bring a texture back as another format, and formats without a row for writing cannot be saved: files of
-// both kinds exist.
+// The numbers of the legacy layout, grouped by the family of APIs that writes them. A reader searches all four tables. A number
+// that is written for another format than it is read as, or that is not written, has a row for each use.
+// Kept (legacy-numbers-not-inverse): a texture saved under such a number comes back in another format, and a format without a row
+// for writing cannot be saved: with other rows, existing files would load in other formats, or saves change their numbers.
 // clang-format off
+// number  use      format                           channel type    space    alpha
 constexpr Row glRows[] = {
     { 16, Use::both,   layout("rgba", 4, 4, 4, 4),     eVarUShortNorm,  linear,  straight},
     { 17, Use::both,   layout("rgba", 5, 5, 5, 1),     eVarUShortNorm,  linear,  straight},
@@ -260,8 +260,8 @@ bool matchesDXGI(const Row& row, const LegacyFormat& wanted) {
     static constexpr CompressedFormatId ofTwoColourSpaces[] = {eFmtDXT1, eFmtDXT3, eFmtDXT5};
     if (isAnyOf(row.format, ofAnyType)) return true;
     if (row.channelType != wanted.channelType) return false;
-    // Kept: colour spaces other than linear count as sRGB for these three, and no other format of the family has its colour space
-    // written.
+    // Kept (legacy-dxgi-colour-space): any colour space but linear counts as sRGB for these three formats, and the others of the
+    // family are written whatever their colour space; hosts that save sRGB textures in them get a file instead of a failure.
     return !isAnyOf(row.format, ofTwoColourSpaces) || (row.colourSpace == linear) == (wanted.colourSpace == linear);
 }
 
@@ -270,7 +270,7 @@ bool matchesVectorGraphics(const Row& row, const LegacyFormat& wanted) {
     return row.channelType == wanted.channelType && row.colourSpace == wanted.colourSpace;
 }
 
-/// Whether a row is written for a format, alpha's state aside.
+/// Whether a row is written for a format, premultiplication aside.
 bool matches(const Row& row, const LegacyFormat& wanted, Family family) {
     if (row.use == Use::read || row.format != wanted.format) return false;
     switch (family) {
@@ -279,7 +279,8 @@ bool matches(const Row& row, const LegacyFormat& wanted, Family family) {
         case Family::vectorGraphics:
             return matchesVectorGraphics(row, wanted);
         default:
-            // Kept: a compressed format is told by its number alone: its channel type does not come back.
+            // Kept (legacy-compressed-any-type): a compressed format has its number for every channel type, so that hosts can
+            // save MOKTC of any type; the file comes back with the row's type.
             return isCompressed(row.format) || row.channelType == wanted.channelType;
     }
 }
@@ -299,7 +300,7 @@ LegacyFormat formatOfLegacyNumber(std::uint8_t number) {
 std::optional<std::uint8_t> legacyNumberOf(const LegacyFormat& wanted, ELegacyApi api) {
     const std::optional<Family> family = familyOf(api);
     if (!family) return std::nullopt;
-    // Where a format has a row for one state of alpha only, the state is not looked at.
+    // A format with rows for one state of premultiplication only has their number for both states.
     std::optional<std::uint8_t> number;
     for (const Row& row : rowsOf(*family)) {
         if (!matches(row, wanted, *family)) continue;

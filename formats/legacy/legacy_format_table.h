@@ -7,11 +7,11 @@
 #include "texture_enums.h"
 
 /// @file
-/// The numbers that files of the legacy layout name their pixel formats by: one byte, shared by all graphics APIs.
+/// The numbers of pixel formats in legacy files: one byte, in one numbering for all graphics APIs.
 
 namespace moktexture {
 
-/// What one number says of the pixels.
+/// The pixel format that one number stands for.
 struct LegacyFormat {
     PixelType format;
     EMOKTVariableType channelType;
@@ -19,7 +19,7 @@ struct LegacyFormat {
     bool isPreMultiplied;
 };
 
-/// What a number in a file means; eFmtUnknown, eVarNone, linear and straight if it means nothing.
+/// The format of a number in a file; eFmtUnknown, eVarNone, linear and not premultiplied for a number without one.
 LegacyFormat formatOfLegacyNumber(std::uint8_t number);
 
 /// The number that an API's family writes for a format, if it has one. Not the inverse of formatOfLegacyNumber().

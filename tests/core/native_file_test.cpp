@@ -19,7 +19,7 @@ constexpr std::uint32_t huge = 0xFFFFFFFFu;
 MOKTextureHeaderV3 smallRecord(std::uint32_t metaDataSize) {
     return {MOKTextureHeaderV3::magic, 0, PixelTypeRGBA8.id, eColourSpaceLinear, eVarUByteNorm, 2, 3, 1, 2, 1, 2, metaDataSize};
 }
-const NativeReadRules byPath = NativeReadRules::fileConstructor(), byAddress = NativeReadRules::memoryConstructor();
+const ReadPolicy byPath = ReadPolicy::lenient(ReadMode::lenientFile), byAddress = ReadPolicy::lenient(ReadMode::lenientMemory);
 constexpr std::uint64_t smallSize = 2 * 4 * (6 + 1);
 
 const std::vector<Block> twoBlocks = {{owner, 7, {1, 2, 3, 4, 5}}, {owner, 8, {6}}};
@@ -32,7 +32,7 @@ ELoadStatus load(const Bytes& image, const LoadLimits& limits = {}, CMOKTexture&
 }
 
 /// What a door with these rules leaves of an image.
-Contents readBy(const NativeReadRules& rules, const Bytes& image, std::size_t size) {
+Contents readBy(const ReadPolicy& rules, const Bytes& image, std::size_t size) {
     CMOKTexture texture;
     MemoryReader reader(image.data(), size);
     readNativeFile(reader, rules, texture);

@@ -5,7 +5,7 @@
 
 #include "CMOKTexture.h"
 #include "core/texture/TextureInternals.h"
-#include "formats/texture_path.h"
+#include "formats/file_layout.h"
 #include "native_image.h"
 #include "support/temporary_folder.h"
 #include "support/test_images.h"
@@ -101,7 +101,7 @@ TEST(Texture, TheExtensionChoosesTheFileThatIsWritten) {
     for (const char* extension : {"ktx", "tga", "", ".", "a.mok", "mo"})
         EXPECT_FALSE(SaveTexture(texture, extension, image)) << extension;
     EXPECT_FALSE(SaveTexture(texture, nullptr, image));
-    EXPECT_TRUE(fileLayoutForLoading("ktx") == FileLayout::native && fileLayoutForLoading(".ktx") == FileLayout::ktx);
+    EXPECT_TRUE(fileLayoutForLoading("ktx") == FileLayout::mok && fileLayoutForLoading(".ktx") == FileLayout::ktx);
 #if defined(__linux__)
     std::filesystem::create_symlink("/dev/full", folder.path("full.mok"));
     EXPECT_FALSE(texture.saveFile(folder.path("full.mok").c_str()));
