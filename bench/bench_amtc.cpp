@@ -53,7 +53,7 @@ void encode(benchmark::State& state, const BenchPicture& picture, const Format& 
 /// first sweep, which only scores, a sweep that refines everything, and packing.
 void encodeByStages(benchmark::State& state, const BenchPicture& picture, const Format& format, std::int32_t side) {
     const WorkImage image = squareOf(picture, side);
-    AmtcLevelSettings settings = makeLevelSettings(side, side, 4, format.bitsPerPixel, format.secondGeneration);
+    AmtcLevelSettings settings = makeLevelSettings(side, side, {Rate(format.bitsPerPixel), Generation(format.secondGeneration)});
     const FootprintKernels kernels = makeFootprintKernels(settings);
     LevelResources resources = LevelResources::ofThisMachine();
     resources.processors = 1;

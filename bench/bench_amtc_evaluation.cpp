@@ -65,7 +65,7 @@ BlendTable tableOf(const Evaluated& evaluated, const AmtcLevelSettings& settings
 /// `evaluations` of each block after one preparation: 0 measures the preparation alone.
 void evaluate(benchmark::State& state, const BenchPicture& picture, const Evaluated& evaluated, InstructionSet level,
               int evaluations) {
-    const AmtcLevelSettings settings = makeLevelSettings(64, 64, 4, evaluated.bitsPerPixel, 1);
+    const AmtcLevelSettings settings = makeLevelSettings(64, 64, {Rate(evaluated.bitsPerPixel), Generation::second});
     const std::vector<Scene> scenes = scenesOf(picture, settings);
     const BlendTable table = tableOf(evaluated, settings);
     for (auto _ : state) {

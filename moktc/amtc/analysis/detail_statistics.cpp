@@ -1,15 +1,34 @@
-#include "moktc/amtc/analysis/footprint_statistics.h"
-#include "moktc/amtc/analysis/rep_builder.h"
+// Detail statistics: what the low-frequency image leaves of a footprint.
+//
+// Problem   In smooth regions the principal axis of a footprint follows the gradient across the blocks. The upscaling of the
+//           colours reproduces that gradient by itself; what the modulation has to add is the detail on top of it.
+// Idea      Estimate the upscaled image by the bilinear interpolation of the mean colours of the 3 by 3 blocks around, subtract
+//           it from the pixels, and find the axes of the differences. The representatives are then shifted to the mean of the
+//           block, so that their extent is a range of colours again.
+// Method    1. subtract the interpolated means from every pixel of the footprint
+//           2. sum the differences, weighted by the smooth kernel: of all pixels, and of those with an alpha above 0
+//           3. axes of both clouds; extent of the differences inside the outer ring of the footprint
+//           4. shift mean and extent by the block's mean colour
+//
+// Interpolation along one axis, for a block side of 4 (means of the blocks before, here and after: P, C, N):
+//
+//     row of the footprint   0     1     2     3     4     5     6     7     8
+//     value                  P   3P+C  2P+2C P+3C    C   3C+N  2C+2N C+3N    N      (divided by 4)
+//
+// Cost      Linear in the pixels of the footprint, once per block, after the means of all blocks are known. Nothing is allocated.
+
+#include "moktc/amtc/analysis/footprint_analysis.h"
+#include "moktc/amtc/analysis/representative.h"
 
 namespace moktexture::amtc {
 
 namespace {
 
-/// What the interpolated means leave of each pixel, row by row.
+/// The difference of each pixel from the interpolated means, row by row.
 using DetailImage = std::array<ColourVector, mostFootprintPixels>;
 
-/// Where a row or column of a footprint lies between the middles of neighbouring blocks: past the middle of block 0 or 1 by a
-/// fraction of a block. The middle of block 1 is at fraction 1 past block 0.
+/// The position of a row or column of the footprint between the centres of neighbouring blocks: after the centre of block 0 or 1
+/// by a fraction of a block. The centre of block 1 is at fraction 1 after block 0.
 struct GridPosition {
     std::size_t block;
     float fraction;
@@ -77,16 +96,17 @@ ColourCloud gatherOpaque(const Footprint& footprint, const DetailImage& detail, 
     return cloud;
 }
 
-/// Kept: a footprint whose inner pixels are all transparent counts as flat, without detail, while its extent takes in what these
-/// pixels differ from the means by. Which axes the start candidates get depends on this extent.
+/// Kept (transparent-detail-flat-with-extent): a footprint whose inner pixels are all transparent counts as flat, without detail,
+/// while its extent still includes the differences of these pixels. `axesOfSmoothModes` compares this extent with that of the
+/// whole footprint; an extent of 0 would give hidden pixels other start candidates.
 ColourCloud noDetail() {
     ColourCloud cloud;
     cloud.bounds.include({});
     return cloud;
 }
 
-/// Turns a representative of differences from the means into one of colours around the block's own mean. The least and the
-/// greatest colour stay differences.
+/// Shifts the mean and the extent of a representative from differences to colours around the block's mean. The minimum and the
+/// maximum colour remain differences.
 void shiftToColours(const ColourVector& centreMean, const ColourSum& meanDetail, Rep& rep) {
     for (std::size_t channel = 0; channel < channelCount; ++channel)
         rep.meanColour[channel] =
@@ -100,7 +120,7 @@ void shiftToColours(const ColourVector& centreMean, const ColourSum& meanDetail,
 
 }  // namespace
 
-void AnalyseDetail(const Footprint& footprint, const AmtcLevelSettings& settings, const FootprintKernel& smoothKernel,
+void AnalyseDetail(const Footprint& footprint, const AmtcLevelSettings& settings, const FootprintKernels& kernels,
                    const NeighbourMeans& neighbourMeans, BlockRecord& block) {
     const std::size_t pixels = settings.footprintPixels();
     DetailImage detail;
@@ -112,16 +132,16 @@ void AnalyseDetail(const Footprint& footprint, const AmtcLevelSettings& settings
     });
 
     Rep &all = block.reps[detailRep], &opaque = block.reps[opaqueDetailRep];
-    const ColourCloud cloud = transparentCount == innerCount ? noDetail() : gatherAll(detail, pixels, smoothKernel);
-    MakeRep(cloud.moments, cloud.sum, cloud.bounds, false, all);
+    const ColourCloud cloud = transparentCount == innerCount ? noDetail() : gatherAll(detail, pixels, kernels.smooth);
+    MakeRep(cloud, false, all);
     opaque = all;
     ColourSum opaqueMean = cloud.sum;
     if (transparentCount != 0 && transparentCount != innerCount) {
-        ColourCloud opaqueCloud = gatherOpaque(footprint, detail, pixels, smoothKernel);
+        ColourCloud opaqueCloud = gatherOpaque(footprint, detail, pixels, kernels.smooth);
         if (opaqueCloud.weight > 0) {
             opaqueCloud.divideByWeight();
             opaqueMean = opaqueCloud.sum;
-            MakeRep(opaqueCloud.moments, opaqueMean, opaqueCloud.bounds, false, opaque);
+            MakeRep(opaqueCloud, false, opaque);
         }
     }
 

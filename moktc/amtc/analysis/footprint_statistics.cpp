@@ -1,18 +1,76 @@
-#include "moktc/amtc/analysis/footprint_statistics.h"
+// Footprint statistics: what the pixels that a block influences look like.
+//
+// Problem   A block's two colours reach beyond the block: upscaled, they influence a footprint of twice its size plus one pixel
+//           each way. The search for the colours needs a summary of these pixels: mean, bounds, principal axes.
+// Idea      Three representatives, each a weighted cloud of pixels (see representative.cpp for how axes come of a cloud):
+//
+//               whole    all pixels of the footprint, weighted by the smooth kernel, which falls off with the distance
+//               opaque   the same without the transparent pixels, for blocks that punch holes
+//               centre   the pixels of the block itself, all alike, for blocks whose colours are not upscaled
+//
+// Method    1. one pass: sums of the whole and of the centre; count the transparent pixels
+//           2. if some but not all pixels are transparent, a second pass: sums of the opaque pixels
+//           3. axes of each cloud; without a cloud of its own, the opaque representative is a copy of the whole
+//           4. a last pass: the extent of the pixels along the axes of each representative
+//
+// Cost      Linear in the pixels of the footprint (81 at 4 bits per pixel, 153 at 2), once per block. Nothing is allocated.
 
 #include <cmath>
+#include <numeric>
+#include <span>
 
-#include "moktc/amtc/analysis/rep_builder.h"
+#include "moktc/amtc/analysis/footprint_analysis.h"
+#include "moktc/amtc/analysis/representative.h"
 
 namespace moktexture::amtc {
 
 namespace {
 
-/// Which pixels count as transparent.
+// clang-format off
+// One axis of a kernel, for block sides of 4 and of 8 pixels. The middle entry is the centre of the footprint. Wider kernels make
+// a block's colours follow its neighbours' pixels, narrower ones its own; the bytes depend on every entry.
+constexpr std::array<int,  9> sharp4  = {-32, 8, 28, 64, 127, 64, 28, 8, -32};
+constexpr std::array<int, 17> sharp8  = {-24, -6, 7, 9, 12, 23, 29, 48, 80, 48, 29, 23, 12, 9, 7, -6, -24};
+constexpr std::array<int,  9> smooth4 = {8, 16, 32, 64, 127, 64, 32, 16, 8};
+constexpr std::array<int, 17> smooth8 = {1, 1, 2, 4, 8, 16, 32, 64, 127, 64, 32, 16, 8, 4, 2, 1, 1};
+// clang-format on
+
+using KernelAxis = std::span<const int>;
+
+FootprintKernel separableKernel(KernelAxis vertical, KernelAxis horizontal) {
+    const int sum =
+        std::accumulate(vertical.begin(), vertical.end(), 0) * std::accumulate(horizontal.begin(), horizontal.end(), 0);
+    FootprintKernel kernel{};
+    std::size_t pixel = 0;
+    for (const int down : vertical)
+        for (const int across : horizontal)
+            kernel[pixel++] = static_cast<float>(down * across) / static_cast<float>(sum);
+    return kernel;
+}
+
+KernelAxis sharpAxis(std::size_t blockSide) {
+    return blockSide == 8 ? KernelAxis(sharp8) : KernelAxis(sharp4);
+}
+
+KernelAxis smoothAxis(std::size_t blockSide) {
+    return blockSide == 8 ? KernelAxis(smooth8) : KernelAxis(smooth4);
+}
+
+FootprintMask makeCentreMask(const AmtcLevelSettings& settings) {
+    FootprintMask mask{};
+    const std::size_t top = settings.blockHeight / 2u, left = settings.blockWidth / 2u;
+    for (std::size_t row = top; row < top + settings.blockHeight; ++row)
+        for (std::size_t column = left; column < left + settings.blockWidth; ++column)
+            mask[row * settings.footprintWidth + column] = 1;
+    return mask;
+}
+
+/// The rule that decides whether a pixel counts as transparent.
 enum class TransparencyRule { never, zeroAlpha, allZero };
 
-/// Kept: what counts as transparent depends on rate and generation: at 2 bits per pixel nothing does, at 4 an alpha of 0 in the
-/// first generation, and a colour of 0 throughout in the second. The start candidates of cut-out pictures come from it.
+/// Kept (transparency-rule-by-variant): at 2 bits per pixel no pixel counts as transparent; at 4 one with alpha 0 does in the
+/// first generation, one with all four channels 0 in the second. `makeOpaqueRep` and `startingRegionMode` depend on it: another
+/// rule would give cut-out images other punch-through blocks.
 TransparencyRule transparencyRuleOf(const AmtcLevelSettings& settings) {
     if (settings.bitsPerPixel != 4) return TransparencyRule::never;
     return settings.secondGeneration != 0 ? TransparencyRule::allZero : TransparencyRule::zeroAlpha;
@@ -29,7 +87,7 @@ bool isTransparent(std::uint32_t pixel, TransparencyRule rule) {
     }
 }
 
-/// The alpha that transparent pixels of the first generation take among the opaque ones: the others' weighted mean, rounded.
+/// The alpha that stands in for that of transparent pixels in the first generation: the rounded weighted mean of the others.
 float substituteAlphaOf(const Footprint& footprint, std::size_t pixels, const FootprintKernel& smoothKernel) {
     double sum = 0, weight = 0;
     for (std::size_t i = 0; i < pixels; ++i) {
@@ -43,26 +101,27 @@ float substituteAlphaOf(const Footprint& footprint, std::size_t pixels, const Fo
 
 struct FootprintClouds {
     ColourCloud whole, centre;
-    ColourCloud opaque;  ///< left empty if no pixel is transparent
+    ColourCloud opaque;  ///< empty if no pixel is transparent
     std::size_t transparentCount = 0;
     bool isTransparentInCentre = false;
 };
 
-void gatherWholeAndCentre(const Footprint& footprint, std::size_t pixels, TransparencyRule rule, const FootprintMask& centreMask,
-                          const FootprintKernel& smoothKernel, FootprintClouds& clouds) {
+void gatherWholeAndCentre(const Footprint& footprint, std::size_t pixels, TransparencyRule rule, const FootprintKernels& kernels,
+                          FootprintClouds& clouds) {
     for (std::size_t i = 0; i < pixels; ++i) {
         const ColourVector colour = toVector(footprint[i]);
         const bool transparent = isTransparent(footprint[i], rule);
-        clouds.whole.add(colour, smoothKernel[i]);
+        clouds.whole.add(colour, kernels.smooth[i]);
         clouds.transparentCount += transparent ? 1 : 0;
-        if (centreMask[i] == 0) continue;
+        if (kernels.centre[i] == 0) continue;
         clouds.centre.add(colour, 1);
         clouds.isTransparentInCentre |= transparent;
     }
 }
 
-/// Kept: the second generation leaves transparent pixels out of the opaque ones, the first takes them in with their own colour
-/// and a substitute alpha. Punch-through candidates of the first generation depend on the colours under transparent pixels.
+/// Kept (transparent-counted-as-opaque): the second generation leaves transparent pixels out of the opaque cloud; the first one
+/// includes them, with their own colour and a substitute alpha. Its decoder shows the colour of a punched pixel under alpha 0, so
+/// that the punch-through candidates of a first-generation block follow the hidden colours too.
 void gatherOpaque(const Footprint& footprint, std::size_t pixels, TransparencyRule rule, const FootprintKernel& smoothKernel,
                   ColourCloud& opaque) {
     const bool takesTransparent = rule == TransparencyRule::zeroAlpha;
@@ -77,36 +136,38 @@ void gatherOpaque(const Footprint& footprint, std::size_t pixels, TransparencyRu
     }
 }
 
-/// Makes `reps[opaqueRep]` of what is opaque. False if the whole footprint has to stand in for it.
+/// Makes `reps[opaqueRep]` from the opaque cloud. False if the whole footprint has to replace it.
 bool makeOpaqueRep(FootprintClouds& clouds, std::size_t pixels, BlockRecord& block) {
     if (clouds.transparentCount == 0 || clouds.transparentCount == pixels) return false;
     ColourCloud& opaque = clouds.opaque;
-    // Kept: opaque pixels of one colour keep their sum undivided for a mean. In the second generation, which leaves pixels out,
-    // this is darker and more transparent than the colour; candidates that start from this mean depend on it.
+    // Kept (one-opaque-colour-undivided-mean): for opaque pixels of one colour the sum is not divided by the weight. In the
+    // second generation, which leaves pixels out, this mean is darker and more transparent than the colour. The single-colour
+    // candidates of punch-through blocks start from this mean, so that dividing would change the bytes of every cut-out with a
+    // flat colour.
     if (!opaque.bounds.isFlat()) {
         if (!(opaque.weight > 0)) return false;
         opaque.divideByWeight();
     }
-    MakeRep(opaque.moments, opaque.sum, opaque.bounds, true, block.reps[opaqueRep]);
+    MakeRep(opaque, true, block.reps[opaqueRep]);
     return true;
 }
 
 void makeReps(FootprintClouds& clouds, std::size_t pixels, BlockRecord& block) {
     const bool isOpaqueRepMade = makeOpaqueRep(clouds, pixels, block);
-    // Kept: where the opaque pixels are of one colour and the transparent ones are outside the block, the whole footprint counts
-    // as flat, with that colour for its bounds alone: its mean, from which the single-colour candidates of the block start, and
-    // its extent are still those of all pixels, the transparent ones too.
+    // Kept (one-opaque-colour-flat-whole): if the opaque pixels have one colour and no transparent pixel lies in the block, the
+    // whole footprint counts as flat. Its bounds become that colour, while its mean and extent are still those of all pixels, the
+    // transparent ones included. The single-colour candidates of the blocks around a cut-out start from this mean.
     if (isOpaqueRepMade && clouds.opaque.bounds.isFlat() && !clouds.isTransparentInCentre)
         clouds.whole.bounds = clouds.opaque.bounds;
-    MakeRep(clouds.whole.moments, clouds.whole.sum, clouds.whole.bounds, true, block.reps[wholeRep]);
+    MakeRep(clouds.whole, true, block.reps[wholeRep]);
     if (!isOpaqueRepMade) block.reps[opaqueRep] = block.reps[wholeRep];
     clouds.centre.divideByWeight();
-    MakeRep(clouds.centre.moments, clouds.centre.sum, clouds.centre.bounds, true, block.reps[centreRep]);
+    MakeRep(clouds.centre, true, block.reps[centreRep]);
 }
 
-/// Kept: the opaque pixels' extent is that of the pixels with an alpha above 0, under every rule of transparency and for a copy
-/// of the whole footprint's too; with no such pixel it stays empty unless the footprint is flat, and colours held to an empty one
-/// collapse to a fixed far point.
+/// Kept (opaque-extent-by-alpha): the extent of the opaque representative is that of the pixels with an alpha above 0, whatever
+/// the rule of transparency, and also where the representative is a copy of the whole. Without such a pixel it stays empty unless
+/// the footprint is flat, and the refinement, which clamps solved colours to the extent, then moves them all to one far point.
 void projectPixels(const Footprint& footprint, std::size_t pixels, const FootprintMask& centreMask, BlockRecord& block) {
     for (std::size_t i = 0; i < pixels; ++i) {
         const ColourVector colour = toVector(footprint[i]);
@@ -118,15 +179,20 @@ void projectPixels(const Footprint& footprint, std::size_t pixels, const Footpri
 
 }  // namespace
 
-void AnalyseFootprint(const Footprint& footprint, const AmtcLevelSettings& settings, const FootprintMask& centreMask,
-                      const FootprintKernel& /*sharpKernel*/, const FootprintKernel& smoothKernel, BlockRecord& block) {
+FootprintKernels makeFootprintKernels(const AmtcLevelSettings& settings) {
+    return {separableKernel(sharpAxis(settings.blockHeight), sharpAxis(settings.blockWidth)),
+            separableKernel(smoothAxis(settings.blockHeight), smoothAxis(settings.blockWidth)), makeCentreMask(settings)};
+}
+
+void AnalyseFootprint(const Footprint& footprint, const AmtcLevelSettings& settings, const FootprintKernels& kernels,
+                      BlockRecord& block) {
     const std::size_t pixels = settings.footprintPixels();
     const TransparencyRule rule = transparencyRuleOf(settings);
     FootprintClouds clouds;
-    gatherWholeAndCentre(footprint, pixels, rule, centreMask, smoothKernel, clouds);
-    if (clouds.transparentCount != 0) gatherOpaque(footprint, pixels, rule, smoothKernel, clouds.opaque);
+    gatherWholeAndCentre(footprint, pixels, rule, kernels, clouds);
+    if (clouds.transparentCount != 0) gatherOpaque(footprint, pixels, rule, kernels.smooth, clouds.opaque);
     makeReps(clouds, pixels, block);
-    projectPixels(footprint, pixels, centreMask, block);
+    projectPixels(footprint, pixels, kernels.centre, block);
     block.transparentInCentre = clouds.isTransparentInCentre ? 1 : 0;
 }
 

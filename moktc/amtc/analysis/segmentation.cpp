@@ -1,14 +1,34 @@
-#include "moktc/amtc/analysis/segmentation.h"
+// Segmentation: connected smooth regions of a footprint.
+//
+// Problem   In an area without detail, neighbouring pixels that choose their modulation indices one by one get noise. The early
+//           sweeps therefore let all pixels of a smooth region share one choice, which needs the regions.
+// Idea      Flood fill. A pixel joins the region of its neighbour if its colour is close to that of the region's first pixel
+//           (flat areas) or if the line through both is nearly straight at it (gradients, which drift away from the first pixel).
+//
+//     for each pixel: is its second difference along the row small? along the column?
+//     for each pixel in raster order that has no label:
+//         take the next label; push the pixel
+//         until the stack is empty: pop a pixel; of its 8 neighbours without label, those that
+//             lie in the same row and are straight along it, or
+//             lie in the same column and are straight along it, or
+//             are close in colour to the first pixel of the segment
+//         get the label and are pushed
+//
+// It ends because a pixel is pushed once, when it gets its label. The cost is linear: each popped pixel looks at three rows,
+// where a bit mask of the columns without label skips the others. The stack has a fixed size; nothing is allocated.
 
 #include <algorithm>
 #include <bit>
+
+#include "moktc/amtc/analysis/footprint_analysis.h"
 
 namespace moktexture::amtc {
 
 namespace {
 
 constexpr std::uint8_t unlabelled = 255;
-/// Two colours, or a line's bend, this far apart do not belong together.
+/// The least squared distance over the four channels at which two colours are different, and a line is bent: one channel may
+/// differ by 4. A larger value makes larger segments, which smooths more noise and also fine texture; the bytes depend on it.
 constexpr std::uint32_t segmentDistance = 17;
 
 /// Whether the line through three pixels is nearly straight at the middle one.
@@ -22,13 +42,13 @@ bool isStraight(std::uint32_t before, std::uint32_t centre, std::uint32_t after)
     return sum < segmentDistance;
 }
 
-/// By pixel: whether its line is smooth along its row and along its column.
-struct SmoothFlags {
+/// By pixel: 1 if the image is nearly straight there along the row, and along the column.
+struct StraightFlags {
     FootprintMask horizontal, vertical;
 };
 
-/// The pixels of the border take the flag of the pixel next to them across it.
-void findSmoothPixels(const Footprint& footprint, std::size_t width, std::size_t height, SmoothFlags& flags) {
+/// A pixel on the border, whose second difference across the border is not defined, takes that flag from the next pixel inside.
+void findStraightPixels(const Footprint& footprint, std::size_t width, std::size_t height, StraightFlags& flags) {
     for (std::size_t row = 0; row < height; ++row) {
         const std::size_t middleRow = std::clamp<std::size_t>(row, 1, height - 2);
         for (std::size_t column = 0; column < width; ++column) {
@@ -46,29 +66,29 @@ struct PixelPosition {
     std::uint32_t row, column;
 };
 
-/// A pixel gets there once, when it is labelled.
+/// Holds each pixel at most once in all: it is pushed when it is labelled.
 using PixelStack = std::array<PixelPosition, mostFootprintPixels>;
 
 /// Labels the pixels of a footprint segment by segment.
 struct Segmenter {
     const Footprint& footprint;
     const std::uint32_t width, height;
-    const SmoothFlags& flags;
+    const StraightFlags& flags;
     FootprintMask& labels;
     FootprintMask& order;
     PixelStack& stack;
-    std::array<std::uint32_t, mostFootprintWidth> openColumns{};  // by row: a bit for each column without a label yet
+    std::array<std::uint32_t, mostFootprintWidth> openColumns{};  ///< by row: a bit for each column without label
     std::size_t labelledCount = 0, stackSize = 0;
 
-    void take(PixelPosition position, std::uint8_t label) {
+    void addPixel(PixelPosition position, std::uint8_t label) {
         const std::size_t pixel = position.row * width + position.column;
         openColumns[position.row] &= ~(1u << position.column);
         labels[pixel] = label;
-        order[labelledCount++] = static_cast<std::uint8_t>(pixel);  // wraps at 1 bit per pixel, where nothing reads it
+        order[labelledCount++] = static_cast<std::uint8_t>(pixel);  // truncates at 1 bit per pixel, where nothing reads it
         stack[stackSize++] = position;
     }
 
-    void takeNeighbours(PixelPosition centre, std::uint32_t seedColour, std::uint8_t label) {
+    void addNeighbours(PixelPosition centre, std::uint32_t seedColour, std::uint8_t label) {
         const std::uint32_t besideColumns = 7u << centre.column >> 1;
         for (std::uint32_t row = centre.row == 0 ? 0 : centre.row - 1; row <= std::min(centre.row + 1, height - 1); ++row) {
             for (std::uint32_t open = openColumns[row] & besideColumns; open != 0; open &= open - 1) {
@@ -76,16 +96,16 @@ struct Segmenter {
                 if ((row == centre.row && flags.horizontal[pixel] != 0) ||
                     (column == centre.column && flags.vertical[pixel] != 0) ||
                     squaredDistance(footprint[pixel], seedColour) < segmentDistance)
-                    take({row, column}, label);
+                    addPixel({row, column}, label);
             }
         }
     }
 
     void fillFrom(PixelPosition seed, std::uint8_t label) {
         const std::uint32_t seedColour = footprint[seed.row * width + seed.column];
-        take(seed, label);
+        addPixel(seed, label);
         while (stackSize != 0)
-            takeNeighbours(stack[--stackSize], seedColour, label);
+            addNeighbours(stack[--stackSize], seedColour, label);
     }
 };
 
@@ -93,8 +113,8 @@ struct Segmenter {
 
 std::uint32_t SegmentFootprint(const Footprint& footprint, const AmtcLevelSettings& settings, FootprintMask& labels,
                                FootprintMask& order) {
-    SmoothFlags flags;
-    findSmoothPixels(footprint, settings.footprintWidth, settings.footprintHeight, flags);
+    StraightFlags flags;
+    findStraightPixels(footprint, settings.footprintWidth, settings.footprintHeight, flags);
     labels.fill(unlabelled);
     PixelStack stack;
     Segmenter segmenter{footprint, settings.footprintWidth, settings.footprintHeight, flags, labels, order, stack};
@@ -102,7 +122,7 @@ std::uint32_t SegmentFootprint(const Footprint& footprint, const AmtcLevelSettin
     std::uint32_t count = 0;
     for (std::uint32_t pixel = 0; pixel < settings.footprintPixels(); ++pixel) {
         if (labels[pixel] != unlabelled) continue;
-        // The 289 pixels of 1 bit per pixel may be more segments than there are labels; the last ones share one.
+        // The 289 pixels of 1 bit per pixel may form more segments than there are labels; the last ones share label 254.
         const std::uint8_t label = static_cast<std::uint8_t>(std::min(count, unlabelled - 1u));
         segmenter.fillFrom({pixel / settings.footprintWidth, pixel % settings.footprintWidth}, label);
         ++count;

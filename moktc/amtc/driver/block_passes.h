@@ -1,6 +1,6 @@
 #pragma once
 
-#include "moktc/amtc/analysis/footprint_kernels.h"
+#include "moktc/amtc/analysis/footprint_analysis.h"
 #include "moktc/amtc/driver/level_resources.h"
 
 /// @file

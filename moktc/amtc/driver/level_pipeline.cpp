@@ -73,7 +73,9 @@ void pack(const AmtcImage& image, const AmtcLevelSettings& settings, const Block
 bool CompressLevel(const AmtcImage& image, std::uint32_t formatVersion, std::uint32_t bitsPerPixel,
                    std::uint32_t secondGeneration, std::uint8_t* destination, bool linearBlockOrder, std::uint32_t quality,
                    const LevelResources& resources) {
-    AmtcLevelSettings settings = makeLevelSettings(image.Width, image.Height, formatVersion, bitsPerPixel, secondGeneration);
+    const BlockVariant variant = {Rate(bitsPerPixel), secondGeneration != 0 ? Generation::second : Generation::first};
+    AmtcLevelSettings settings = makeLevelSettings(image.Width, image.Height, variant);
+    settings.formatVersion = static_cast<std::uint8_t>(formatVersion);
     const LevelRecords records(image, settings);
     if (!records.areAllocated()) {
         std::fprintf(stderr, "PANIC. Out of memory!? (L:%d) Compression failed\n\n", __LINE__);

@@ -1,6 +1,6 @@
 #include "moktc/amtc/evaluation/evaluation_lanes.h"
 
-#include "moktc/amtc/analysis/segmentation.h"
+#include "moktc/amtc/analysis/footprint_analysis.h"
 #include "moktc/amtc/evaluation/blend_table.h"
 
 namespace moktexture::amtc {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "moktc/amtc/analysis/segmentation.h"
+#include "moktc/amtc/analysis/footprint_analysis.h"
 #include "moktc/amtc/evaluation/blend_table.h"
 
 /// @file

@@ -5,16 +5,15 @@
 
 namespace moktexture::amtc {
 
-AmtcLevelSettings makeLevelSettings(std::int32_t width, std::int32_t height, std::uint32_t formatVersion,
-                                    std::uint32_t bitsPerPixel, std::uint32_t secondGeneration) {
+AmtcLevelSettings makeLevelSettings(std::int32_t width, std::int32_t height, BlockVariant variant) {
     AmtcLevelSettings settings{};
-    settings.formatVersion = static_cast<std::uint8_t>(formatVersion);
-    settings.bitsPerPixel = static_cast<std::uint8_t>(bitsPerPixel);
-    settings.blockWidth = bitsPerPixel == 4 ? 4 : 8;
-    settings.blockHeight = bitsPerPixel == 1 ? 8 : 4;
+    settings.formatVersion = 4;
+    settings.bitsPerPixel = static_cast<std::uint8_t>(variant.rate);
+    settings.blockWidth = variant.rate == Rate::fourBpp ? 4 : 8;
+    settings.blockHeight = variant.rate == oneBpp ? 8 : 4;
     settings.footprintWidth = static_cast<std::uint8_t>(2 * settings.blockWidth + 1);
     settings.footprintHeight = static_cast<std::uint8_t>(2 * settings.blockHeight + 1);
-    settings.secondGeneration = secondGeneration;
+    settings.secondGeneration = variant.isSecondGeneration() ? 1 : 0;
     settings.blocksDown = static_cast<std::uint32_t>(height) / settings.blockHeight;
     settings.blocksAcross = static_cast<std::uint32_t>(width) / settings.blockWidth;
     return settings;
@@ -27,7 +26,8 @@ const Candidate& BlockRecord::best() const {
 
 std::uint32_t ListRegionModes(const AmtcLevelSettings& settings, bool extended, RegionModeList& list) {
     if (settings.bitsPerPixel == 1) {
-        // Kept: the message names another routine; front ends and logs know it so.
+        // Kept (mode-list-names-another-routine): the message names `OptimiseRegion`, which lists no modes. Front ends that
+        // search the log of an encoder for this sentence find it.
         std::fputs("Exiting! 1bpp not yet implemented (OptimiseRegion)\n", stderr);
         std::abort();
     }

@@ -6,11 +6,19 @@
 
 #include "moktc/amtc/records/colour_vector.h"
 #include "moktc/amtc/records/work_image.h"
+#include "moktc/block/block_variant.h"
 
 /// @file
 /// What all passes over a level share: its settings and one record a block.
 
 namespace moktexture::amtc {
+
+using moktc::BlockVariant;
+using moktc::Generation;
+using moktc::Rate;
+
+/// The rate that was never finished: levels can be described and analysed, and the listing of its region modes aborts.
+inline constexpr Rate oneBpp{1};
 
 /// Region modes: how a block's colours reach its pixels and how its pixels choose between them.
 ///
@@ -65,11 +73,12 @@ struct AmtcLevelSettings {
     std::uint32_t useSegments;               ///< 1: connected segments share a modulation level
 
     std::size_t footprintPixels() const { return std::size_t{footprintWidth} * footprintHeight; }
+    Generation generation() const { return secondGeneration != 0 ? Generation::second : Generation::first; }
 };
 
-/// The settings that do not change from sweep to sweep, the others 0; the image's sides are multiples of the block's.
-AmtcLevelSettings makeLevelSettings(std::int32_t width, std::int32_t height, std::uint32_t formatVersion,
-                                    std::uint32_t bitsPerPixel, std::uint32_t secondGeneration);
+/// The settings that do not change from sweep to sweep; the others are 0. Width and height, in pixels, are multiples of those of
+/// a block.
+AmtcLevelSettings makeLevelSettings(std::int32_t width, std::int32_t height, BlockVariant variant);
 
 /// A representative: what a set of pixels looks like as a cloud in RGBA space.
 struct Rep {

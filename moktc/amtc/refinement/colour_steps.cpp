@@ -13,12 +13,12 @@ ColourVector sumOf(const ColourVector& colour, const ColourVector& delta) {
 }
 
 ColourPair quantise(const ColourVector& a, const ColourVector& b, const StepRules& rules) {
-    return QuantiseColourPair(rules.secondGeneration, rules.isPunchThrough, a, b);
+    return QuantiseColourPair(rules.generation, rules.isPunchThrough, a, b);
 }
 
 ColourPair roundToBytes(const ColourVector& a, const ColourVector& b, const StepRules& rules) {
     const ColourPair rounded = {roundToRGBA(a), roundToRGBA(b)};
-    return rounded.a == rounded.b ? SplitEqualPair(rules.secondGeneration, rules.isPunchThrough, a, b, rounded.a) : rounded;
+    return rounded.a == rounded.b ? SplitEqualPair(rules.generation, rules.isPunchThrough, a, b, rounded.a) : rounded;
 }
 
 /// A point beyond the two colours is held to 0 to 255; one between them needs no holding.

@@ -12,7 +12,7 @@ namespace moktexture::amtc {
 struct StepRules {
     const Rep& axes;  ///< with its bounds, holds colours if `clampToBounds`
     bool clampToBounds;
-    bool secondGeneration;
+    Generation generation;
     bool isPunchThrough;
 };
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "moktc/amtc/analysis/footprint_statistics.h"
+#include "moktc/amtc/analysis/footprint_analysis.h"
 #include "moktc/amtc/refinement/mode_candidates.h"
 #include "moktc/amtc/starts/start_candidates.h"
 
@@ -57,7 +57,7 @@ PerturbedPairs perturb(const RepStart& record, const StepRules& rules, const Amt
 /// True if the mode's best pair changed.
 bool refineMode(const Visit& visit, RepStart& record, VisitSpace& space) {
     const AmtcLevelSettings& settings = visit.settings;
-    const StepRules rules = {*record.axes, settings.clampToBounds != 0, settings.secondGeneration != 0,
+    const StepRules rules = {*record.axes, settings.clampToBounds != 0, settings.generation(),
                              record.mode == region_mode::punchThrough};
     const PerturbedPairs perturbed = perturb(record, rules, settings);
     const std::uint32_t iterations = iterationsFor(record, settings);
@@ -127,11 +127,11 @@ void VisitBlockSetup(std::uint32_t pass, const AmtcImage& image, const AmtcLevel
     Footprint footprint;
     LoadBlockFootprint(image, row, column, settings, footprint);
     if (pass == 0) {
-        AnalyseFootprint(footprint, settings, kernels.centre, kernels.sharp, kernels.smooth, block);
+        AnalyseFootprint(footprint, settings, kernels, block);
         block.lastChanged = block.lastVisited = 0;
         return;
     }
-    AnalyseDetail(footprint, settings, kernels.smooth, meansAround(gatherNeighbourhood(blockRows, settings, row, column)), block);
+    AnalyseDetail(footprint, settings, kernels, meansAround(gatherNeighbourhood(blockRows, settings, row, column)), block);
     FootprintMask labels, order;
     block.segmentable = SegmentFootprint(footprint, settings, labels, order) < settings.footprintPixels() / 4;
     SetUpStandardRepStarts(block, settings, footprint, kernels.sharp);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "moktc/amtc/analysis/footprint_kernels.h"
+#include "moktc/amtc/analysis/footprint_analysis.h"
 #include "moktc/amtc/refinement/pair_cache.h"
 
 /// @file

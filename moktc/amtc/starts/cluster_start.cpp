@@ -1,36 +1,71 @@
-#include "moktc/amtc/starts/cluster_start.h"
+// Cluster start: colours that represent the middle of a footprint, for the corner palette.
+//
+// Problem   A pixel of a corner-palette block shows one of the colours that four neighbouring blocks store, without
+//           interpolation. Its block should hold two colours that are frequent around, which need not lie on one line.
+// Idea      Adaptive k-means on the pixels of a disc around the centre: begin with two clusters, and add one where a pixel is
+//           represented badly. Pairs of the largest clusters are the candidates.
+//
+//     clusters = the pixels lowest and highest on the axis
+//     for remaining = 10 down to 0:
+//         assign each pixel to the cluster with the nearest colour A; note the pixel farthest from the mean of its cluster
+//         if remaining is 0, or the farthest distance is at most 36: sort by size, move the clusters to their means, stop
+//         move the clusters to the means of their pixels
+//         if remaining is even and there are fewer than 5 clusters: add one at the farthest pixel
+//     candidates: clusters (0,1), (0,2), (0,3), (1,2), (0,4), (1,3), ... as A and B, up to four; then the same pairs with the
+//     clusters exchanged, if there is room
+//
+// It ends after 11 steps at most. A step costs 37 pixels by at most 5 distances; nothing is allocated. Every second step adds no
+// cluster, so that the clusters move to their pixels before the next one is added.
 
 #include <algorithm>
+#include <utility>
 
 #include "moktc/amtc/starts/colour_quantiser.h"
+#include "moktc/amtc/starts/start_candidates.h"
 
 namespace moktexture::amtc {
 
 namespace {
 
+// The disc: its pixels, drawn row by row, are those nearest to the block. A larger one finds colours that the block shares with
+// more neighbours, a smaller one those of the block itself.
+//
+//     . . . . . . . . .
+//     . . . # # # . . .
+//     . . # # # # # . .
+//     . # # # # # # # .
+//     . # # # # # # # .
+//     . # # # # # # # .
+//     . . # # # # # . .
+//     . . . # # # . . .
+//     . . . . . . . . .
 constexpr std::size_t discWidth = 9;
 constexpr std::array<std::size_t, 7> discSpans = {3, 5, 7, 7, 7, 5, 3};  ///< pixels in rows 1 to 7
 constexpr std::size_t discPixels = 37;
 
-/// Positions in the footprint of the pixels of a disc around its centre, in raster order.
-constexpr std::array<std::uint8_t, discPixels> discPositions = [] {
-    std::array<std::uint8_t, discPixels> positions{};
+/// Indices in the footprint of the pixels of the disc, in raster order.
+constexpr std::array<std::uint8_t, discPixels> discIndices = [] {
+    std::array<std::uint8_t, discPixels> indices{};
     std::size_t count = 0;
     for (std::size_t row = 0; row < discSpans.size(); ++row) {
         for (std::size_t i = 0; i < discSpans[row]; ++i)
-            positions[count++] = static_cast<std::uint8_t>((row + 1) * discWidth + (discWidth - discSpans[row]) / 2 + i);
+            indices[count++] = static_cast<std::uint8_t>((row + 1) * discWidth + (discWidth - discSpans[row]) / 2 + i);
     }
-    return positions;
+    return indices;
 }();
 using DiscColours = std::array<std::uint32_t, discPixels>;
 
+// More clusters and more steps represent rare colours better; time grows with both. Four candidates hold the pairs of the three
+// largest clusters, so that more than five would hardly be used. The bytes depend on all three constants.
 constexpr std::size_t mostClusters = 5;
 constexpr int steps = 11;
-constexpr std::uint32_t closeEnough = 36;  ///< squared distance
+/// Squared distance from its cluster's mean up to which a pixel counts as represented: 6 in one channel. A smaller value adds
+/// clusters for noise, a larger one misses colours.
+constexpr std::uint32_t errorThreshold = 36;
 
 struct Cluster {
     std::uint32_t centre;
-    ColourPair stored;  ///< the centre as colour A and as colour B hold it
+    ColourPair stored;  ///< the centre, quantised to the bits of colour A and to those of colour B
     std::uint32_t count;
     std::array<std::uint32_t, channelCount> sums;
 };
@@ -40,11 +75,15 @@ struct Clusters {
     std::array<Cluster, mostClusters> list{};
 };
 
+/// From this alpha on a centre is opaque. A lower value gives nearly opaque clusters more colour bits, a higher one keeps their
+/// alpha.
+constexpr std::uint32_t lowestOpaqueCentre = 250;
+
 /// The alpha of both stored forms.
 std::uint32_t alphaOfCentre(std::uint32_t centre) {
-    constexpr std::uint32_t lowestOpaqueCentre = 250;
-    // Kept: B's is one of A's even values, though a block's translucent B has odd ones and will come out 17 higher; encoded files
-    // depend on it.
+    // Kept (cluster-b-alpha-even): B gets one of A's even values, though a block stores odd ones for a translucent B and will
+    // decode to 17 more. The refinement starts from these pairs, so that odd values would change the bytes of translucent palette
+    // blocks.
     const std::uint32_t alpha = channelOf(centre, alphaChannel);
     return alpha < lowestOpaqueCentre ? QuantiseAlpha(static_cast<float>(alpha), 0) : 255;
 }
@@ -66,7 +105,7 @@ void addCluster(Clusters& clusters, std::uint32_t seed) {
     setCentre(clusters.list[clusters.count++], seed);
 }
 
-/// Two clusters, of the pixels that lie lowest and highest on the axis.
+/// Two clusters, at the pixels that lie lowest and highest on the axis.
 Clusters seedClusters(const DiscColours& colours, const ColourVector& axis) {
     std::uint32_t lowest = colours[0], highest = colours[0];
     float least = dotProduct(toVector(colours[0]), axis), greatest = least;
@@ -87,7 +126,7 @@ Clusters seedClusters(const DiscColours& colours, const ColourVector& axis) {
     return clusters;
 }
 
-/// The cluster whose form as colour A is nearest, the first of equals.
+/// The cluster whose stored colour A is nearest, the first of equals.
 Cluster& nearestCluster(Clusters& clusters, std::uint32_t colour) {
     std::size_t nearest = 0;
     std::uint32_t least = squaredDistance(colour, clusters.list[0].stored.a);
@@ -105,7 +144,7 @@ struct FarthestPixel {
     std::uint32_t colour, distance;
 };
 
-/// Gives each pixel to a cluster. Returns the pixel farthest from its cluster's centre, the last of equals.
+/// Assigns each pixel to a cluster. Returns the pixel farthest from the mean of its cluster, the last of equals.
 FarthestPixel assignPixels(Clusters& clusters, const DiscColours& colours) {
     for (Cluster& cluster : clusters.list) {
         cluster.count = 0;
@@ -117,15 +156,16 @@ FarthestPixel assignPixels(Clusters& clusters, const DiscColours& colours) {
         ++cluster.count;
         for (std::size_t channel = 0; channel < channelCount; ++channel)
             cluster.sums[channel] += channelOf(colour, channel);
-        // Kept: the cluster is the nearest by its stored colour A, and the distance is that from its mean, which another
-        // cluster's may be nearer than; encoded files depend on it.
+        // Kept (cluster-distances-differ): the pixel is assigned by the stored colour A and its distance is that from the mean,
+        // although another cluster's mean may be nearer. The choice of the next cluster depends on it, and with it the candidates
+        // of every corner-palette block.
         const std::uint32_t distance = squaredDistance(colour, cluster.centre);
         if (distance >= farthest.distance) farthest = {colour, distance};
     }
     return farthest;
 }
 
-/// Moves the centres to the rounded means of their pixels; a cluster without pixels stays.
+/// Moves the centres to the rounded means of their pixels; a cluster without pixels keeps its centre.
 void updateCentres(Clusters& clusters) {
     for (std::size_t i = 0; i < clusters.count; ++i) {
         Cluster& cluster = clusters.list[i];
@@ -137,7 +177,7 @@ void updateCentres(Clusters& clusters) {
     }
 }
 
-/// Most pixels first; of equals, the one that came first.
+/// Largest first; equal ones keep their order.
 void sortByCount(Clusters& clusters) {
     const auto holdsMore = [](const Cluster& first, const Cluster& second) { return first.count > second.count; };
     for (std::size_t i = 1; i < clusters.count; ++i) {
@@ -146,12 +186,11 @@ void sortByCount(Clusters& clusters) {
     }
 }
 
-/// Adaptive k-means: every second step adds a cluster while a pixel lies far from its own.
 Clusters findClusters(const DiscColours& colours, const ColourVector& axis) {
     Clusters clusters = seedClusters(colours, axis);
     for (int remaining = steps - 1;; --remaining) {
         const FarthestPixel farthest = assignPixels(clusters, colours);
-        const bool isLast = remaining == 0 || farthest.distance <= closeEnough;
+        const bool isLast = remaining == 0 || farthest.distance <= errorThreshold;
         if (isLast) sortByCount(clusters);
         updateCentres(clusters);
         if (isLast) return clusters;
@@ -164,10 +203,10 @@ Clusters findClusters(const DiscColours& colours, const ColourVector& axis) {
 void ClusterStart(const ColourVector& axis, const Footprint& footprint, RepStart& start) {
     DiscColours colours;
     for (std::size_t i = 0; i < discPixels; ++i)
-        colours[i] = footprint[discPositions[i]];
+        colours[i] = footprint[discIndices[i]];
     const Clusters clusters = findClusters(colours, axis);
 
-    // The pairs of large clusters come first.
+    // By ascending sum of the indices, so that pairs of large clusters come first.
     std::size_t count = 0;
     for (std::size_t sum = 1; sum <= 2 * clusters.count; ++sum) {
         for (std::size_t i = 0; 2 * i < sum && count < mostCandidates; ++i) {
@@ -175,8 +214,8 @@ void ClusterStart(const ColourVector& axis, const Footprint& footprint, RepStart
             start.candidates[count++] = {clusters.list[i].stored.a, clusters.list[sum - i].stored.b};
         }
     }
-    // Kept: the exchange does not requantise the colours for their new places, where the block stores the bits that fit;
-    // encoded files depend on it.
+    // Kept (exchanged-pairs-not-requantised): the exchange does not quantise the colours for their new positions, where the block
+    // stores other bits.
     for (std::size_t i = 0, found = count; i < found && count < mostCandidates; ++i)
         start.candidates[count++] = {start.candidates[i].colourB, start.candidates[i].colourA};
     start.count = static_cast<std::uint8_t>(count);

@@ -1,3 +1,26 @@
+// Colour quantiser: from two wanted colours to a pair that a block can hold.
+//
+// Problem   A block stores its colours with few bits:
+//
+//                         R  G  B  alpha
+//               opaque A  5  5  4    -      translucent A  4  4  3  even 4-bit values
+//               opaque B  5  5  5    -      translucent B  4  4  4  even ones, odd ones in the second generation
+//
+//           Rounding each colour by itself is right for colours far apart. For close ones it is not: both may round to the same
+//           code, and the levels between A and B, which could come nearer to the wanted colours than any code does, collapse.
+// Idea      Three regimes by the squared distance of the wanted colours over the four channels:
+//
+//               below 3     the colours are the same after rounding: a pair one of whose blends hits that colour
+//                           (single_colour.cpp), oriented so that A is near the wanted A
+//               below 64    try three pairs further apart, such that the wanted colours fall near neighbouring levels, 0 and 3/8,
+//                           3/8 and 5/8, or 5/8 and 1; take the one with the smallest squared error at those levels
+//               otherwise   round each channel to its nearest code
+//
+// Ties      In a channel half-way between two codes, A moves away from B and B away from A, so that the pair spans the wanted
+//           range. Of two alphas equally near, the higher is taken; of pairs with equal errors, the first.
+// Cost      Constant: at most 3 pairs of 8 channels. A channel takes one table lookup and one comparison, because codes are more
+//           than one apart: between two integers there is at most one rounding threshold.
+
 #include "moktc/amtc/starts/colour_quantiser.h"
 
 #include <algorithm>
@@ -8,18 +31,28 @@ namespace moktexture::amtc {
 
 namespace {
 
+/// Squared distance over the four channels below which the wanted colours count as one: about 1 in each of three channels. A
+/// larger value loses real differences, a smaller one leaves pairs to collapse to one code.
+constexpr float sameColourDistance = 3;
+/// Squared distance below which the three placements are tried: 8 in one channel, about one step of 5 bits. A larger value tries
+/// them for more pairs, which costs time.
+constexpr float closeColourDistance = 64;
+/// A pair whose alphas are both at least this is opaque. A lower value gives nearly opaque pairs more colour bits, a higher one
+/// keeps more of their alpha.
+constexpr float lowestOpaqueAlpha = 253;
+
 constexpr std::uint32_t fewestBits = 3, mostBits = 5;
 
-/// What the values from one integer up to the next round to: `lower` below the threshold, `upper` above it, either on it.
+/// The rounding of the values from one integer up to the next: to `lower` below the threshold, to `upper` above it, to either on
+/// it.
 struct RoundingStep {
     float threshold;
     std::uint8_t lower, upper;
 };
 
-/// One step an integer from 0 to 255.
+/// One step per integer from 0 to 255.
 using RoundingSteps = std::array<RoundingStep, 256>;
 
-/// Codes are more than one apart, so that two of them at most are nearest to values between two integers.
 constexpr RoundingSteps makeRoundingSteps(std::uint32_t bits) {
     RoundingSteps steps{};
     std::uint32_t code = 0;
@@ -34,7 +67,7 @@ constexpr RoundingSteps makeRoundingSteps(std::uint32_t bits) {
     return steps;
 }
 
-/// By bits, from 3.
+/// Entry 0 is for 3 bits.
 constexpr std::array<RoundingSteps, mostBits - fewestBits + 1> roundingSteps = {makeRoundingSteps(3), makeRoundingSteps(4),
                                                                                 makeRoundingSteps(5)};
 
@@ -54,16 +87,14 @@ inline std::uint32_t quantiseAlpha(float value, std::uint32_t lowBit) {
     return toUpper <= toLower ? upper : lower;
 }
 
-/// A pair from this alpha on, on both sides, is opaque.
-constexpr float lowestOpaqueAlpha = 253;
-
-/// Quantises both colours, opaque if `isOpaque`, else with the alphas that they have. On a tie a channel of A moves away from
-/// that of B, and the other way round.
-inline ColourPair quantiseEach(bool secondGeneration, bool isOpaque, const ColourVector& floatA, const ColourVector& floatB) {
+/// Quantises both colours, opaque if `isOpaque`, else with the alphas that they have.
+inline ColourPair quantiseEach(Generation generation, bool isOpaque, const ColourVector& floatA, const ColourVector& floatB) {
+    const bool secondGeneration = generation == Generation::second;
     const std::uint32_t alphaA = isOpaque ? 255 : quantiseAlpha(floatA[alphaChannel], 0);
     const std::uint32_t alphaB = isOpaque ? 255 : quantiseAlpha(floatB[alphaChannel], secondGeneration ? 1 : 0);
-    // Kept: in the second generation an alpha of 255 for A or 0 for B stays beside a translucent other, though the block will
-    // hold 238 or 17; the search weighs such pairs by what they claim to be, and encoded files depend on it.
+    // Kept (unstorable-alphas-stay): in the second generation an alpha of 255 for A or 0 for B stays beside a translucent other,
+    // though the block will hold 238 or 17. The refinement computes the errors of such a pair with these values, so that rounding
+    // them here would make it choose other pairs and blocks.
     const bool isOpaqueA = alphaA == 255 && (!secondGeneration || alphaB == 255);
     const bool isOpaqueB = alphaB == 255 && (!secondGeneration || alphaA == 255);
     const ChannelBits& depthsA = bitsOfA[isOpaqueA ? 1 : 0];
@@ -77,26 +108,27 @@ inline ColourPair quantiseEach(bool secondGeneration, bool isOpaque, const Colou
     return pair;
 }
 
-/// Where on the line between the stored colours the wanted ones are to lie.
+/// The positions on the line between the stored colours where the wanted ones are to lie.
 struct Placement {
     float fractionA, fractionB;
 };
 constexpr std::array<Placement, 3> placements = {{{0, 0.375f}, {0.375f, 0.625f}, {0.625f, 1}}};
 
-/// For colours less than two steps of the format apart: a pair further apart between two of whose levels they lie.
-ColourPair placeBetweenLevels(bool secondGeneration, bool isOpaque, const ColourVector& floatA, const ColourVector& floatB) {
+/// The best of the pairs further apart that have the wanted colours near two neighbouring levels.
+ColourPair placeBetweenLevels(Generation generation, bool isOpaque, const ColourVector& floatA, const ColourVector& floatB) {
     ColourPair best{};
     float bestError = std::numeric_limits<float>::infinity();
     for (const Placement& placement : placements) {
-        // Kept: the pair is moved apart by the fractions of its own distance, which falls short of bringing the wanted colours to
-        // the levels exactly; encoded files depend on it.
+        // Kept (close-pairs-miss-their-levels): the ends move apart by fractions of the wanted colours' distance, not of the
+        // pair's own, which is larger; the wanted colours lie near the levels and not on them. Start candidates and the
+        // refinement both round through here, so that the exact pair would change most encoded blocks of smooth images.
         ColourVector a, b;
         for (std::size_t channel = 0; channel < channelCount; ++channel) {
             const float difference = floatB[channel] - floatA[channel];
             a[channel] = floatA[channel] - difference * placement.fractionA;
             b[channel] = floatB[channel] + difference * (1 - placement.fractionB);
         }
-        const ColourPair pair = quantiseEach(secondGeneration, isOpaque, a, b);
+        const ColourPair pair = quantiseEach(generation, isOpaque, a, b);
         const ColourVector storedA = toVector(pair.a), storedB = toVector(pair.b);
         const float error = squaredDistance(pointBetween(storedA, storedB, placement.fractionA), floatA) +
                             squaredDistance(pointBetween(storedA, storedB, placement.fractionB), floatB);
@@ -122,14 +154,13 @@ std::uint32_t QuantiseAlpha(float value, std::uint32_t lowBit) {
     return quantiseAlpha(value, lowBit);
 }
 
-ColourPair QuantiseColourPair(bool secondGeneration, bool isPunchThrough, const ColourVector& floatA,
+ColourPair QuantiseColourPair(Generation generation, bool isPunchThrough, const ColourVector& floatA,
                               const ColourVector& floatB) {
-    constexpr float sameColour = 3, fewSteps = 64;
     const bool isOpaque = floatA[alphaChannel] >= lowestOpaqueAlpha && floatB[alphaChannel] >= lowestOpaqueAlpha;
     const float distance = squaredDistance(floatA, floatB);
-    if (distance < sameColour) return SplitEqualPair(secondGeneration, isPunchThrough, floatA, floatB, roundToRGBA(floatA));
-    if (distance < fewSteps) return placeBetweenLevels(secondGeneration, isOpaque, floatA, floatB);
-    return quantiseEach(secondGeneration, isOpaque, floatA, floatB);
+    if (distance < sameColourDistance) return SplitEqualPair(generation, isPunchThrough, floatA, floatB, roundToRGBA(floatA));
+    if (distance < closeColourDistance) return placeBetweenLevels(generation, isOpaque, floatA, floatB);
+    return quantiseEach(generation, isOpaque, floatA, floatB);
 }
 
 }  // namespace moktexture::amtc

@@ -3,11 +3,11 @@
 #include "moktc/amtc/records/level_records.h"
 
 /// @file
-/// From colours as they should be to pairs that a block can hold. Results are RGBA8 with the stored bits expanded.
+/// From wanted colours to pairs that a block can hold. Results are RGBA8 with the stored bits expanded, as a decoder sees them.
 
 namespace moktexture::amtc {
 
-/// The 8 bits that a decoder makes of a stored code of `bits` (3 to 5).
+/// The 8 bits to which a decoder expands a stored code of `bits` (3 to 5).
 constexpr std::uint32_t expandToByte(std::uint32_t code, std::uint32_t bits) {
     if (bits == 5) return code << 3 | code >> 2;
     if (bits == 4) return code << 4 | (code & 8) | code >> 1;
@@ -17,33 +17,58 @@ constexpr std::uint32_t expandToByte(std::uint32_t code, std::uint32_t bits) {
 /// Stored bits of red, green and blue.
 using ChannelBits = std::array<std::uint32_t, 3>;
 
-// Rows: a translucent and an opaque colour. Columns: bits of red, green and blue.
 // clang-format off
+//                                                    translucent  opaque
+//                                                     R  G  B    R  G  B
 inline constexpr std::array<ChannelBits, 2> bitsOfA = {{{4, 4, 3}, {5, 5, 4}}};
 inline constexpr std::array<ChannelBits, 2> bitsOfB = {{{4, 4, 4}, {5, 5, 5}}};
 // clang-format on
 
-/// The nearest of the codes of `bits` (3 to 5), expanded to 8 bits; of two equally near the upper one if `preferUpper`. `value`
-/// is from 0 to 255; what lies beyond is held to that, and what is not a number gives 0.
+/// The nearest of the codes of `bits` (3 to 5), expanded to 8 bits; of two equally near the upper one if `preferUpper`. Values
+/// below 0 and above 255 are clamped; a value that is not a number gives 0.
 std::uint32_t QuantiseChannel(float value, std::uint32_t bits, bool preferUpper);
 std::uint32_t QuantiseChannelByte(std::uint32_t value, std::uint32_t bits, bool preferUpper);
 
-/// The nearest, as 8 bits, of three alphas, the higher of two equals: q * 17, the next value with that low bit (0 or 1), and 255,
-/// which marks an opaque colour. q is the value's 4-bit floor with that low bit. Only at or below 0 is it 0 whatever the low bit.
+/// The nearest, as 8 bits, of three alphas, the higher of two equally near: q * 17, (q + 2) * 17, and 255, which marks an opaque
+/// colour. q is the value's 4-bit floor with its low bit replaced by `lowBit` (0 or 1). At or below 0 the result is 0 for either
+/// low bit.
 std::uint32_t QuantiseAlpha(float value, std::uint32_t lowBit);
 
-/// The pair of storable colours for two wanted ones.
-ColourPair QuantiseColourPair(bool secondGeneration, bool isPunchThrough, const ColourVector& floatA, const ColourVector& floatB);
+/// The pair of storable colours for two wanted ones, in channels of 0 to 255.
+ColourPair QuantiseColourPair(Generation generation, bool isPunchThrough, const ColourVector& floatA, const ColourVector& floatB);
 
-/// By channel: whether A's and B's values may change places.
+/// By channel: whether the values of A and B may be exchanged.
 using Swappable = std::array<bool, channelCount>;
 
-/// A pair one of whose blends comes close to one RGBA8 colour. `narrow` keeps A and B close together.
-ColourPair SingleColourMatch(std::uint32_t colour, bool isPunchThrough, bool secondGeneration, bool narrow, Swappable& swappable);
+/// A pair one of whose blends comes near to one RGBA8 colour. With `narrow` A and B lie close together.
+ColourPair SingleColourMatch(std::uint32_t colour, bool isPunchThrough, Generation generation, bool narrow, Swappable& swappable);
 
-/// For wanted colours that `equalColour` (RGBA8) came out of for both: a pair around it, turned so that each side is near its
-/// own.
-ColourPair SplitEqualPair(bool secondGeneration, bool isPunchThrough, const ColourVector& floatA, const ColourVector& floatB,
+/// A pair around `equalColour` (RGBA8), to which both wanted colours were rounded, oriented so that each is near its own side.
+ColourPair SplitEqualPair(Generation generation, bool isPunchThrough, const ColourVector& floatA, const ColourVector& floatB,
                           std::uint32_t equalColour);
+
+/// One way to produce a target byte with a pair of storable values.
+struct SingleColourOption {
+    std::uint8_t error;  ///< squared difference from the target, at most 255
+    std::uint8_t a, b;   ///< expanded to 8 bits
+};
+
+/// The options of one target byte, by the position on the way from A to B that is to produce it:
+///
+///     0: A    1: 3/8    2: 1/2    3: 5/8    4: B    5 to 7: as 1 to 3, with A and B close together
+using SingleColourRow = std::array<SingleColourOption, 8>;
+
+/// One row per target byte.
+using SingleColourTable = std::array<SingleColourRow, 256>;
+
+/// Tables by the bits that A and B store of a channel. The values of the alpha tables are 4-bit values times 17: in the first
+/// generation the even ones and 255, in the second the even ones for A and the odd ones for B.
+struct SingleColourTables {
+    SingleColourTable a5b5, a4b5, a4b4, a3b4, a3b5, alpha, alpha2;
+};
+static_assert(sizeof(SingleColourTables) == 43008);
+
+/// Generated by the compiler, so that threads share them without initialisation.
+extern const SingleColourTables singleColourTables;
 
 }  // namespace moktexture::amtc

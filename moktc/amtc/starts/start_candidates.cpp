@@ -1,32 +1,51 @@
+// Start candidates: the colour pairs from which the refinement of each region mode begins.
+//
+// Problem   The refinement improves a pair step by step and finds a local minimum only; what it reaches depends on where it
+//           starts.
+// Idea      Each region mode starts from the representative that describes the pixels as this mode shows them:
+//
+//     mode                 pixels                                   axis and bounds
+//      0  standard         whole footprint                          the detail's or the whole's, see `axesOfSmoothModes`
+//      1  punch-through    opaque pixels                            axis of the opaque detail, bounds of the opaque pixels
+//      2  flat             the block itself                         its own
+//      3  corner palette   clusters (cluster_start.cpp)             axis of the whole for the first two clusters
+//      8  direct           as 0
+//      9, 10, 11           copies of 8
+//     12  flat direct      as 2
+//     13, 14, 15           copies of 12
+//
+//           A representative of one colour gives two pairs around that colour (single_colour.cpp). Any other gives the pair
+//           fitted along the axis (axis_endpoints.cpp), and three pairs inside it, for blocks whose pixels gather away from the
+//           ends.
+// Cost      One axis search per distinct start: at most three per block and, for mode 3, one clustering.
+
 #include "moktc/amtc/starts/start_candidates.h"
 
 #include <cstdio>
 #include <cstdlib>
 
 #include "moktc/amtc/starts/axis_endpoints.h"
-#include "moktc/amtc/starts/cluster_start.h"
 #include "moktc/amtc/starts/colour_quantiser.h"
 
 namespace moktexture::amtc {
 
 namespace {
 
-/// A block's pixels and what tells how they count.
+/// The pixels of a block and their weights.
 struct StartInput {
     const AmtcLevelSettings& settings;
     const Footprint& footprint;
     const FootprintKernel& sharpKernel;
-
-    bool secondGeneration() const { return settings.secondGeneration != 0; }
 };
 
-/// Where on the line of the first candidate the others have their A and B.
+/// The positions of A and B of the further candidates on the line of the first one. More of them would start more refinements,
+/// whose time grows linearly; four candidates are what a record holds. The bytes depend on them.
 struct LineFractions {
     float a, b;
 };
 constexpr std::array<LineFractions, 3> furtherCandidates = {{{0.25f, 0.75f}, {0.25f, 1}, {0, 0.75f}}};
 
-/// How far the pixels reach along all four axes together.
+/// The sum of the extents of the pixels along the four axes.
 float RepRange(const Rep& rep) {
     float range = 0;
     for (std::size_t axis = 0; axis < channelCount; ++axis)
@@ -34,9 +53,10 @@ float RepRange(const Rep& rep) {
     return range;
 }
 
-/// The representative whose axes the smooth modes follow.
+/// The representative whose axes the smooth modes use.
 const Rep& axesOfSmoothModes(const BlockRecord& block) {
-    // Kept: of the whole and its detail the one with the smaller range gives the axes; encoded files depend on it.
+    // Kept (axes-of-smaller-range): of the whole and its detail the one with the smaller range gives the axes. `RepStart::axes`,
+    // to whose bounds the refinement clamps solved colours, depends on it for every block of modes 0 and 8.
     const bool detailIsSmaller = RepRange(block.reps[wholeRep]) >= RepRange(block.reps[detailRep]);
     return block.reps[detailIsSmaller ? detailRep : wholeRep];
 }
@@ -45,14 +65,14 @@ void addCandidate(RepStart& start, const ColourPair& pair) {
     start.candidates[start.count++] = {pair.a, pair.b};
 }
 
-/// Candidates around the one colour of a flat footprint.
+/// Candidates around the one colour of a flat representative.
 void startFromColour(const StartInput& input, bool isPunchThrough, const Rep& rep, RepStart& start) {
     std::uint32_t colour = 0;
     for (std::size_t channel = 0; channel < channelCount; ++channel)
         colour |= std::uint32_t{rep.meanColour[channel]} << 8 * channel;
     Swappable swappable{};
     for (const bool narrow : {false, true})
-        addCandidate(start, SingleColourMatch(colour, isPunchThrough, input.secondGeneration(), narrow, swappable));
+        addCandidate(start, SingleColourMatch(colour, isPunchThrough, input.settings.generation(), narrow, swappable));
     start.isFlatStart = 1;
 }
 
@@ -63,25 +83,31 @@ void startFromLine(const StartInput& input, bool isPunchThrough, const Rep& axis
     addCandidate(start, pair);
     const ColourVector a = toVector(pair.a), b = toVector(pair.b);
     for (const LineFractions& fractions : furtherCandidates)
-        addCandidate(start, QuantiseColourPair(input.secondGeneration(), isPunchThrough, pointBetween(a, b, fractions.a),
+        addCandidate(start, QuantiseColourPair(input.settings.generation(), isPunchThrough, pointBetween(a, b, fractions.a),
                                                pointBetween(a, b, fractions.b)));
 }
 
-/// Candidates for the pixels of `rep`, which lie along the axes of `axisRep`.
-RepStart RepFromAxis(const StartInput& input, bool isPunchThrough, const Rep& rep, const Rep& axisRep, const Rep& bounds) {
+/// The representatives that one start uses.
+struct StartReps {
+    const Rep& pixels;  ///< what the candidates are to show
+    const Rep& axis;    ///< its first axis is the line along which they are sought
+    const Rep& bounds;  ///< to which the refinement will clamp
+};
+
+RepStart RepFromAxis(const StartInput& input, bool isPunchThrough, const StartReps& reps) {
     RepStart start{};
-    start.axes = &bounds;
-    if (rep.isFlat != 0)
-        startFromColour(input, isPunchThrough, rep, start);
+    start.axes = &reps.bounds;
+    if (reps.pixels.isFlat != 0)
+        startFromColour(input, isPunchThrough, reps.pixels, start);
     else
-        startFromLine(input, isPunchThrough, axisRep, start);
+        startFromLine(input, isPunchThrough, reps.axis, start);
     return start;
 }
 
-/// The start of the modes that upscale the colours without holes.
+/// The start of the modes that upscale the colours and punch no holes.
 RepStart startOfSmoothModes(const StartInput& input, const BlockRecord& block) {
     const Rep& axes = axesOfSmoothModes(block);
-    return RepFromAxis(input, false, block.reps[wholeRep], axes, axes);
+    return RepFromAxis(input, false, {block.reps[wholeRep], axes, axes});
 }
 
 RepStart startFromClusters(const StartInput& input, const Rep& rep) {
@@ -100,10 +126,10 @@ RepStart makeStart(std::uint32_t mode, const BlockRecord& block, const StartInpu
         case direct:
             return startOfSmoothModes(input, block);
         case punchThrough:
-            return RepFromAxis(input, true, reps[opaqueRep], reps[opaqueDetailRep], reps[opaqueRep]);
+            return RepFromAxis(input, true, {reps[opaqueRep], reps[opaqueDetailRep], reps[opaqueRep]});
         case flat4bpp:
         case flatDirect:
-            return RepFromAxis(input, false, reps[centreRep], reps[centreRep], reps[centreRep]);
+            return RepFromAxis(input, false, {reps[centreRep], reps[centreRep], reps[centreRep]});
         case cornerPalette:
             return startFromClusters(input, reps[wholeRep]);
         case average:
@@ -124,7 +150,8 @@ RepStart makeStart(std::uint32_t mode, const BlockRecord& block, const StartInpu
 
 std::uint32_t startingRegionMode(const AmtcLevelSettings& settings, bool transparentInCentre) {
     if (settings.bitsPerPixel == 1) {
-        // Kept: this rate was never built; the list of modes ends the process before with a message of its own.
+        // Kept (first-mode-aborts-at-1bpp): this rate was never finished. `ListRegionModes` aborts before with a message of its
+        // own; a caller that comes here directly finds this message in its log.
         std::fputs("Exiting - 1bpp not yet implemented (SetUpStandardRepStarts)!\n", stderr);
         std::abort();
     }

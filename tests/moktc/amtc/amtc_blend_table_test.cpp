@@ -16,7 +16,8 @@ BlendTable tableOf(std::uint32_t bitsPerPixel, std::uint32_t mode, std::uint32_t
     Neighbourhood neighbours;
     neighbours.fill(&neighbour);
     BlendTable table;
-    CreateBlendingAndUpdateWeights(mode, neighbours, variant, makeLevelSettings(16, 16, 4, bitsPerPixel, generation - 1), table);
+    CreateBlendingAndUpdateWeights(mode, neighbours, variant,
+                                   makeLevelSettings(16, 16, {Rate(bitsPerPixel), Generation(generation - 1)}), table);
     return table;
 }
 

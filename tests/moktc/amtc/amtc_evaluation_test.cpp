@@ -27,7 +27,8 @@ BlendTable tableOf(std::uint32_t bitsPerPixel, std::uint32_t generation, std::ui
     Neighbourhood neighbours;
     neighbours.fill(&neighbour);
     BlendTable table;
-    CreateBlendingAndUpdateWeights(mode, neighbours, 0, makeLevelSettings(16, 16, 4, bitsPerPixel, generation), table);
+    CreateBlendingAndUpdateWeights(mode, neighbours, 0, makeLevelSettings(16, 16, {Rate(bitsPerPixel), Generation(generation)}),
+                                   table);
     return table;
 }
 

@@ -5,9 +5,8 @@
 #include <functional>
 #include <tuple>
 
-#include "moktc/amtc/analysis/eigen_symmetric.h"
-#include "moktc/amtc/analysis/footprint_kernels.h"
-#include "moktc/amtc/analysis/footprint_statistics.h"
+#include "moktc/amtc/analysis/footprint_analysis.h"
+#include "moktc/amtc/analysis/representative.h"
 #include "support/test_images.h"
 
 namespace {
@@ -16,8 +15,6 @@ using namespace moktexture::amtc;
 using Bytes = std::array<std::uint8_t, channelCount>;
 /// The colour of a pixel at a row and a column of a footprint.
 using Painter = std::function<std::uint32_t(std::size_t, std::size_t)>;
-
-constexpr SquareMatrix identity = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
 
 constexpr std::uint32_t rgba(std::uint32_t r, std::uint32_t g, std::uint32_t b, std::uint32_t a) {
     return r | g << 8 | b << 16 | a << 24;
@@ -32,7 +29,7 @@ Painter below(std::size_t at, std::uint32_t above, Painter painter) {
 
 struct Format {
     std::uint32_t bitsPerPixel, secondGeneration;
-    AmtcLevelSettings settings = makeLevelSettings(64, 64, 4, bitsPerPixel, secondGeneration);
+    AmtcLevelSettings settings = makeLevelSettings(64, 64, {Rate(bitsPerPixel), Generation(secondGeneration)});
     FootprintKernels kernels = makeFootprintKernels(settings);
 
     /// All five representatives of a footprint.
@@ -41,8 +38,8 @@ struct Format {
         for (std::size_t i = 0; i < settings.footprintPixels(); ++i)
             footprint[i] = painter(i / settings.footprintWidth, i % settings.footprintWidth);
         BlockRecord block{};
-        AnalyseFootprint(footprint, settings, kernels.centre, kernels.sharp, kernels.smooth, block);
-        AnalyseDetail(footprint, settings, kernels.smooth, means, block);
+        AnalyseFootprint(footprint, settings, kernels, block);
+        AnalyseDetail(footprint, settings, kernels, means, block);
         return block;
     }
 };
@@ -51,7 +48,7 @@ struct Format {
 void expectFlat(const Rep& rep, const ColourVector& colour, const Bytes& mean, const ColourVector& projMin,
                 const ColourVector& projMax) {
     EXPECT_EQ(rep.isFlat, 1u);
-    EXPECT_EQ(rep.axes, identity);
+    EXPECT_EQ(rep.axes, identityMatrix);
     EXPECT_EQ(rep.meanColour, mean);
     EXPECT_EQ(std::tie(rep.minColour, rep.maxColour, rep.projMin, rep.projMax), std::tie(colour, colour, projMin, projMax));
 }
@@ -95,7 +92,7 @@ TEST(EigenSymmetric, TurnsByTheSmallerAngleAndSortsBySwapping) {
     SquareMatrix vectors;
     EigenSymmetric({{{3, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 7, 0}, {0, 0, 0, 3}}}, 4, values, vectors);
     EXPECT_EQ(values, (ColourVector{7, 3, 3, 1}));
-    EXPECT_EQ(vectors, (SquareMatrix{identity[2], identity[0], identity[3], identity[1]}));
+    EXPECT_EQ(vectors, (SquareMatrix{identityMatrix[2], identityMatrix[0], identityMatrix[3], identityMatrix[1]}));
     EigenSymmetric({{{2, -1}, {-1, 2}}}, 2, values, vectors);
     EXPECT_FLOAT_EQ(vectors[0][0], std::sqrt(0.5f));
     EXPECT_FLOAT_EQ(vectors[0][1], -std::sqrt(0.5f));

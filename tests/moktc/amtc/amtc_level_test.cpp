@@ -32,7 +32,7 @@ const SweepCase sweepCases[] = {
 TEST(AmtcSweeps, WidenTheSearchAsTheyGoOn) {
     for (const SweepCase& effort : sweepCases) {
         ASSERT_EQ(sweepCount(effort.quality), effort.sweeps);
-        AmtcLevelSettings settings = makeLevelSettings(64, 8, 4, 4, effort.generation - 1);
+        AmtcLevelSettings settings = makeLevelSettings(64, 8, {Rate::fourBpp, Generation(effort.generation - 1)});
         for (std::uint32_t sweep = 0; sweep < effort.sweeps; ++sweep) {
             const AmtcLevelSettings previous = settings;
             SetSweepSettings(effort.quality, effort.sweeps, sweep, settings, previous);
@@ -45,7 +45,7 @@ TEST(AmtcSweeps, WidenTheSearchAsTheyGoOn) {
         }
     }
     EXPECT_EQ(sweepCount(255), 32u) << "held to the best effort";
-    AmtcLevelSettings narrow = makeLevelSettings(4, 64, 4, 4, 1);
+    AmtcLevelSettings narrow = makeLevelSettings(4, 64, {Rate::fourBpp, Generation::second});
     SetSweepSettings(2, 8, 3, narrow, narrow);
     EXPECT_EQ(narrow.neighbourModeVariants, 0u) << "one block across";
 }

@@ -24,7 +24,7 @@ struct RandomLevel {
     RandomLevel(AmtcImage& workImage, const Grid& grid, testimages::Kind kind, testimages::Random& random) : image(&workImage) {
         image->Width = static_cast<std::int32_t>(grid.across * (grid.bitsPerPixel == 2 ? 8 : 4));
         image->Height = static_cast<std::int32_t>(grid.down * 4);
-        settings = makeLevelSettings(image->Width, image->Height, 4, grid.bitsPerPixel, grid.generation);
+        settings = makeLevelSettings(image->Width, image->Height, {Rate(grid.bitsPerPixel), Generation(grid.generation)});
         const auto bytes = testimages::make(kind, width(), height(), random.next());
         for (std::uint32_t y = 0; y < height(); ++y)
             std::memcpy(image->Pixels[y], &bytes[y * width() * 4], width() * 4);
@@ -126,10 +126,10 @@ TEST(AmtcPacking, TellsAndEvaluatesTheErrorsThatTheDecoderMakes) {
 }
 
 TEST(AmtcPackingDeathTest, EndsTheProcessWhereNoBlockCanBeMade) {
-    EXPECT_DEATH_IF_SUPPORTED(packColourWord({0, 0}, 0, makeLevelSettings(8, 8, 4, 1, 0)),
+    EXPECT_DEATH_IF_SUPPORTED(packColourWord({0, 0}, 0, makeLevelSettings(8, 8, {oneBpp, Generation::first})),
                               "Exiting! 1BPP mode not yet implemented \\(PackLocalBlock\\)");
     RegionModeList modes;
-    EXPECT_DEATH_IF_SUPPORTED(ListRegionModes(makeLevelSettings(8, 8, 4, 1, 0), false, modes),
+    EXPECT_DEATH_IF_SUPPORTED(ListRegionModes(makeLevelSettings(8, 8, {oneBpp, Generation::first}), false, modes),
                               "Exiting! 1bpp not yet implemented \\(OptimiseRegion\\)");
     requireOneBitLevel(3);
     EXPECT_DEATH_IF_SUPPORTED(requireOneBitLevel(2), "Special case T00 expected 0 or 3 \\(got 2\\)");

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "moktc/amtc/starts/colour_quantiser.h"
-#include "moktc/amtc/starts/single_colour_tables.h"
 #include "moktc/block/colour_interpolation.h"
 #include "moktc/block/moktc_block.h"
 #include "support/test_images.h"
@@ -114,21 +113,22 @@ TEST(AmtcQuantiser, SingleColoursTakeTheOptionThatServesAllChannelsBest) {
     for (const auto& test : cases) {
         Swappable swappable{};
         for (std::size_t i = 0; i < 4; ++i)
-            EXPECT_EQ(SingleColourMatch(test.colour, i >= 2, true, i % 2 != 0, swappable), test.expected[i]) << test.colour << i;
+            EXPECT_EQ(SingleColourMatch(test.colour, i >= 2, Generation::second, i % 2 != 0, swappable), test.expected[i])
+                << test.colour << i;
     }
 }
 
 TEST(AmtcQuantiser, AnOpaqueBBesideATranslucentAGetsItsOwnDepths) {
     for (const std::uint32_t alpha : {200u, 244u}) {
         Swappable swappable{};
-        const AmtcPair pair = SingleColourMatch(rgba(100, 60, 20, alpha), false, false, false, swappable);
+        const AmtcPair pair = SingleColourMatch(rgba(100, 60, 20, alpha), false, Generation::first, false, swappable);
         EXPECT_EQ(pair.b >> 24 == 255, alpha == 244);
         EXPECT_EQ(swappable, alpha == 244 ? Swappable{} : (Swappable{true, true, false, true}));
         EXPECT_EQ(throughBlock(pair, false), pair) << alpha;
     }
     // A opaque as well: blue 181 is of 3 bits and is stored as 189.
     Swappable swappable{};
-    const AmtcPair pair = SingleColourMatch(0xf7adffff, true, false, true, swappable);
+    const AmtcPair pair = SingleColourMatch(0xf7adffff, true, Generation::first, true, swappable);
     EXPECT_EQ(pair, (AmtcPair{0xffb5ffff, 0xffadffff}));
     EXPECT_EQ(throughBlock(pair, false).a, 0xffbdffffu);
 }
@@ -144,11 +144,11 @@ TEST(AmtcQuantiser, PairsFitTheBlock) {
         }
         const bool secondGeneration = random.below(2) != 0, isPunchThrough = random.below(2) != 0;
         if (!secondGeneration && roundToByte(a[alphaChannel]) == 247) continue;  // see the test before
-        const AmtcPair pair = QuantiseColourPair(secondGeneration, isPunchThrough, a, b);
+        const AmtcPair pair = QuantiseColourPair(Generation(secondGeneration), isPunchThrough, a, b);
         ASSERT_EQ(throughBlock(pair, secondGeneration), asStorable(pair, secondGeneration)) << std::hex << pair.a;
     }
     // Alphas of 255 for A and 0 for B stay, though the block cannot hold them.
-    EXPECT_EQ(QuantiseColourPair(true, false, {0, 0, 0, 250}, {0, 0, 0, 0}), (AmtcPair{255u << 24, 0}));
+    EXPECT_EQ(QuantiseColourPair(Generation::second, false, {0, 0, 0, 250}, {0, 0, 0, 0}), (AmtcPair{255u << 24, 0}));
 }
 
 TEST(AmtcQuantiser, PairsAreQuantisedByTheirDistance) {
@@ -170,7 +170,7 @@ TEST(AmtcQuantiser, PairsAreQuantisedByTheirDistance) {
     };
     // clang-format on
     for (const auto& [what, secondGeneration, floatA, floatB, expected] : cases) {
-        const AmtcPair pair = QuantiseColourPair(secondGeneration, false, floatA, floatB);
+        const AmtcPair pair = QuantiseColourPair(Generation(secondGeneration), false, floatA, floatB);
         EXPECT_EQ(pair, expected) << what << std::hex << ' ' << pair.a << ' ' << pair.b;
     }
 }

@@ -101,7 +101,7 @@ TEST(AmtcSteps, PerturbationFollowsTheLineAndTellsWhetherAnythingMoved) {
     };
     for (const auto& [index, isHeld, moves, channel, a, b] : cases) {
         Candidate result{};
-        const StepRules rules = {box, isHeld, false, false};
+        const StepRules rules = {box, isHeld, Generation::first, false};
         EXPECT_EQ(MakePerturbedCandidate(blackAndWhite, rules, PerturbationTable[index], result), moves) << index;
         EXPECT_NEAR(channelOf(result.colourA, channel), a, 17) << index;
         EXPECT_NEAR(channelOf(result.colourB, channel), b, 17) << index;
@@ -110,7 +110,7 @@ TEST(AmtcSteps, PerturbationFollowsTheLineAndTellsWhetherAnythingMoved) {
 
 TEST(AmtcSteps, LargeStepsMoveOnBytesUntilTheLastOnes) {
     const Rep rep{};
-    const StepRules rules = {rep, false, true, false};
+    const StepRules rules = {rep, false, Generation::second, false};
     const ColourPair pair = {0xFF606060, 0xFFA0A0A0};
     const EndpointDeltas large = {{5.4f, 5.6f, -300, 0}, {0, 0, 0, 9}, true},
                          meeting = {{32, 32, 32, 0}, {-32, -32, -32, 0}, true};
@@ -136,8 +136,8 @@ constexpr BlockCase blockCases[] = {
 /// A block with random neighbours and the pixels of a generated image.
 struct Block {
     Block(testimages::Kind kind, const BlockCase& how)
-        : settings(makeLevelSettings(8, 8, 4, how.bitsPerPixel, 1)),
-          rules{rep, true, true, how.mode == region_mode::punchThrough} {
+        : settings(makeLevelSettings(8, 8, {Rate(how.bitsPerPixel), Generation::second})),
+          rules{rep, true, Generation::second, how.mode == region_mode::punchThrough} {
         settings.blocksAcross = how.across;
         settings.blocksDown = how.down;
         usesSegments = how.usesSegments;

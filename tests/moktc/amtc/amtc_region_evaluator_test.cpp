@@ -17,7 +17,7 @@ using testimages::Random;
 class RandomScenes {
 public:
     RandomScenes(std::uint32_t bitsPerPixel, std::uint32_t generation, std::uint64_t seed)
-        : settings(makeLevelSettings(64, 64, 4, bitsPerPixel, generation == 2)), random(seed) {}
+        : settings(makeLevelSettings(64, 64, {Rate(bitsPerPixel), Generation(generation - 1)})), random(seed) {}
 
     std::uint32_t randomMode() {
         RegionModeList modes;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "moktc/amtc/analysis/segmentation.h"
+#include "moktc/amtc/analysis/footprint_analysis.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ Segments segment(const AmtcLevelSettings& settings, Painter painter) {
     return segments;
 }
 
-const AmtcLevelSettings at4Bits = makeLevelSettings(64, 64, 4, 4, 0);
+const AmtcLevelSettings at4Bits = makeLevelSettings(64, 64, {Rate::fourBpp, Generation::first});
 
 /// Four far colours in tiles of 2 by 2, so that no pixel has its like beside it.
 std::uint32_t tile(std::uint32_t y, std::uint32_t x) {
@@ -70,7 +70,7 @@ TEST(AmtcSegmentation, FillsFromAStackRowByRowAndSegmentBySegment) {
 }
 
 TEST(AmtcSegmentation, EndsWithMorePixelsThanLabels) {
-    const Segments segments = segment(makeLevelSettings(64, 64, 4, 1, 0), tile);
+    const Segments segments = segment(makeLevelSettings(64, 64, {oneBpp, Generation::first}), tile);
     EXPECT_EQ(segments.count, 289u);
     EXPECT_EQ(segments.labels[288], 254);
 }

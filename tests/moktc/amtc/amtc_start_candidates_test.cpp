@@ -6,10 +6,8 @@
 #include <tuple>
 #include <vector>
 
-#include "moktc/amtc/analysis/footprint_kernels.h"
+#include "moktc/amtc/analysis/footprint_analysis.h"
 #include "moktc/amtc/starts/axis_endpoints.h"
-#include "moktc/amtc/starts/cluster_start.h"
-#include "moktc/amtc/starts/four_level_fit.h"
 #include "moktc/amtc/starts/start_candidates.h"
 #include "support/test_images.h"
 
@@ -18,7 +16,7 @@ using namespace moktexture::amtc;
 namespace {
 
 constexpr ColourVector diagonal = {0.5f, 0.5f, 0.5f, 0.5f};
-const AmtcLevelSettings at4Bits = makeLevelSettings(64, 64, 4, 4, 1);  ///< second generation
+const AmtcLevelSettings at4Bits = makeLevelSettings(64, 64, {Rate::fourBpp, Generation::second});  ///< second generation
 
 /// A footprint whose left columns have one colour and the others another.
 Footprint halves(const AmtcLevelSettings& settings, std::uint32_t left, std::uint32_t right, std::size_t leftColumns = 4) {
@@ -57,7 +55,7 @@ double errorOfLevels(const SortedPositions& sorted, double low, double high) {
 
 TEST(AmtcFourLevelFit, FindsTheEndsOfFourLevels) {
     for (const auto& [low, high] : {std::pair{14.0, 80.0}, {85.0, 12.0}, {10.0, 75.0}}) {
-        FollowingFits none;
+        RegressionCache none;
         const LevelFit fit = FitFourLevels(sortedFrom({10, 10, 10, 40, 40, 60, 90, 90}), low, high, none);
         EXPECT_NEAR(std::abs(fit.low - 10) + std::abs(fit.high - 90) + fit.error, 0, 1e-9) << low << ' ' << high;
     }
@@ -66,10 +64,10 @@ TEST(AmtcFourLevelFit, FindsTheEndsOfFourLevels) {
         std::vector<double> positions(2 + random.below(152), 511);
         std::generate(positions.begin() + 1, positions.end(), [&] { return random.below(2u << random.below(9)); });
         const SortedPositions sorted = sortedFrom(positions);
-        FollowingFits known;
+        RegressionCache known;
         for (int start = 0; start < 3; ++start) {  // what is known of a partition holds for any start
             const double low = random.below(512), high = random.below(512);
-            FollowingFits none;
+            RegressionCache none;
             const LevelFit fit = FitFourLevels(sorted, low, high, none);
             ASSERT_EQ(FitFourLevels(sorted, low, high, known).error, fit.error);
             ASSERT_NEAR(fit.error, errorOfLevels(sorted, fit.low, fit.high), 1e-6 * (1 + fit.error));
@@ -78,7 +76,7 @@ TEST(AmtcFourLevelFit, FindsTheEndsOfFourLevels) {
 }
 
 TEST(AmtcFourLevelFit, EndsThatStayAreTheResultEvenIfEarlierOnesWereBetter) {
-    FollowingFits none;
+    RegressionCache none;
     const SortedPositions sorted = sortedFrom({0, 3, 6, 8, 10});
     const LevelFit fit = FitFourLevels(sorted, 0, 10, none);
     EXPECT_NEAR(fit.low, 0.15, 1e-9);
@@ -98,7 +96,7 @@ TEST(AmtcAxisEndpoints, TwoFlatHalvesGiveTheirColoursTheStrongerLast) {
 
 TEST(AmtcAxisEndpoints, PunchThroughLeavesOutZeroPixelsOfTheSecondGenerationAt4Bits) {
     for (std::uint32_t i = 0; i < 8; ++i) {
-        const AmtcLevelSettings settings = makeLevelSettings(64, 64, 4, 2 + i % 4 / 2 * 2, i % 2);
+        const AmtcLevelSettings settings = makeLevelSettings(64, 64, {Rate(2 + i % 4 / 2 * 2), Generation(i % 2)});
         Footprint footprint = halves(settings, 0xff101010, 0xff848484);
         std::fill_n(footprint.begin(), 20, 0u);
         EXPECT_EQ(endpoints(settings, i >= 4, footprint) == (ColourPair{0xff101010, 0xff848484}), i == 7) << i;
@@ -166,7 +164,8 @@ TEST(AmtcStartCandidates, EachModeStartsFromItsRepresentative) {
     };
     // clang-format on
     for (const auto& [bitsPerPixel, generation, wholeRange, detailRange, axes] : cases) {
-        const auto block = startedRecord(makeLevelSettings(64, 64, 4, bitsPerPixel, generation), wholeRange, detailRange);
+        const auto block =
+            startedRecord(makeLevelSettings(64, 64, {Rate(bitsPerPixel), Generation(generation)}), wholeRange, detailRange);
         for (std::uint32_t i = 0; i < axes.size(); ++i) {
             const RepStart& start = block->repStarts[i];
             EXPECT_EQ(start.mode, i + (bitsPerPixel == 4 ? region_mode::standard : region_mode::direct));
@@ -199,11 +198,11 @@ TEST(AmtcStartCandidates, AFlatRepresentativeGivesTwoCandidatesAroundItsMean) {
 }
 
 TEST(AmtcStartCandidates, TheFirstModeDependsOnTheFormatAndOnHoles) {
-    EXPECT_EQ(startingRegionMode(makeLevelSettings(64, 64, 4, 4, 0), true), region_mode::standard);
+    EXPECT_EQ(startingRegionMode(makeLevelSettings(64, 64, {Rate::fourBpp, Generation::first}), true), region_mode::standard);
     EXPECT_EQ(startingRegionMode(at4Bits, false), region_mode::standard);
     EXPECT_EQ(startingRegionMode(at4Bits, true), region_mode::punchThrough);
-    EXPECT_EQ(startingRegionMode(makeLevelSettings(64, 64, 4, 2, 1), true), region_mode::average);
-    EXPECT_DEATH(startingRegionMode(makeLevelSettings(64, 64, 4, 1, 1), false),
+    EXPECT_EQ(startingRegionMode(makeLevelSettings(64, 64, {Rate::twoBpp, Generation::second}), true), region_mode::average);
+    EXPECT_DEATH(startingRegionMode(makeLevelSettings(64, 64, {oneBpp, Generation::second}), false),
                  "Exiting - 1bpp not yet implemented \\(SetUpStandardRepStarts\\)!");
 }
 

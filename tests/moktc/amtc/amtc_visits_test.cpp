@@ -30,7 +30,7 @@ public:
         const std::vector<std::uint8_t> pixels = testimages::make(kind, width, height);
         for (std::uint32_t y = 0; y < height; ++y)
             std::memcpy(image->Pixels[y], pixels.data() + std::size_t{4} * width * y, std::size_t{4} * width);
-        settings = makeLevelSettings(image->Width, image->Height, 4, grid.bitsPerPixel, grid.secondGeneration);
+        settings = makeLevelSettings(image->Width, image->Height, {Rate(grid.bitsPerPixel), Generation(grid.secondGeneration)});
         SetSweepSettings(1, 4, 3, settings, settings);
         settings.forceVisit = 1;
         AllocateBlockRows(image->Width, image->Height, settings.blockWidth, settings.blockHeight, rows);
@@ -182,7 +182,8 @@ TEST(AmtcVisits, ScoreFlatStartsAndTheFirstSweepWithoutRefining) {
             std::vector<ColourPair> known;
             for (std::size_t i = 0; i < start.count; ++i)
                 known.push_back(start.candidates[i].colours());
-            for (const Candidate& candidate : PerturbedPairs(start.candidates[0], {*start.axes, true, true, mode == 1}))
+            for (const Candidate& candidate :
+                 PerturbedPairs(start.candidates[0], {*start.axes, true, Generation::second, mode == 1}))
                 known.push_back(isFlat ? candidate.colours() : known[0]);
             const bool allKnown = std::all_of(end.candidates.begin(), end.candidates.begin() + end.count, [&](const auto& found) {
                 return std::count(known.begin(), known.end(), found.colours()) != 0;
@@ -195,7 +196,7 @@ TEST(AmtcVisits, ScoreFlatStartsAndTheFirstSweepWithoutRefining) {
 TEST(AmtcVisits, AddPerturbedPairsThatAreNewAndKeepThoseThatStandTwice) {
     const Level level(Kind::noise, fourByFour);
     const Candidate blackAndWhite = {0xFF000000, 0xFFFFFFFF};  // lines made longer are held to what they were
-    const StepRules rules = {level.rows[0][0].reps[wholeRep], false, true, false};
+    const StepRules rules = {level.rows[0][0].reps[wholeRep], false, Generation::second, false};
     const PerturbedPairs perturbed(blackAndWhite, rules);
     ASSERT_EQ(perturbed.end() - perturbed.begin(), 7);
     RepStart record{};

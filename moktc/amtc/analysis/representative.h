@@ -4,10 +4,14 @@
 
 #include "moktc/amtc/records/level_records.h"
 
+/// @file
+/// How a `Rep` is made from a set of weighted pixels: sums over the pixels, then the principal axes, then the extent of the
+/// pixels along these axes.
+
 namespace moktexture::amtc {
 
 /// The upper triangle of a symmetric 4 by 4 matrix: 00, 01, 02, 03, 11, 12, 13, 22, 23, 33. In double: sums in float would lose
-/// the small eigenvalues.
+/// the small eigenvalues, on which the later axes depend.
 using MomentMatrix = std::array<double, 10>;
 
 /// Adds `weight` times the outer product of `colour` with itself.
@@ -23,7 +27,7 @@ inline void AddMoment(MomentMatrix& matrix, float weight, const ColourVector& co
 
 inline constexpr float greatestFloat = 3.4028235e38f;
 
-/// Least and greatest value of each channel. Empty to begin with: the least is above the greatest.
+/// The minimum and maximum of each channel. Initially empty: the minimum is above the maximum.
 struct ColourBounds {
     ColourVector least{greatestFloat, greatestFloat, greatestFloat, greatestFloat};
     ColourVector greatest{-greatestFloat, -greatestFloat, -greatestFloat, -greatestFloat};
@@ -39,7 +43,7 @@ struct ColourBounds {
 
 using ColourSum = std::array<double, channelCount>;
 
-/// Weighted pixels, summed up in the order in which they are added.
+/// Sums over weighted pixels, accumulated in the order in which the pixels are added.
 struct ColourCloud {
     ColourBounds bounds;
     ColourSum sum{};
@@ -53,15 +57,16 @@ struct ColourCloud {
         AddMoment(moments, pixelWeight, colour);
         weight += static_cast<double>(pixelWeight);
     }
-    /// Makes means of the sum and the moments by dividing them by the weight, which is not 0.
+    /// Divides the sum and the moments by the weight, which must not be 0, so that they become means.
     void divideByWeight();
 };
 
-/// Sets axes, bounds and flatness, and the mean bytes if `setMeanBytes`, from moments and mean. The extent along the axes is left
-/// empty for `includeProjection` to widen, and is the colour itself if the bounds are flat.
-void MakeRep(const MomentMatrix& moments, const ColourSum& mean, const ColourBounds& bounds, bool setMeanBytes, Rep& rep);
+/// Sets axes, bounds and flatness of `rep`, and its mean colour if `setMeanBytes`. The sum and the moments of the cloud are taken
+/// as means. The extent along the axes is empty afterwards, for `includeProjection` to widen, or the colour itself if the bounds
+/// are flat.
+void MakeRep(const ColourCloud& cloud, bool setMeanBytes, Rep& rep);
 
-/// Widens the extent along each axis to take in the colour.
+/// Widens the extent along each axis to include the colour.
 inline void includeProjection(const ColourVector& colour, Rep& rep) {
     for (std::size_t axis = 0; axis < channelCount; ++axis) {
         const float projection = dotProduct(colour, rep.axes[axis]);
@@ -69,5 +74,14 @@ inline void includeProjection(const ColourVector& colour, Rep& rep) {
         rep.projMax[axis] = std::max(rep.projMax[axis], projection);
     }
 }
+
+/// Row by row.
+using SquareMatrix = std::array<ColourVector, channelCount>;
+
+inline constexpr SquareMatrix identityMatrix = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
+
+/// The eigenvalues in descending order and the unit eigenvectors, one a row in the same order, of the symmetric matrix in the
+/// first `n` (1 to 4) rows and columns. The other entries of the results are unspecified.
+void EigenSymmetric(const SquareMatrix& matrix, std::size_t n, ColourVector& eigenvalues, SquareMatrix& eigenvectors);
 
 }  // namespace moktexture::amtc
