@@ -64,5 +64,5 @@ TEST_F(ToolTest, InfoTellsAllThatAHeaderHolds) {
     EXPECT_EQ(text.find('\x1B'), std::string::npos);
     EXPECT_EQ(text.find('\xFF'), std::string::npos);
     EXPECT_EQ(run("convert @a.mok @b.mok --colour-space srgb").status, ExitStatus::notSupported);
-    expectSuccess("convert @a.mok @c.png --member 2 --face 5 --level 1");
+    expectSuccess("convert @a.mok @c.png --layer 2 --face 5 --level 1");
 }

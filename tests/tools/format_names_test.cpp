@@ -4,8 +4,7 @@
 
 #include <sstream>
 
-#include "moktex/formats/quality_names.h"
-#include "moktex/report/exit_status.h"
+#include "moktex/report/console.h"
 #include "support/test_images.h"
 
 using namespace moktextool;
@@ -32,27 +31,27 @@ TEST(FormatNames, StandForTheirForms) {
         {"rgbx8888", {'r', 'g', 'b', 'x', 8, 8, 8, 8}, eVarUByteNorm, "rgbx8888"},
     };
     for (const auto& [name, format, type, canonical] : cases) {
-        EXPECT_EQ(parseForm(name), (TextureForm{format, type})) << name;
-        EXPECT_EQ(nameOf(parseForm(name)), canonical);
+        EXPECT_EQ(parseFormat(name), (TextureFormat{format, type})) << name;
+        EXPECT_EQ(nameOf(parseFormat(name)), canonical);
     }
 }
 
 TEST(FormatNames, OfCompressedFormatsAndRandomLayoutsParseToWhatTheyName) {
     for (const CompressedFormat& row : compressedFormats())
-        EXPECT_EQ(parseForm(nameOf(TextureForm{row.id, eVarUByteNorm})), (TextureForm{row.id, eVarUByteNorm}));
+        EXPECT_EQ(parseFormat(nameOf(TextureFormat{row.id, eVarUByteNorm})), (TextureFormat{row.id, eVarUByteNorm}));
     testimages::Random random(5);
     int usable = 0;
     for (int i = 0; i < 200000; ++i) {
-        TextureForm form{{}, static_cast<EMOKTVariableType>(random.below(15))};
+        TextureFormat format{{}, static_cast<EMOKTVariableType>(random.below(15))};
         const std::uint32_t count = 1 + random.below(4);
         for (std::uint32_t channel = 0; channel < count; ++channel) {
-            form.format.layout.channelName[channel] = static_cast<std::uint8_t>("rgbalixz"[random.below(8)]);
-            form.format.layout.channelBits[channel] =
+            format.pixelType.layout.channelName[channel] = static_cast<std::uint8_t>("rgbalixz"[random.below(8)]);
+            format.pixelType.layout.channelBits[channel] =
                 static_cast<std::uint8_t>(random.below(2) ? 8u << random.below(3) : random.below(33));
         }
-        if (isCompressed(form.format) || !layoutProblem(form).empty()) continue;
+        if (isCompressed(format.pixelType) || !layoutProblem(format).empty()) continue;
         ++usable;
-        EXPECT_EQ(parseForm(nameOf(form)), form) << nameOf(form);
+        EXPECT_EQ(parseFormat(nameOf(format)), format) << nameOf(format);
     }
     EXPECT_GT(usable, 1000);
 }
@@ -62,10 +61,10 @@ TEST(FormatNames, ThatNameNothingAreRefused) {
         "dxt dxt6 rgba 8888 rgba888 rgba88888 rgba08888 rgba8.8.8 rgba8..8.8 rgbaa88888 rgq888 rgba8888: "
         "rgba8888:half rgb9.9.9 rr88 rgb8.4.4:ubytenorm rgb10.10.10:float rgba32323232:ubytenorm r64");
     for (std::string name; names >> name;)
-        EXPECT_THROW(parseForm(name), Failure) << name;
-    EXPECT_THROW(parseForm(""), Failure);
-    EXPECT_EQ(nameOf(TextureForm{PixelType(0x0808080808080808), eVarUByteNorm}), "layout-0x0808080808080808");
-    EXPECT_EQ(nameOf(TextureForm{PixelType(77), eVarUByteNorm}), "unknown-77");
+        EXPECT_THROW(parseFormat(name), Failure) << name;
+    EXPECT_THROW(parseFormat(""), Failure);
+    EXPECT_EQ(nameOf(TextureFormat{PixelType(0x0808080808080808), eVarUByteNorm}), "layout-0x0808080808080808");
+    EXPECT_EQ(nameOf(TextureFormat{PixelType(77), eVarUByteNorm}), "unknown-77");
 }
 
 TEST(QualityNames, AreNumbersOrWordsAndSettledByFormat) {

@@ -1,4 +1,4 @@
-#include "moktex/operations/operation_options.h"
+#include "moktex/operations/image_operation.h"
 #include "tool_fixture.h"
 
 namespace {

@@ -16,7 +16,7 @@
 
 #include "moktex/commands/command_line.h"
 #include "moktex/files/picture_file.h"
-#include "moktex/formats/texture_form.h"
+#include "moktex/formats/texture_format.h"
 #include "moktex/report/console.h"
 #include "support/test_images.h"
 

@@ -1,16 +1,15 @@
-#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <iomanip>
-#include <memory>
+#include <limits>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <ostream>
 
-#include "moktex/commands/command_line.h"
-#include "moktex/files/texture_input.h"
+#include "moktex/commands/commands.h"
+#include "moktex/files/texture_file.h"
 #include "moktex/formats/format_names.h"
 #include "moktex/report/console.h"
-#include "moktex/report/image_difference.h"
 
 using namespace moktexture;
 using Json = nlohmann::ordered_json;
@@ -19,15 +18,98 @@ namespace moktextool {
 
 namespace {
 
-struct CompareArguments {
-    std::string a, b;
-    bool levels = false, json = false;
-    std::optional<double> minPSNR;
+/// How far two sets of values lie apart, in units of the pixels: 0 to `peak` of the comparison.
+struct ChannelDifference {
+    double meanSquaredError;
+    double psnr;     ///< in decibels; infinite if all values are equal
+    double largest;  ///< of the absolute differences
 };
+
+/// Places in LevelDifference::channels: red, green, blue, alpha, the means over three and four of them, and the mean over three
+/// weighted as the eye sees them: 0.299, 0.587 and 0.114.
+constexpr std::array differenceNames = {"r", "g", "b", "a", "rgb", "rgba", "weighted"};
+constexpr std::size_t overAll = 5;
+
+struct LevelDifference {
+    std::uint32_t level, width, height;
+    std::array<ChannelDifference, differenceNames.size()> channels;
+};
+
+constexpr double infinite = std::numeric_limits<double>::infinity();
+
+struct Sums {
+    std::array<double, 4> squares{};
+    std::array<double, 4> largest{};
+    std::size_t pixels = 0;
+};
+
+double differenceOf(double a, double b) {
+    if (a == b || (std::isnan(a) && std::isnan(b))) return 0;
+    const double difference = std::abs(a - b);
+    return std::isnan(difference) ? infinite : difference;
+}
+
+template <class T>
+Sums sumDifferences(const void* a, const void* b, std::size_t bytes) {
+    const T* valuesA = static_cast<const T*>(a);
+    const T* valuesB = static_cast<const T*>(b);
+    Sums sums;
+    sums.pixels = bytes / (4 * sizeof(T));
+    for (std::size_t i = 0; i < sums.pixels * 4; ++i) {
+        const double difference = differenceOf(static_cast<double>(valuesA[i]), static_cast<double>(valuesB[i]));
+        sums.squares[i % 4] += difference * difference;
+        sums.largest[i % 4] = std::max(sums.largest[i % 4], difference);
+    }
+    return sums;
+}
+
+ChannelDifference differenceFrom(double error, double largest, double peak) {
+    return {error, error == 0 ? infinite : 10 * std::log10(peak * peak / error), largest};
+}
+
+/// The first `count` channels from `first` on, taken together.
+ChannelDifference join(const Sums& sums, std::size_t first, std::size_t count, double peak) {
+    double squares = 0, largest = 0;
+    for (std::size_t channel = first; channel < first + count; ++channel) {
+        squares += sums.squares[channel];
+        largest = std::max(largest, sums.largest[channel]);
+    }
+    return differenceFrom(squares / static_cast<double>(sums.pixels * count), largest, peak);
+}
+
+/// Red, green and blue taken together by their weights.
+ChannelDifference joinWeighted(const Sums& sums, double peak) {
+    const double squares = 0.299 * sums.squares[0] + 0.587 * sums.squares[1] + 0.114 * sums.squares[2];
+    return differenceFrom(squares / static_cast<double>(sums.pixels), join(sums, 0, 3, peak).largest, peak);
+}
+
+/// The largest value of a channel: 255, 65535, or 1 for floats.
+double peakOf(const CMOKTextureHeader& header) {
+    if (header.getChannelType() == eVarFloat) return 1;
+    return header.getChannelType() == eVarUShortNorm ? 65535 : 255;
+}
+
+/// Compares one MIP level, with all its layers, faces and slices, of two textures of equal size in the same format: RGBA8, RGBA16
+/// or float RGBA. Where only one of two values is NaN, the difference is infinite.
+LevelDifference compareLevel(const CMOKTexture& a, const CMOKTexture& b, std::uint32_t level) {
+    const std::size_t bytes = a.getDataSize(static_cast<int>(level));
+    const double peak = peakOf(a);
+    const auto sum = peak == 1     ? sumDifferences<float>
+                     : peak == 255 ? sumDifferences<std::uint8_t>
+                                   : sumDifferences<std::uint16_t>;
+    const Sums sums = sum(a.getDataPtr(level), b.getDataPtr(level), bytes);
+    LevelDifference difference{level, a.getWidth(level), a.getHeight(level), {}};
+    for (std::size_t channel = 0; channel < 4; ++channel)
+        difference.channels[channel] = join(sums, channel, 1, peak);
+    difference.channels[4] = join(sums, 0, 3, peak);
+    difference.channels[overAll] = join(sums, 0, 4, peak);
+    difference.channels[overAll + 1] = joinWeighted(sums, peak);
+    return difference;
+}
 
 std::string sizeText(const CMOKTextureHeader& header) {
     return std::to_string(header.getWidth()) + " x " + std::to_string(header.getHeight()) + " x " +
-           std::to_string(header.getDepth()) + ", " + std::to_string(header.getNumArrayMembers()) + " members, " +
+           std::to_string(header.getDepth()) + ", " + std::to_string(header.getNumArrayMembers()) + " layers, " +
            std::to_string(header.getNumFaces()) + " faces";
 }
 
@@ -39,15 +121,17 @@ void requireEqualSize(const CMOKTextureHeader& a, const CMOKTextureHeader& b, co
 }
 
 /// 8 bits, unless both sides hold more; floats if either of those is float or wider than 16 bits.
-TextureForm commonForm(const TextureForm& a, const TextureForm& b) {
-    const auto isFloat = [](const TextureForm& form) { return !isCompressed(form.format) && form.channelType == eVarFloat; };
-    const auto isWide = [&](const TextureForm& form) { return isFloat(form) || widestChannel(form) > 8; };
-    if (!isWide(a) || !isWide(b)) return rgba8Form;
+TextureFormat commonFormat(const TextureFormat& a, const TextureFormat& b) {
+    const auto isFloat = [](const TextureFormat& format) {
+        return !isCompressed(format.pixelType) && format.channelType == eVarFloat;
+    };
+    const auto isWide = [&](const TextureFormat& format) { return isFloat(format) || widestChannel(format) > 8; };
+    if (!isWide(a) || !isWide(b)) return rgba8Format;
     const bool needsFloat = isFloat(a) || isFloat(b) || widestChannel(a) > 16 || widestChannel(b) > 16;
-    return needsFloat ? rgbaFloatForm : rgba16Form;
+    return needsFloat ? rgbaFloatFormat : rgba16Format;
 }
 
-/// Both sides in one form, as they are stored: no curve is applied.
+/// Both sides in one format, as they are stored: no curve is applied.
 struct ComparedPair {
     CMOKTexture a, b;
     std::uint32_t levels;
@@ -56,17 +140,17 @@ struct ComparedPair {
 ComparedPair loadPair(const CompareArguments& arguments, Console& console) {
     ComparedPair pair{readTexture(arguments.a, console).texture, readTexture(arguments.b, console).texture, 1};
     requireEqualSize(pair.a, pair.b, arguments);
-    requireDecodable(formOf(pair.a), arguments.a);
-    requireDecodable(formOf(pair.b), arguments.b);
+    requireDecodable(formatOf(pair.a), arguments.a);
+    requireDecodable(formatOf(pair.b), arguments.b);
     if (pair.a.getColourSpace() != pair.b.getColourSpace())
         console.note(arguments.a + " is " + nameOf(pair.a.getColourSpace()) + ", " + arguments.b + " is " +
                      nameOf(pair.b.getColourSpace()) + "; the values are compared as they are stored");
     if (arguments.levels) pair.levels = std::min(pair.a.getNumMIPLevels(), pair.b.getNumMIPLevels());
     if (arguments.levels && pair.a.getNumMIPLevels() != pair.b.getNumMIPLevels())
         console.note("the numbers of levels differ; the first " + std::to_string(pair.levels) + " are compared");
-    const TextureForm form = commonForm(formOf(pair.a), formOf(pair.b));
-    changeForm(pair.a, {form, pair.a.getColourSpace()}, arguments.a, console);
-    changeForm(pair.b, {form, pair.b.getColourSpace()}, arguments.b, console);
+    const TextureFormat format = commonFormat(formatOf(pair.a), formatOf(pair.b));
+    changeFormat(pair.a, {format, pair.a.getColourSpace()}, arguments.a, console);
+    changeFormat(pair.b, {format, pair.b.getColourSpace()}, arguments.b, console);
     return pair;
 }
 
@@ -95,7 +179,9 @@ Json levelJson(const LevelDifference& level) {
     return {{"level", level.level}, {"width", level.width}, {"height", level.height}, {"channels", channels}};
 }
 
-ExitStatus compare(const CompareArguments& arguments, Console& console) {
+}  // namespace
+
+ExitStatus runCompare(const CompareArguments& arguments, Console& console) {
     const ComparedPair pair = loadPair(arguments, console);
     const double peak = peakOf(pair.a);
     Json json = {{"a", displayName(arguments.a)}, {"b", displayName(arguments.b)}, {"peak", peak}, {"levels", Json::array()}};
@@ -116,26 +202,6 @@ ExitStatus compare(const CompareArguments& arguments, Console& console) {
     json["passes"] = passes;
     if (arguments.json) console.out << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     return passes ? ExitStatus::success : ExitStatus::different;
-}
-
-}  // namespace
-
-void addCompareCommand(CLI::App& app, Console& console, ExitStatus& status) {
-    CLI::App& command = *app.add_subcommand("compare", "Tells how close two pictures or textures of equal size are.");
-    const auto arguments = std::make_shared<CompareArguments>();
-    command.footer(
-        "Example: moktex compare photo.png back.png --min-psnr 30\n"
-        "Values are compared as they are stored, at 8 bits a channel unless both sides hold more: then at 16 bits, or as\n"
-        "floats of peak 1. Equal images have a PSNR of inf (null in JSON). Over all is the mean of red, green, blue and\n"
-        "alpha, 'rgba'; 'weighted' is red, green and blue by their weight for the eye, 0.299, 0.587 and 0.114. Sizes that\n"
-        "differ give status 7.");
-    command.add_option("A", arguments->a, "File, or '-' for standard input")->required()->type_name("");
-    command.add_option("B", arguments->b, "File")->required()->type_name("");
-    command.add_flag("--levels", arguments->levels, "Compare all MIP levels that both have, not only the first");
-    command.add_option("--min-psnr", arguments->minPSNR, "End with status 7 if a compared level is below it over all")
-        ->type_name("DB");
-    command.add_flag("--json", arguments->json, "Print JSON");
-    command.callback([arguments, &console, &status] { status = compare(*arguments, console); });
 }
 
 }  // namespace moktextool

@@ -1,10 +1,8 @@
-#include <CLI/CLI.hpp>
 #include <iomanip>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "moktex/commands/command_line.h"
+#include "moktex/commands/commands.h"
 #include "moktex/formats/format_names.h"
 #include "moktex/report/console.h"
 #include "moktex/report/graphics_api_numbers.h"
@@ -57,23 +55,23 @@ constexpr const char* numbersExplanation =
     "formats with a number of OpenGL, files of .dds most of those with one of Direct3D 9. Most\n"
     "compressed formats have a number of DXGI with the channel type uintnorm alone.\n";
 
-/// The numbers of a form in linear colour space, and DXGI's in sRGB too.
-Json describeNumbers(const TextureForm& form) {
+/// The numbers of a format in linear colour space, and DXGI's in sRGB too.
+Json describeNumbers(const TextureFormat& format) {
     CMOKTextureHeader header;
-    header.setPixelFormat(form.format);
-    header.setChannelType(form.channelType);
-    if (isCompressed(form.format) && header.getDXGIFormat() == 0) header.setChannelType(eVarUIntNorm);
+    header.setPixelFormat(format.pixelType);
+    header.setChannelType(format.channelType);
+    if (isCompressed(format.pixelType) && header.getDXGIFormat() == 0) header.setChannelType(eVarUIntNorm);
     Json numbers = describeAPINumbers(header);
     header.setColourSpace(eColourSpaceSRGB);
     numbers["dxgiSRGB"] = describeAPINumbers(header)["dxgi"];
     return numbers;
 }
 
-Json describe(const TextureForm& form, bool withNumbers) {
+Json describe(const TextureFormat& format, bool withNumbers) {
     CMOKTextureHeader header;
-    header.setPixelFormat(form.format);
-    const CompressedFormat* row = findCompressed(form.format);
-    Json description = {{"name", nameOf(form)},
+    header.setPixelFormat(format.pixelType);
+    const CompressedFormat* row = findCompressed(format.pixelType);
+    Json description = {{"name", nameOf(format)},
                         {"otherName", row != nullptr && row->otherName != nullptr ? Json(row->otherName) : Json()},
                         {"compressed", row != nullptr},
                         {"bitsPerPixel", header.getBitsPerPixel()},
@@ -81,7 +79,7 @@ Json describe(const TextureForm& form, bool withNumbers) {
                         {"blockHeight", row != nullptr ? row->blockHeight : 1},
                         {"decodes", row == nullptr || row->hasDecoder},
                         {"encodes", row == nullptr || row->hasEncoder}};
-    if (withNumbers) description["apiNumbers"] = describeNumbers(form);
+    if (withNumbers) description["apiNumbers"] = describeNumbers(format);
     return description;
 }
 
@@ -90,7 +88,7 @@ Json describeAll(bool withNumbers) {
     for (const CompressedFormat& row : compressedFormats())
         formats.push_back(describe({row.id, eVarUByteNorm}, withNumbers));
     for (const char* layout : commonLayouts)
-        formats.push_back(describe(parseForm(layout), withNumbers));
+        formats.push_back(describe(parseFormat(layout), withNumbers));
     return formats;
 }
 
@@ -127,25 +125,15 @@ void printNumbers(const Json& formats, std::ostream& out) {
 
 }  // namespace
 
-void addFormatsCommand(CLI::App& app, Console& console, ExitStatus& status) {
-    CLI::App& command = *app.add_subcommand("formats", "Lists the names of pixel formats and what can be done with them.");
-    struct Arguments {
-        bool json = false, api = false;
-    };
-    const auto arguments = std::make_shared<Arguments>();
-    command.footer("Examples:\n  moktex formats --json\n  moktex formats --api");
-    command.add_flag("--json", arguments->json, "Print JSON");
-    command.add_flag("--api", arguments->api, "Show the formats' numbers in OpenGL, OpenGL ES, Direct3D 9 and DXGI");
-    command.callback([arguments, &console, &status] {
-        const Json formats = describeAll(arguments->api);
-        if (arguments->json)
-            console.out << formats.dump(2) << '\n';
-        else if (arguments->api)
-            printNumbers(formats, console.out);
-        else
-            printTable(formats, console.out);
-        status = ExitStatus::success;
-    });
+ExitStatus runFormats(const FormatsArguments& arguments, Console& console) {
+    const Json formats = describeAll(arguments.api);
+    if (arguments.json)
+        console.out << formats.dump(2) << '\n';
+    else if (arguments.api)
+        printNumbers(formats, console.out);
+    else
+        printTable(formats, console.out);
+    return ExitStatus::success;
 }
 
 }  // namespace moktextool

@@ -1,11 +1,9 @@
-#include <CLI/CLI.hpp>
 #include <iomanip>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "moktex/commands/command_line.h"
-#include "moktex/files/texture_input.h"
+#include "moktex/commands/commands.h"
+#include "moktex/files/texture_file.h"
 #include "moktex/formats/format_names.h"
 #include "moktex/report/console.h"
 #include "moktex/report/graphics_api_numbers.h"
@@ -75,7 +73,7 @@ Json describeTexture(const TextureInput& input, const std::string& file) {
     if (header.isPreMultiplied()) flags.push_back("premultiplied");
     return {{"file", file},
             {"kind", input.isPicture ? "picture" : "texture"},
-            {"format", nameOf(formOf(header))},
+            {"format", nameOf(formatOf(header))},
             {"bitsPerPixel", header.getBitsPerPixel()},
             {"width", header.getWidth()},
             {"height", header.getHeight()},
@@ -113,7 +111,7 @@ void printTexture(const Json& texture, std::ostream& out) {
     row("format", texture["format"].get<std::string>() + ", " + dump(texture["bitsPerPixel"]) + " bits per pixel");
     row("size", sizeText(texture));
     row("MIP levels", dump(texture["mipLevels"]));
-    row("array members", dump(texture["arrayMembers"]));
+    row("array layers", dump(texture["arrayMembers"]));
     row("faces", dump(texture["faces"]));
     row("colour space", texture["colourSpace"]);
     row("channel type", texture["channelType"]);
@@ -135,37 +133,21 @@ void printTexture(const Json& texture, std::ostream& out) {
     }
 }
 
-ExitStatus describeAll(const std::vector<std::string>& files, bool asJson, Console& console) {
+}  // namespace
+
+ExitStatus runInfo(const InfoArguments& arguments, Console& console) {
     ExitStatus status = ExitStatus::success;
     Json descriptions = Json::array();
-    for (const std::string& file : files) {
+    for (const std::string& file : arguments.files) {
         const ExitStatus fileStatus = console.guard([&] {
             descriptions.push_back(describeTexture(readTexture(file, console), displayName(file)));
-            if (!asJson) printTexture(descriptions.back(), console.out);
+            if (!arguments.json) printTexture(descriptions.back(), console.out);
             return ExitStatus::success;
         });
         if (status == ExitStatus::success) status = fileStatus;
     }
-    if (asJson) console.out << dump(descriptions, 2) << '\n';
+    if (arguments.json) console.out << dump(descriptions, 2) << '\n';
     return status;
-}
-
-}  // namespace
-
-void addInfoCommand(CLI::App& app, Console& console, ExitStatus& status) {
-    struct Arguments {
-        std::vector<std::string> files;
-        bool json = false;
-    };
-    CLI::App& command = *app.add_subcommand(
-        "info", "Shows what textures and pictures are: format, sizes, colour space, metadata, numbers of graphics APIs.");
-    const auto arguments = std::make_shared<Arguments>();
-    command.footer(
-        "Example: moktex info leaf.mok bark.dds --json\nOpenGL's numbers are internal format, format and type; '-' is a format "
-        "without a number.\nWith --json, an array with an object for each file that could be read.");
-    command.add_option("FILE", arguments->files, "Files, or '-' for standard input")->required()->type_name("");
-    command.add_flag("--json", arguments->json, "Print JSON");
-    command.callback([arguments, &console, &status] { status = describeAll(arguments->files, arguments->json, console); });
 }
 
 }  // namespace moktextool

@@ -8,11 +8,10 @@
 #include <filesystem>
 #include <string_view>
 
-#include "moktex/files/temporary_file.h"
-#include "moktex/files/texture_input.h"
+#include "moktex/files/TemporaryFile.h"
 #include "moktex/formats/format_names.h"
-#include "moktex/formats/texture_form.h"
-#include "moktex/report/exit_status.h"
+#include "moktex/formats/texture_format.h"
+#include "moktex/report/console.h"
 
 namespace fs = std::filesystem;
 using namespace moktexture;
@@ -61,7 +60,7 @@ CMOKTexture sampleOf(const CMOKTextureHeader& header) {
 }
 
 std::string formText(const CMOKTextureHeader& header) {
-    return nameOf(formOf(header)) + (header.isPreMultiplied() ? ", premultiplied, " : ", ") + nameOf(header.getColourSpace());
+    return nameOf(formatOf(header)) + (header.isPreMultiplied() ? ", premultiplied, " : ", ") + nameOf(header.getColourSpace());
 }
 
 void requireContainer(const CMOKTextureHeader& header, const std::string& path) {
@@ -118,7 +117,7 @@ std::string colourCaveat(const CMOKTextureHeader& header, const std::string& ext
     if (!SaveTexture(sample, extension.c_str(), image) || LoadTexture(loaded, image.data(), image.size()) != eLoadOk) return "";
     loaded.setColourSpace(sample.getColourSpace());
     if (isCompressed(loaded.getPixelType()) || colourOf(sample) == colourOf(loaded)) return "";
-    return nameOf(formOf(sample)) + " reads back from a " + extension + " file as " + nameOf(formOf(loaded)) +
+    return nameOf(formatOf(sample)) + " reads back from a " + extension + " file as " + nameOf(formatOf(loaded)) +
            ", which gives other colours; choose another --format to be read there";
 }
 
@@ -142,6 +141,10 @@ void renameArray(std::vector<unsigned char>& source, const std::string& name) {
 }
 
 }  // namespace
+
+std::string displayName(const std::string& path) {
+    return path == standardStream ? "standard stream" : path;
+}
 
 std::string extensionOf(const std::string& path) {
     std::string extension = fs::path(path).extension().string();
@@ -185,7 +188,7 @@ std::string containerCaveat(const CMOKTextureHeader& header, const OutputTarget&
     const bool isForeign = extension == ".dds" || extension == ".ktx";
     if (!isForeign || target.path == standardStream) return "";
     if (extension == ".dds" && (header.getDepth() > 1 || header.getNumArrayMembers() > 1))
-        return "a .dds file does not tell of slices and array members; readers find the first one alone";
+        return "a .dds file does not tell of slices and array layers; readers find the first one alone";
     return colourCaveat(header, extension);
 }
 

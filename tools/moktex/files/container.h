@@ -9,6 +9,10 @@
 
 namespace moktextool {
 
+/// The path that means standard input or output.
+inline constexpr const char* standardStream = "-";
+/// The name of a path in messages: the path itself, or "standard stream".
+std::string displayName(const std::string& path);
 /// The extension of a path in lower case, with its dot.
 std::string extensionOf(const std::string& path);
 /// Whether textures are written to such a file: .mok, .ktx, .dds or .h.

@@ -8,8 +8,8 @@
 #include <limits>
 #include <memory>
 
-#include "moktex/formats/texture_form.h"
-#include "moktex/report/exit_status.h"
+#include "moktex/formats/texture_format.h"
+#include "moktex/report/console.h"
 
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_IMPLEMENTATION
@@ -61,15 +61,15 @@ PictureInfo readInfo(const unsigned char* data, int size, const std::string& fil
 }
 
 template <class T>
-CMOKTexture makeTexture(T* decoded, const PictureInfo& info, const TextureForm& form, EMOKTColourSpace label,
+CMOKTexture makeTexture(T* decoded, const PictureInfo& info, const TextureFormat& format, EMOKTColourSpace label,
                         const std::string& file) {
     const DecodedPixels<T> pixels(decoded, &std::free);
     if (!pixels) {
         throw Failure(ExitStatus::invalidInput, file,
                       std::string("the picture is broken (") + stbi_failure_reason() + "); export it again");
     }
-    const CMOKTextureHeader header(form.format.id, static_cast<std::uint32_t>(info.height),
-                                   static_cast<std::uint32_t>(info.width), 1, 1, 1, 1, label, form.channelType, false);
+    const CMOKTextureHeader header(format.pixelType.id, static_cast<std::uint32_t>(info.height),
+                                   static_cast<std::uint32_t>(info.width), 1, 1, 1, 1, label, format.channelType, false);
     return {header, pixels.get()};
 }
 
@@ -97,14 +97,14 @@ CMOKTexture decodePicture(std::span<const unsigned char> bytes, const std::strin
     PictureInfo info = readInfo(data, size, file);
     if (stbi_is_hdr_from_memory(data, size)) {
         float* pixels = stbi_loadf_from_memory(data, size, &info.width, &info.height, nullptr, 4);
-        return makeTexture(pixels, info, rgbaFloatForm, eColourSpaceLinear, file);
+        return makeTexture(pixels, info, rgbaFloatFormat, eColourSpaceLinear, file);
     }
     if (stbi_is_16_bit_from_memory(data, size)) {
         stbi_us* pixels = stbi_load_16_from_memory(data, size, &info.width, &info.height, nullptr, 4);
-        return makeTexture(pixels, info, rgba16Form, eColourSpaceSRGB, file);
+        return makeTexture(pixels, info, rgba16Format, eColourSpaceSRGB, file);
     }
     stbi_uc* pixels = stbi_load_from_memory(data, size, &info.width, &info.height, nullptr, 4);
-    return makeTexture(pixels, info, rgba8Form, eColourSpaceSRGB, file);
+    return makeTexture(pixels, info, rgba8Format, eColourSpaceSRGB, file);
 }
 
 std::vector<unsigned char> encodePNG(const CMOKTexture& texture, const std::string& file) {

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "moktex/report/exit_status.h"
+#include "moktex/report/console.h"
 
 using namespace moktexture;
 
@@ -142,6 +142,13 @@ std::string wordProblem(const Channels& channels, EMOKTVariableType type) {
     return "";
 }
 
+constexpr std::array names = {"fastest", "fast", "medium", "thorough", "verythorough", "exhaustive"};
+
+/// ETC1's efforts by name. Even numbers measure errors in a way that spoils some dark blocks, so names take the odd ones.
+constexpr std::array<unsigned int, names.size()> namedETC1 = {1, 1, 3, 3, 5, 5};
+
+constexpr ECompressorQuality defaultQuality = eCompressorQuality3;
+
 }  // namespace
 
 std::span<const CompressedFormat> compressedFormats() {
@@ -157,7 +164,7 @@ const CompressedFormat* findCompressed(PixelType format) {
     return found == std::end(formats) ? nullptr : &*found;
 }
 
-TextureForm parseForm(const std::string& name) {
+TextureFormat parseFormat(const std::string& name) {
     std::string text = name;
     std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     for (const CompressedFormat& row : formats) {
@@ -166,25 +173,26 @@ TextureForm parseForm(const std::string& name) {
     const std::size_t colon = std::min(text.find(':'), text.size());
     const std::optional<PixelType> layout = parseLayout(text.substr(0, colon));
     if (!layout) throw Failure(ExitStatus::commandLine, "--format " + name + ": no such format; " + formatRemedy);
-    TextureForm form{*layout, usualType(*layout)};
+    TextureFormat format{*layout, defaultChannelType(*layout)};
     if (colon != text.size()) {
         const auto type = std::find(typeNames.begin(), typeNames.end(), text.substr(colon + 1));
         if (type == typeNames.end())
             throw Failure(ExitStatus::commandLine, "--format " + name + ": no such channel type; " + formatRemedy);
-        form.channelType = static_cast<EMOKTVariableType>(type - typeNames.begin());
+        format.channelType = static_cast<EMOKTVariableType>(type - typeNames.begin());
     }
-    const std::string problem = layoutProblem(form);
+    const std::string problem = layoutProblem(format);
     if (!problem.empty()) throw Failure(ExitStatus::notSupported, "--format " + name + ": " + problem + "; " + formatRemedy);
-    return form;
+    return format;
 }
 
-std::string nameOf(const TextureForm& form) {
-    if (const CompressedFormat* row = findCompressed(form.format)) return row->name;
-    if (isCompressed(form.format)) return "unknown-" + std::to_string(form.format.id);
-    if (layoutProblem(form).empty())
-        return layoutText(form.format) + (form.channelType == usualType(form.format) ? "" : ":" + nameOf(form.channelType));
+std::string nameOf(const TextureFormat& format) {
+    if (const CompressedFormat* row = findCompressed(format.pixelType)) return row->name;
+    if (isCompressed(format.pixelType)) return "unknown-" + std::to_string(format.pixelType.id);
+    if (layoutProblem(format).empty())
+        return layoutText(format.pixelType) +
+               (format.channelType == defaultChannelType(format.pixelType) ? "" : ":" + nameOf(format.channelType));
     char number[32];
-    std::snprintf(number, sizeof number, "layout-0x%08X%08X", form.format.part.high, form.format.part.low);
+    std::snprintf(number, sizeof number, "layout-0x%08X%08X", format.pixelType.part.high, format.pixelType.part.low);
     return number;
 }
 
@@ -198,40 +206,54 @@ std::string nameOf(EMOKTColourSpace colourSpace) {
                                              : "unknown-" + std::to_string(colourSpace);
 }
 
-EMOKTVariableType usualType(PixelType layout) {
+EMOKTVariableType defaultChannelType(PixelType layout) {
     const Channels channels(layout);
     if (channels.allHave(32)) return eVarFloat;
     const unsigned int width = channels.allHave(8) ? 8 : channels.allHave(16) ? 16 : channels.total();
     return width <= 8 ? eVarUByteNorm : width <= 16 ? eVarUShortNorm : eVarUIntNorm;
 }
 
-std::string layoutProblem(const TextureForm& form) {
-    const Channels channels(form.format);
+std::string layoutProblem(const TextureFormat& format) {
+    const Channels channels(format.pixelType);
     const std::size_t count = channels.bits.size();
     for (std::size_t i = 0; i < 4; ++i) {
         const bool isUsed = i < count;
-        if (isUsed != (form.format.layout.channelBits[i] != 0) || isUsed != (form.format.layout.channelName[i] != 0))
+        if (isUsed != (format.pixelType.layout.channelBits[i] != 0) || isUsed != (format.pixelType.layout.channelName[i] != 0))
             return "a channel without bits, or bits without a channel";
         if (isUsed && std::count(channels.letters.begin(), channels.letters.end(), channels.letters[i]) > 1)
             return "a channel stands twice";
     }
     if (count == 0 || channels.letters.find_first_not_of("rgbalix") != std::string::npos) return "channels are of r g b a l i x";
-    if (form.channelType > eVarFloat) return "the channel type is unknown";
+    if (format.channelType > eVarFloat) return "the channel type is unknown";
     if (channels.total() % 8 != 0) return "the bits of a pixel must add up to whole bytes";
-    if (form.channelType != eVarFloat) return wordProblem(channels, form.channelType);
+    if (format.channelType != eVarFloat) return wordProblem(channels, format.channelType);
     const bool areSmall =
         std::all_of(channels.bits.begin(), channels.bits.end(), [](unsigned int b) { return b == 10 || b == 11; });
     if (channels.allHave(32) || channels.allHave(16) || areSmall) return "";
     return "float channels have 32 bits, or 16, or 11 and 10";
 }
 
-void requireDecodable(const TextureForm& form, const std::string& file) {
-    const CompressedFormat* row = findCompressed(form.format);
-    if (isCompressed(form.format) && (row == nullptr || !row->hasDecoder))
+void requireDecodable(const TextureFormat& format, const std::string& file) {
+    const CompressedFormat* row = findCompressed(format.pixelType);
+    if (isCompressed(format.pixelType) && (row == nullptr || !row->hasDecoder))
         throw Failure(ExitStatus::notSupported, file,
-                      "its format " + nameOf(form) + " has no decoder; 'moktex formats' lists those that have");
-    if (!isCompressed(form.format) && !layoutProblem(form).empty())
-        throw Failure(ExitStatus::notSupported, file, "its pixel " + nameOf(form) + " cannot be read: " + layoutProblem(form));
+                      "its format " + nameOf(format) + " has no decoder; 'moktex formats' lists those that have");
+    if (!isCompressed(format.pixelType) && !layoutProblem(format).empty())
+        throw Failure(ExitStatus::notSupported, file,
+                      "its pixel " + nameOf(format) + " cannot be read: " + layoutProblem(format));
+}
+
+Quality parseQuality(const std::string& text) {
+    for (unsigned int step = 0; step < names.size(); ++step) {
+        if (text == names[step] || text == std::to_string(step)) return {step, text == names[step]};
+    }
+    throw Failure(ExitStatus::commandLine, "--quality " + text + ": no such quality; use " + qualityHelp);
+}
+
+ECompressorQuality encoderQuality(const std::optional<Quality>& quality, PixelType format) {
+    if (!quality) return defaultQuality;
+    const bool isNamedETC1 = quality->isNamed && format.id == eFmtETC1;
+    return static_cast<ECompressorQuality>(isNamedETC1 ? namedETC1[quality->step] : quality->step);
 }
 
 }  // namespace moktextool

@@ -59,8 +59,8 @@ std::string blockText(const SizeRule& rule) {
 
 }  // namespace
 
-std::optional<SizeProblem> sizeProblem(const TextureForm& target, const PlannedSize& size) {
-    const CompressedFormat* row = findCompressed(target.format);
+std::optional<SizeProblem> sizeProblem(const TextureFormat& target, const PlannedSize& size) {
+    const CompressedFormat* row = findCompressed(target.pixelType);
     if (row == nullptr) return {};
     const std::string cannotHold = std::string(row->name) + " cannot hold ";
     if (size.depth > 1)

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "moktex/formats/texture_form.h"
+#include "moktex/formats/texture_format.h"
 
 namespace moktextool {
 
@@ -22,7 +22,7 @@ struct SizeProblem {
     std::uint32_t width, height;  ///< the nearest size that works with as many levels; 0 if none does
     std::uint32_t fittingLevels;  ///< how many levels of the size work
 };
-std::optional<SizeProblem> sizeProblem(const TextureForm& target, const PlannedSize& size);
+std::optional<SizeProblem> sizeProblem(const TextureFormat& target, const PlannedSize& size);
 
 /// The power of two nearest to `size`, the larger one of two.
 std::uint32_t nearestPowerOfTwo(std::uint32_t size);

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
-#include "moktex/files/texture_input.h"
-#include "moktex/files/texture_output.h"
+#include "moktex/files/texture_file.h"
 #include "moktex/formats/format_names.h"
 #include "moktex/operations/block_size_rule.h"
 #include "moktex/report/console.h"
@@ -21,7 +20,7 @@ struct Conversion {
     const std::string name;
     Console& console;
     CMOKTexture texture;
-    TextureForm target;
+    TextureFormat target;
     EMOKTColourSpace colourSpace;
     ECompressorQuality quality;
     PlannedSize resized;                       ///< before the operations
@@ -31,7 +30,7 @@ struct Conversion {
 
     bool resizes() const { return resized.width != texture.getWidth() || resized.height != texture.getHeight(); }
     bool changesPixels() const {
-        return resizes() || !request.operations.empty() || isPictureOutput || !(target == formOf(texture)) ||
+        return resizes() || !request.operations.empty() || isPictureOutput || !(target == formatOf(texture)) ||
                colourSpace != texture.getColourSpace();
     }
 };
@@ -46,11 +45,11 @@ PlannedSize planResize(const ConversionRequest& request, const CMOKTextureHeader
     return size;
 }
 
-/// What a full channel of a form counts for the user.
-double unitOf(const TextureForm& form) {
-    const bool isPlain = isCompressed(form.format) || (form.channelType != eVarFloat && !isSigned(form.channelType));
-    if (!isPlain || widestChannel(form) > 16) return 1;
-    return widestChannel(form) <= 8 ? 255 : 65535;
+/// What a full channel of a format counts for the user.
+double unitOf(const TextureFormat& format) {
+    const bool isPlain = isCompressed(format.pixelType) || (format.channelType != eVarFloat && !isSigned(format.channelType));
+    if (!isPlain || widestChannel(format) > 16) return 1;
+    return widestChannel(format) <= 8 ? 255 : 65535;
 }
 
 bool hasBorder(const CMOKTextureHeader& header) {
@@ -69,7 +68,7 @@ void requireImage(const ConversionRequest& request, const CMOKTextureHeader& hea
             std::string(option) + ' ' + std::to_string(index) + " does not exist; the last one is " + std::to_string(count - 1));
     };
     require("--level", request.level, levels);
-    require("--member", request.member, header.getNumArrayMembers());
+    require("--layer", request.layer, header.getNumArrayMembers());
     require("--face", request.face, header.getNumFaces());
 }
 
@@ -100,7 +99,7 @@ void checkSize(const Conversion& conversion) {
 }
 
 void checkEncoder(const Conversion& conversion) {
-    const PixelType format = conversion.target.format;
+    const PixelType format = conversion.target.pixelType;
     const CompressedFormat* row = findCompressed(format);
     if (row != nullptr && !row->hasEncoder)
         throw Failure(ExitStatus::notSupported, conversion.name,
@@ -125,17 +124,17 @@ void checkContainer(const Conversion& conversion, const std::string& output, boo
     requireHoldable(header, {output, conversion.request.legacyApi});
 }
 
-/// The form of an output that is not told: that of the input, RGBA8 for a picture and where normals find no three channels.
-TextureForm usualForm(const TextureForm& source, bool isPictureOutput, bool holdsNormals) {
-    const bool hasThreeChannels = isCompressed(source.format) || source.format.layout.channelName[2] != 0;
-    return isPictureOutput || (holdsNormals && !hasThreeChannels) ? rgba8Form : source;
+/// The format of an output that is not told: that of the input, RGBA8 for a picture and where normals find no three channels.
+TextureFormat defaultFormat(const TextureFormat& source, bool isPictureOutput, bool holdsNormals) {
+    const bool hasThreeChannels = isCompressed(source.pixelType) || source.pixelType.layout.channelName[2] != 0;
+    return isPictureOutput || (holdsNormals && !hasThreeChannels) ? rgba8Format : source;
 }
 
 Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std::string& name, const std::string& output,
                 Console& console) {
     if (request.assignedColourSpace) texture.setColourSpace(*request.assignedColourSpace);
     const bool isPictureOutput = outputKind(output) == OutputKind::picture;
-    const TextureForm source = formOf(texture);
+    const TextureFormat source = formatOf(texture);
     const PlannedSize resized = planResize(request, texture);
     PlannedTexture planned{
         name, console, resized, unitOf(source), texture.getColourSpace(), texture.isPreMultiplied(), hasBorder(texture)};
@@ -144,7 +143,7 @@ Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std
         contexts.push_back({planned.unit, request.mipFilter});
         operation->plan(planned);
     }
-    const TextureForm target = request.form.value_or(usualForm(source, isPictureOutput, planned.holdsNormals));
+    const TextureFormat target = request.format.value_or(defaultFormat(source, isPictureOutput, planned.holdsNormals));
     const EMOKTColourSpace colourSpace = request.colourSpace.value_or(planned.colourSpace);
     checkColourSpace(request, planned, colourSpace);
     Conversion conversion{request,
@@ -153,7 +152,7 @@ Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std
                           std::move(texture),
                           target,
                           colourSpace,
-                          encoderQuality(request.quality, target.format),
+                          encoderQuality(request.quality, target.pixelType),
                           resized,
                           planned.size,
                           std::move(contexts),
@@ -167,32 +166,32 @@ Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std
     return conversion;
 }
 
-/// A form in which values stay what they are in any number of steps: floats, as long as they fit.
-TextureForm exactForm(const Conversion& conversion) {
+/// A format in which values stay what they are in any number of steps: floats, as long as they fit.
+TextureFormat exactFormat(const Conversion& conversion) {
     const auto pixelsOf = [](const PlannedSize& size) { return std::uint64_t{size.width} * size.height; };
     const CMOKTexture& texture = conversion.texture;
     const std::uint64_t pixels = std::max(
         {std::uint64_t{texture.getWidth()} * texture.getHeight(), pixelsOf(conversion.resized), pixelsOf(conversion.size)});
     const std::uint64_t images = std::uint64_t{texture.getNumArrayMembers()} * texture.getNumFaces() * texture.getDepth();
-    const double unit = unitOf(formOf(texture));
-    if (unit == 1 || pixels * images <= maxDataSize / 16 / 4 * 3) return rgbaFloatForm;
-    return unit == 255 ? rgba8Form : rgba16Form;
+    const double unit = unitOf(formatOf(texture));
+    if (unit == 1 || pixels * images <= maxDataSize / 16 / 4 * 3) return rgbaFloatFormat;
+    return unit == 255 ? rgba8Format : rgba16Format;
 }
 
-/// A form that an operation takes, the texture's own if that will do.
-TextureForm operandForm(const Conversion& conversion, OperandForm wanted) {
-    if (wanted == OperandForm::bytes) return rgba8Form;
-    if (wanted == OperandForm::exact) return exactForm(conversion);
-    const TextureForm form = formOf(conversion.texture);
-    if (form == rgba8Form || form == rgba16Form || form == rgbaFloatForm) return form;
-    const double unit = unitOf(form);
-    return unit == 255 ? rgba8Form : unit == 65535 ? rgba16Form : rgbaFloatForm;
+/// A format that an operation takes, the texture's own if that will do.
+TextureFormat operandFormat(const Conversion& conversion, OperandFormat wanted) {
+    if (wanted == OperandFormat::bytes) return rgba8Format;
+    if (wanted == OperandFormat::exact) return exactFormat(conversion);
+    const TextureFormat format = formatOf(conversion.texture);
+    if (format == rgba8Format || format == rgba16Format || format == rgbaFloatFormat) return format;
+    const double unit = unitOf(format);
+    return unit == 255 ? rgba8Format : unit == 65535 ? rgba16Format : rgbaFloatFormat;
 }
 
-void bringTo(Conversion& conversion, OperandForm form) {
+void bringTo(Conversion& conversion, OperandFormat format) {
     CMOKTexture& texture = conversion.texture;
     decodeBlocks(texture, conversion.name);
-    changeForm(texture, {operandForm(conversion, form), texture.getColourSpace()}, conversion.name, conversion.console);
+    changeFormat(texture, {operandFormat(conversion, format), texture.getColourSpace()}, conversion.name, conversion.console);
 }
 
 /// The next edge on the way from `current` to `wanted`. The filters sample points and are centred for halving only; so a
@@ -233,7 +232,7 @@ bool makesLevels(const ConversionRequest& request) {
 void noteLosses(const Conversion& conversion) {
     const auto& request = conversion.request;
     const CMOKTexture& texture = conversion.texture;
-    const bool isFloat = formOf(texture).channelType == eVarFloat && !isCompressed(texture.getPixelType());
+    const bool isFloat = formatOf(texture).channelType == eVarFloat && !isCompressed(texture.getPixelType());
     if (isFloat && ((conversion.resizes() && request.resizeFilter == eResizeCubic) ||
                     (makesLevels(request) && request.mipFilter == eResizeCubic)))
         conversion.console.note(conversion.name + ": the cubic filter clamps values to 0 to 1; use linear to keep them");
@@ -244,30 +243,30 @@ void noteLosses(const Conversion& conversion) {
 void operate(Conversion& conversion) {
     noteLosses(conversion);
     if (conversion.resizes()) {
-        bringTo(conversion, OperandForm::exact);
+        bringTo(conversion, OperandFormat::exact);
         resize(conversion);
     }
     for (std::size_t i = 0; i < conversion.operations.size(); ++i) {
         const ImageOperation& operation = *conversion.request.operations[i];
-        bringTo(conversion, operation.operandForm());
+        bringTo(conversion, operation.operandFormat());
         require(operation.apply(conversion.texture, conversion.operations[i]), conversion.name, operation.text);
     }
 }
 
 /// Leaves the one image that becomes a picture.
-void pickImage(Conversion& conversion, const TextureForm& source) {
+void pickImage(Conversion& conversion, const TextureFormat& source) {
     const auto& request = conversion.request;
     CMOKTexture& texture = conversion.texture;
     if (widestChannel(source) > 8) conversion.console.note(conversion.name + ": the picture is written with 8 bits a channel");
     if (texture.getDepth(request.level) > 1)
         conversion.console.note(conversion.name + ": the picture holds the first slice of the volume");
-    texture = extractImage(texture, request.level, request.member, request.face);
+    texture = extractImage(texture, request.level, request.layer, request.face);
 }
 
 void report(const CMOKTexture& texture, const std::string& output, std::size_t bytes, Console& console) {
     if (console.quiet || output == standardStream) return;
     const std::uint32_t levels = texture.getNumMIPLevels();
-    console.out << printable(output) << ": " << nameOf(formOf(texture)) << ", " << texture.getWidth() << " x "
+    console.out << printable(output) << ": " << nameOf(formatOf(texture)) << ", " << texture.getWidth() << " x "
                 << texture.getHeight() << ", " << levels << (levels == 1 ? " level, " : " levels, ")
                 << nameOf(texture.getColourSpace()) << ", " << bytes << " bytes\n";
 }
@@ -278,16 +277,16 @@ void convertFile(const ConversionRequest& request, const std::string& input, con
     const std::string name = displayName(input);
     Conversion conversion = plan(request, readTexture(input, console).texture, name, output, console);
     auto& texture = conversion.texture;
-    const TextureForm source = formOf(texture);
+    const TextureFormat source = formatOf(texture);
     CMOKTextureHeader targetHeader;
-    targetHeader.setPixelFormat(conversion.target.format);
+    targetHeader.setPixelFormat(conversion.target.pixelType);
     if (request.dither && targetHeader.getBitsPerPixel() >= 32)
         console.note(name + ": --dither has no effect above 31 bits a pixel");
 
     operate(conversion);
     if (conversion.isPictureOutput) pickImage(conversion, source);
-    changeForm(texture, {conversion.target, conversion.colourSpace, conversion.quality, request.dither}, name, console);
-    if (conversion.isPictureOutput) changeForm(texture, {rgba8Form, conversion.colourSpace}, name, console);
+    changeFormat(texture, {conversion.target, conversion.colourSpace, conversion.quality, request.dither}, name, console);
+    if (conversion.isPictureOutput) changeFormat(texture, {rgba8Format, conversion.colourSpace}, name, console);
     const std::string caveat = containerCaveat(texture, {output, request.legacyApi});
     if (!caveat.empty()) console.note(output + ": " + caveat);
     const std::size_t bytes = writeTexture(texture, {output, request.legacyApi}, console);

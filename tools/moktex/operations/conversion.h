@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "moktex/formats/quality_names.h"
-#include "moktex/formats/texture_form.h"
-#include "moktex/operations/operation_options.h"
+#include "moktex/formats/format_names.h"
+#include "moktex/formats/texture_format.h"
+#include "moktex/operations/image_operation.h"
 
 namespace moktextool {
 
@@ -21,7 +21,7 @@ struct ResizeRequest {
 
 /// What `moktex convert` is asked to do with each input.
 struct ConversionRequest {
-    std::optional<TextureForm> form;  ///< none: that of the input
+    std::optional<TextureFormat> format;  ///< none: that of the input
     std::optional<Quality> quality;
     std::vector<OperationPointer> operations;  ///< in their order, behind the change of size
     moktexture::EResizeMode mipFilter = moktexture::eResizeLinear;
@@ -30,7 +30,7 @@ struct ConversionRequest {
     std::optional<EMOKTColourSpace> assignedColourSpace;  ///< what the input is
     std::optional<EMOKTColourSpace> colourSpace;          ///< what the output is to be
     bool dither = false;
-    std::uint32_t level = 0, member = 0, face = 0;    ///< which image becomes a picture
+    std::uint32_t level = 0, layer = 0, face = 0;     ///< which image becomes a picture
     std::optional<moktexture::ELegacyApi> legacyApi;  ///< set to write the legacy layout
 };
 

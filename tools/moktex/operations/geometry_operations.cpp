@@ -1,8 +1,9 @@
-// Operations that move pixels without changing their values.
+// Operations that change the orientation, the size or the number of MIP levels.
 
 #include <algorithm>
+#include <bit>
 
-#include "moktex/operations/operation_options.h"
+#include "moktex/operations/image_operation.h"
 #include "moktex/report/console.h"
 
 using namespace moktexture;
@@ -87,6 +88,30 @@ private:
     const std::uint32_t x, y;
 };
 
+class Mipmaps : public ImageOperation {
+public:
+    Mipmaps(const std::string& givenText, std::uint32_t wantedLevels) : ImageOperation(givenText), levels(wantedLevels) {}
+
+    void plan(PlannedTexture& texture) const override {
+        const std::uint32_t largest = std::max({texture.size.width, texture.size.height, texture.size.depth});
+        const auto fullChain = static_cast<std::uint32_t>(std::bit_width(largest));
+        if (levels != allMIPLevels && levels > fullChain)
+            refuse(texture, ExitStatus::commandLine,
+                   "more than the full chain has; use --mipmaps, or at most " + std::to_string(fullChain));
+        texture.size.levels = levels == allMIPLevels ? fullChain : levels;
+        texture.hasMadeLevels = true;
+    }
+    bool isMipmaps() const override { return true; }
+    OperandFormat operandFormat() const override { return OperandFormat::exact; }
+    bool apply(CMOKTexture& texture, const OperationContext& context) const override {
+        // A chain of the wanted length would be left as it is, so an old one goes first.
+        return GenerateMIPMaps(texture, context.mipFilter, 1) && GenerateMIPMaps(texture, context.mipFilter, levels);
+    }
+
+private:
+    const std::uint32_t levels;
+};
+
 }  // namespace
 
 OperationPointer parseFlip(const std::string& text, const std::string& value) {
@@ -111,6 +136,13 @@ OperationPointer parseBorder(const std::string& text, const std::string& value) 
     if ((x == 0 && first != "0") || (y == 0 && second != "0") || (x == 0 && y == 0))
         throw Failure(ExitStatus::commandLine, text + ": no width; use a number of pixels, or two as in 4x2");
     return std::make_unique<AddBorder>(text, x, y);
+}
+
+OperationPointer parseMipmaps(const std::string& text, const std::string& value) {
+    if (value == "all") return std::make_unique<Mipmaps>("--mipmaps", allMIPLevels);
+    const std::uint32_t levels = parseEdge(value);
+    if (levels == 0 || levels > 255) throw Failure(ExitStatus::commandLine, text + ": no number of levels; use 1 to 17");
+    return std::make_unique<Mipmaps>("--mipmaps=" + value, levels);
 }
 
 }  // namespace moktextool

@@ -1,14 +1,14 @@
 #pragma once
 
+#include <memory>
+#include <span>
 #include <string>
 #include <utility>
 
 #include "moktex/operations/block_size_rule.h"
-#include "moktex/report/exit_status.h"
+#include "moktex/report/console.h"
 
 namespace moktextool {
-
-struct Console;
 
 /// What a texture is to be at one point of its way through the operations.
 struct PlannedTexture {
@@ -24,7 +24,7 @@ struct PlannedTexture {
 };
 
 /// The forms of pixels that an operation takes.
-enum class OperandForm {
+enum class OperandFormat {
     any,    ///< each that the library operates on
     bytes,  ///< RGBA8
     exact,  ///< floats, as long as they fit, so that nothing is rounded on the way
@@ -48,8 +48,8 @@ public:
     /// Makes a wanted width and height behind the operation those before it; false if there are none.
     virtual bool undoSize(PlannedSize&) const { return true; }
     virtual bool isMipmaps() const { return false; }
-    virtual OperandForm operandForm() const { return OperandForm::any; }
-    /// Works on a texture in operandForm(). False if the library refuses.
+    virtual OperandFormat operandFormat() const { return OperandFormat::any; }
+    /// Works on a texture in operandFormat(). False if the library refuses.
     virtual bool apply(moktexture::CMOKTexture& texture, const OperationContext& context) const = 0;
 
     const std::string text;  ///< as it was given, "--flip x"
@@ -59,5 +59,38 @@ protected:
         throw Failure(status, texture.name, text + ": " + why);
     }
 };
+
+using OperationPointer = std::unique_ptr<const ImageOperation>;
+
+/// An option of `moktex convert` that stands for an operation.
+struct OperationOption {
+    const char* names;    ///< as the command line takes them, the chief one first
+    const char* operand;  ///< what the help shows for the value; null for an option without one
+    const char* help;
+    const char* example;
+    OperationPointer (*parse)(const std::string& text, const std::string& value);  ///< `text`: option and value together
+};
+std::span<const OperationOption> operationOptions();
+/// The first of an option's names that has two dashes.
+std::string longName(const OperationOption& option);
+/// All options, each with its explanation and its example.
+std::string operationHelp();
+
+/// A number of 1 to 65536, or 0 for anything else.
+std::uint32_t parseEdge(const std::string& text);
+
+/// @name Each makes an operation of its option's value. A Failure for values that mean nothing.
+/// @{
+OperationPointer parseMipmaps(const std::string& text, const std::string& value);
+OperationPointer parseColourMips(const std::string& text, const std::string& value);
+OperationPointer parsePremultiply(const std::string& text, const std::string& value);
+OperationPointer parseBleed(const std::string& text, const std::string& value);
+OperationPointer parseFlip(const std::string& text, const std::string& value);
+OperationPointer parseRotate90(const std::string& text, const std::string& value);
+OperationPointer parseBorder(const std::string& text, const std::string& value);
+OperationPointer parseNormalMap(const std::string& text, const std::string& value);
+OperationPointer parseSetChannel(const std::string& text, const std::string& value);
+OperationPointer parseSwizzle(const std::string& text, const std::string& value);
+/// @}
 
 }  // namespace moktextool

@@ -1,4 +1,4 @@
-// Operations that change values of pixels where they are.
+// Operations that change the values of pixels.
 
 #include <algorithm>
 #include <array>
@@ -7,8 +7,8 @@
 #include <optional>
 #include <string_view>
 
-#include "moktex/formats/texture_form.h"
-#include "moktex/operations/operation_options.h"
+#include "moktex/formats/texture_format.h"
+#include "moktex/operations/image_operation.h"
 
 using namespace moktexture;
 
@@ -43,7 +43,7 @@ public:
                    "--format rgba8888");
         texture.isPremultiplied = true;
     }
-    OperandForm operandForm() const override { return OperandForm::bytes; }
+    OperandFormat operandFormat() const override { return OperandFormat::bytes; }
     bool apply(CMOKTexture& texture, const OperationContext&) const override { return PreMultiplyAlpha(texture); }
 };
 
@@ -93,7 +93,7 @@ public:
 
     void plan(PlannedTexture&) const override {}
     // The library's copy between 16-bit channels takes one off some values.
-    OperandForm operandForm() const override { return OperandForm::exact; }
+    OperandFormat operandFormat() const override { return OperandFormat::exact; }
     bool apply(CMOKTexture& texture, const OperationContext&) const override {
         std::array destinations = {eChannelRed, eChannelGreen, eChannelBlue, eChannelAlpha};
         std::array from = sources;
@@ -126,6 +126,17 @@ public:
 private:
     const float scale;
     const std::string order;
+};
+
+class ColourMips : public ImageOperation {
+public:
+    using ImageOperation::ImageOperation;
+
+    void plan(PlannedTexture& texture) const override {
+        if (texture.size.levels == 1)
+            refuse(texture, ExitStatus::commandLine, "there is no level below the first; give --mipmaps before it");
+    }
+    bool apply(CMOKTexture& texture, const OperationContext&) const override { return ColourMIPMaps(texture); }
 };
 
 }  // namespace
@@ -163,6 +174,10 @@ OperationPointer parseNormalMap(const std::string& text, const std::string& valu
     if (order.empty() || isRepeated || order.find_first_not_of("xyzh") != std::string::npos)
         throw Failure(ExitStatus::commandLine, text + ": no order of channels; use x, y, z and h once each at most, as in xyzh");
     return std::make_unique<NormalMap>(text, static_cast<float>(*scale), order);
+}
+
+OperationPointer parseColourMips(const std::string& text, const std::string&) {
+    return std::make_unique<ColourMips>(text);
 }
 
 }  // namespace moktextool

@@ -1,4 +1,4 @@
-#include "moktex/operations/operation_options.h"
+#include "moktex/operations/image_operation.h"
 
 namespace moktextool {
 
@@ -46,7 +46,7 @@ std::span<const OperationOption> operationOptions() {
     return options;
 }
 
-std::string chiefName(const OperationOption& option) {
+std::string longName(const OperationOption& option) {
     const std::string names = option.names;
     const std::size_t start = names.find("--");
     return names.substr(start, names.find(',', start) - start);
@@ -56,7 +56,7 @@ std::string operationHelp() {
     std::string text;
     for (const OperationOption& option : options) {
         const std::string operand = option.operand == nullptr ? "" : option.operand;
-        text += "  " + chiefName(option) + (operand.empty() || operand[0] == '[' ? "" : " ") + operand + "\n    " + option.help +
+        text += "  " + longName(option) + (operand.empty() || operand[0] == '[' ? "" : " ") + operand + "\n    " + option.help +
                 "\n    " + option.example + '\n';
     }
     return text;

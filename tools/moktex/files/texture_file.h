@@ -9,6 +9,16 @@ namespace moktextool {
 
 struct Console;
 
+/// A texture and what it came from.
+struct TextureInput {
+    moktexture::CMOKTexture texture;
+    bool isPicture;
+};
+
+/// Reads a picture or texture from a file or, for "-", from standard input. Content decides what it is, then the extension.
+/// A Failure that names the file if that is not possible.
+TextureInput readTexture(const std::string& path, Console& console);
+
 enum class OutputKind { texture, picture };
 
 /// What a path's extension asks for; "-" is a texture. A Failure for extensions that cannot be written.

@@ -10,21 +10,21 @@ namespace moktextool {
 struct Console;
 
 /// Pixel format and channel type: what a texture's bytes mean.
-struct TextureForm {
-    moktexture::PixelType format;
+struct TextureFormat {
+    moktexture::PixelType pixelType;
     EMOKTVariableType channelType;
 };
-bool operator==(const TextureForm& a, const TextureForm& b);
+bool operator==(const TextureFormat& a, const TextureFormat& b);
 
-inline constexpr TextureForm rgba8Form{moktexture::PixelTypeRGBA8, eVarUByteNorm};
-inline constexpr TextureForm rgba16Form{moktexture::PixelTypeRGBA16, eVarUShortNorm};
-inline constexpr TextureForm rgbaFloatForm{moktexture::PixelTypeRGBA32, eVarFloat};
+inline constexpr TextureFormat rgba8Format{moktexture::PixelTypeRGBA8, eVarUByteNorm};
+inline constexpr TextureFormat rgba16Format{moktexture::PixelTypeRGBA16, eVarUShortNorm};
+inline constexpr TextureFormat rgbaFloatFormat{moktexture::PixelTypeRGBA32, eVarFloat};
 
-TextureForm formOf(const moktexture::CMOKTextureHeader& header);
+TextureFormat formatOf(const moktexture::CMOKTextureHeader& header);
 bool isCompressed(moktexture::PixelType format);
 bool isSigned(EMOKTVariableType type);
 /// Bits of the widest channel; 8 for a compressed format, whose pixels come out at 8 bits.
-unsigned int widestChannel(const TextureForm& form);
+unsigned int widestChannel(const TextureFormat& format);
 
 /// Bytes of all levels at so many bytes per pixel, without wrapping.
 std::uint64_t uncompressedSize(const moktexture::CMOKTextureHeader& header, std::uint32_t bytesPerPixel);
@@ -35,20 +35,20 @@ inline constexpr std::uint64_t maxDataSize = 0xFFFFFFFF;
 /// Also decodes right what the codec alone does not: levels that are no whole blocks, and slices of a volume.
 void decodeBlocks(moktexture::CMOKTexture& texture, const std::string& name);
 
-/// What changeForm() needs to know beyond the form.
-struct FormChange {
-    TextureForm target;
+/// What changeFormat() needs to know beyond the format.
+struct FormatChange {
+    TextureFormat target;
     EMOKTColourSpace colourSpace;  ///< where the texture's label differs, the curve is applied
     moktexture::ECompressorQuality quality = moktexture::eCompressorQuality3;
     bool dither = false;
 };
 
-/// Brings a texture into a form and colour space. Values that the target cannot hold are clamped, where the plain conversion
+/// Brings a texture into a format and colour space. Values that the target cannot hold are clamped, where the plain conversion
 /// would wrap them; a line says so. A texture that is there already stays bit for bit.
-void changeForm(moktexture::CMOKTexture& texture, const FormChange& change, const std::string& name, Console& console);
+void changeFormat(moktexture::CMOKTexture& texture, const FormatChange& change, const std::string& name, Console& console);
 
-/// One image of a texture, in the texture's form: a face of a member at a level, the first slice of a volume.
-moktexture::CMOKTexture extractImage(const moktexture::CMOKTexture& texture, std::uint32_t level, std::uint32_t member,
+/// One image of a texture, in the texture's format: a face of a layer at a level, the first slice of a volume.
+moktexture::CMOKTexture extractImage(const moktexture::CMOKTexture& texture, std::uint32_t level, std::uint32_t layer,
                                      std::uint32_t face);
 
 }  // namespace moktextool

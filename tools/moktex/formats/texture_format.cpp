@@ -1,4 +1,4 @@
-#include "moktex/formats/texture_form.h"
+#include "moktex/formats/texture_format.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,20 +18,21 @@ namespace {
 /// The next float below 1: the largest value that does not wrap in a 32-bit integer channel.
 constexpr float belowOne = 0x1.FFFFFEp-1F;
 
-/// The values that a form holds without wrapping.
+/// The values that a format holds without wrapping.
 struct ValueRange {
     float low;
     float high;
     float smallest;  ///< nearer to zero than this counts as zero
 };
 
-ValueRange rangeOf(const TextureForm& form) {
-    const unsigned int bits = widestChannel(form);
-    if (isCompressed(form.format)) return {0.0F, 1.0F, 0.0F};
-    if (form.channelType == eVarFloat) return {bits == 16 ? -65504.0F : 0.0F, 65504.0F, 0x1p-15F};
+ValueRange rangeOf(const TextureFormat& format) {
+    const unsigned int bits = widestChannel(format);
+    if (isCompressed(format.pixelType)) return {0.0F, 1.0F, 0.0F};
+    if (format.channelType == eVarFloat) return {bits == 16 ? -65504.0F : 0.0F, 65504.0F, 0x1p-15F};
     const float high = bits == 32 ? belowOne : 1.0F;
     // Negative values are stored as a magnitude whose scale is one larger, so -1 itself has no place.
-    if (isSigned(form.channelType)) return {-std::min(belowOne, 1.0F - std::ldexp(1.0F, 1 - static_cast<int>(bits))), high, 0.0F};
+    if (isSigned(format.channelType))
+        return {-std::min(belowOne, 1.0F - std::ldexp(1.0F, 1 - static_cast<int>(bits))), high, 0.0F};
     return {0.0F, high, 0.0F};
 }
 
@@ -48,14 +49,15 @@ bool clampValues(std::span<float> values, const ValueRange& range) {
 }
 
 /// Whether a conversion goes by way of floats: values could be out of range, or would be rounded before and after the curve.
-bool needsFloats(const TextureForm& source, const TextureForm& target, bool hasCurve) {
-    if (target.channelType == eVarFloat && !isCompressed(target.format) && widestChannel(target) == 32) return false;
+bool needsFloats(const TextureFormat& source, const TextureFormat& target, bool hasCurve) {
+    if (target.channelType == eVarFloat && !isCompressed(target.pixelType) && widestChannel(target) == 32) return false;
     return source.channelType == eVarFloat || isSigned(source.channelType) || target.channelType == eVarFloat ||
            widestChannel(target) == 32 || (hasCurve && widestChannel(source) > 8);
 }
 
-void transcode(CMOKTexture& texture, const FormChange& change, const std::string& name) {
-    if (!Transcode(texture, change.target.format, change.target.channelType, change.colourSpace, change.quality, change.dither)) {
+void transcode(CMOKTexture& texture, const FormatChange& change, const std::string& name) {
+    if (!Transcode(texture, change.target.pixelType, change.target.channelType, change.colourSpace, change.quality,
+                   change.dither)) {
         throw Failure(ExitStatus::workFailed, name,
                       "the conversion to " + nameOf(change.target) +
                           " failed, for want of memory or for its size; close other programs or use --resize");
@@ -77,7 +79,7 @@ CMOKTexture decodeWholeBlocks(const CMOKTexture& texture, std::uint32_t level, c
     const CMOKTextureHeader header(texture.getPixelType().id, height, width, 1, 1, images, 1, eColourSpaceLinear, eVarUByteNorm,
                                    false);
     CMOKTexture blocks(header, texture.getDataPtr(level));
-    transcode(blocks, {rgba8Form, eColourSpaceLinear}, name);
+    transcode(blocks, {rgba8Format, eColourSpaceLinear}, name);
     return blocks;
 }
 
@@ -103,21 +105,21 @@ std::uint64_t encodedSize(const CMOKTextureHeader& header) {
 
 /// Encodes an uncompressed texture, which is no volume, image by image: the bytes are those of the whole at once, and a terminal
 /// can show how far it is.
-void encodeBlocks(CMOKTexture& texture, const FormChange& change, const std::string& name, Console& console) {
+void encodeBlocks(CMOKTexture& texture, const FormatChange& change, const std::string& name, Console& console) {
     CMOKTextureHeader header = texture.getHeader();
-    header.setPixelFormat(change.target.format);
+    header.setPixelFormat(change.target.pixelType);
     header.setChannelType(eVarUByteNorm);
     header.setColourSpace(change.colourSpace);
     if (encodedSize(header) != header.getDataSize())
         throw Failure(ExitStatus::notSupported, name, "too large when it is encoded; make the texture smaller or split it");
     CMOKTexture encoded(header, nullptr);
-    const std::uint32_t members = header.getNumArrayMembers(), faces = header.getNumFaces(), levels = header.getNumMIPLevels();
-    ProgressLine progress(console, {members * faces, levels});
-    for (std::uint32_t i = 0; i < members * faces * levels; ++i) {
-        const std::uint32_t level = i % levels, face = i / levels % faces, member = i / levels / faces;
-        CMOKTexture image = extractImage(texture, level, member, face);
+    const std::uint32_t layers = header.getNumArrayMembers(), faces = header.getNumFaces(), levels = header.getNumMIPLevels();
+    ProgressLine progress(console, {layers * faces, levels});
+    for (std::uint32_t i = 0; i < layers * faces * levels; ++i) {
+        const std::uint32_t level = i % levels, face = i / levels % faces, layer = i / levels / faces;
+        CMOKTexture image = extractImage(texture, level, layer, face);
         transcode(image, change, name);
-        std::memcpy(encoded.getDataPtr(level, member, face), image.getDataPtr(), image.getDataSize());
+        std::memcpy(encoded.getDataPtr(level, layer, face), image.getDataPtr(), image.getDataSize());
         progress.advance();
     }
     texture = std::move(encoded);
@@ -125,11 +127,11 @@ void encodeBlocks(CMOKTexture& texture, const FormChange& change, const std::str
 
 }  // namespace
 
-bool operator==(const TextureForm& a, const TextureForm& b) {
-    return a.format == b.format && a.channelType == b.channelType;
+bool operator==(const TextureFormat& a, const TextureFormat& b) {
+    return a.pixelType == b.pixelType && a.channelType == b.channelType;
 }
 
-TextureForm formOf(const CMOKTextureHeader& header) {
+TextureFormat formatOf(const CMOKTextureHeader& header) {
     return {header.getPixelType(), header.getChannelType()};
 }
 
@@ -141,9 +143,9 @@ bool isSigned(EMOKTVariableType type) {
     return type % 2 == 1;
 }
 
-unsigned int widestChannel(const TextureForm& form) {
-    if (isCompressed(form.format)) return 8;
-    return *std::max_element(std::begin(form.format.layout.channelBits), std::end(form.format.layout.channelBits));
+unsigned int widestChannel(const TextureFormat& format) {
+    if (isCompressed(format.pixelType)) return 8;
+    return *std::max_element(std::begin(format.pixelType.layout.channelBits), std::end(format.pixelType.layout.channelBits));
 }
 
 std::uint64_t uncompressedSize(const CMOKTextureHeader& header, std::uint32_t bytesPerPixel) {
@@ -168,30 +170,30 @@ void decodeBlocks(CMOKTexture& texture, const std::string& name) {
     texture.setColourSpace(label);
 }
 
-void changeForm(CMOKTexture& texture, const FormChange& change, const std::string& name, Console& console) {
+void changeFormat(CMOKTexture& texture, const FormatChange& change, const std::string& name, Console& console) {
     const bool hasCurve = texture.getColourSpace() != change.colourSpace;
-    if (formOf(texture) == change.target && !hasCurve) return;
+    if (formatOf(texture) == change.target && !hasCurve) return;
     decodeBlocks(texture, name);
     if (hasCurve) {
         console.warn(name + ": applying the " + (change.colourSpace == eColourSpaceSRGB ? "linear to sRGB" : "sRGB to linear") +
                      " curve to the colours");
     }
-    if (needsFloats(formOf(texture), change.target, hasCurve)) {
-        transcode(texture, {rgbaFloatForm, change.colourSpace}, name);
+    if (needsFloats(formatOf(texture), change.target, hasCurve)) {
+        transcode(texture, {rgbaFloatFormat, change.colourSpace}, name);
         const std::span values(static_cast<float*>(texture.getDataPtr()), texture.getDataSize() / sizeof(float));
         if (clampValues(values, rangeOf(change.target)))
             console.note(name + ": values that " + nameOf(change.target) + " cannot hold are clamped");
     }
-    if (isCompressed(change.target.format))
+    if (isCompressed(change.target.pixelType))
         encodeBlocks(texture, change, name, console);
     else
         transcode(texture, change, name);
 }
 
-CMOKTexture extractImage(const CMOKTexture& texture, std::uint32_t level, std::uint32_t member, std::uint32_t face) {
+CMOKTexture extractImage(const CMOKTexture& texture, std::uint32_t level, std::uint32_t layer, std::uint32_t face) {
     const CMOKTextureHeader header(texture.getPixelType().id, texture.getHeight(level), texture.getWidth(level), 1, 1, 1, 1,
                                    texture.getColourSpace(), texture.getChannelType(), texture.isPreMultiplied());
-    return {header, texture.getDataPtr(level, member, face)};
+    return {header, texture.getDataPtr(level, layer, face)};
 }
 
 }  // namespace moktextool

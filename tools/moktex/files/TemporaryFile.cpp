@@ -1,4 +1,4 @@
-#include "moktex/files/temporary_file.h"
+#include "moktex/files/TemporaryFile.h"
 
 #include <fstream>
 #include <random>
