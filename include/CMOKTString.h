@@ -5,7 +5,7 @@
 
 #include "moktex_export.h"
 
-// Lets compilers check format strings and their arguments, with the C standard's length modifiers on Windows too.
+// Compilers check format strings and their arguments; on Windows too with the length modifiers of the C standard.
 #if defined(__MINGW32__)
 #define MOKTEX_PRINTF(text, first) __attribute__((format(gnu_printf, text, first)))
 #elif defined(__GNUC__)
@@ -16,22 +16,22 @@
 
 /// Owned character string of the exported interface: bytes, always terminated by a zero byte.
 ///
-/// Arguments come in the order of `std::string`. Nothing checks the index of `operator[]`; all else cuts positions and counts to
-/// what exists, and takes a null `const char*` for an empty string. A count of `npos` means all up to the zero byte. Allocation
-/// raises `std::bad_alloc`, with the string unchanged. An object belongs to one thread at a time. What c_str(), data() and
-/// operator[] give holds until the string is changed; swap() hands it over.
+/// Arguments have the order of `std::string`. The index of `operator[]` is not checked; all other functions clamp positions and
+/// counts to the string, and treat a null `const char*` as an empty string. A count of `npos` means up to the zero byte.
+/// Allocation raises `std::bad_alloc`, with the string unchanged. An object belongs to one thread at a time. The results of
+/// c_str(), data() and operator[] are valid until the string is changed; swap() transfers them.
 ///
-/// Whatever lengthens the string takes a new buffer of exactly the length needed, also where reserve() has made room: that room
-/// serves assignment.
+/// Every function that lengthens the string allocates a new buffer of exactly the length needed, even after reserve(); only
+/// assignment uses the reserved room.
 class MOKTEX_API CMOKTString {
 public:
-    /// "Not found", and "all that there is" as a count.
+    /// As a result: not found. As a count: up to the end.
     static constexpr std::size_t npos = ~std::size_t{0};
 
     CMOKTString();
     /// `count` bytes of `chars`, or all of it with npos. Null gives an empty string.
     CMOKTString(const char* chars, std::size_t count = npos);
-    /// The part of `string` from `start`, cut to what exists.
+    /// `count` bytes of `string` from `start`, clamped to its length.
     CMOKTString(const CMOKTString& string, std::size_t start, std::size_t count = npos);
     CMOKTString(const CMOKTString& string);
     CMOKTString(std::size_t count, char character);
@@ -72,20 +72,20 @@ public:
     bool empty() const;
     char& operator[](std::size_t index);
     const char& operator[](std::size_t index) const;
-    /// Copies up to `count` bytes from `start` to `buffer`, without a terminator. A null buffer takes nothing.
+    /// Copies up to `count` bytes from `start` to `buffer`, without a terminator. Nothing is copied to a null buffer.
     /// @return the number of bytes copied.
     std::size_t copy(char* buffer, std::size_t count, std::size_t start = 0) const;
 
-    /// Empties the string and gives its buffer back.
+    /// Empties the string and frees its buffer.
     void clear();
     /// Reallocates to `newLength` + 1 bytes if capacity() is not above `newLength`.
     void reserve(std::size_t newLength = 0);
-    /// Cuts the string or fills it up with `character`.
+    /// Truncates the string, or appends `character` up to the new length.
     void resize(std::size_t newLength, char character = 0);
     void swap(CMOKTString& other) noexcept;
 
-    /// @name Comparison: below, at or above 0. Bytes are unsigned in the forms over the whole string, and signed in the forms
-    /// with a range; ranges are cut to what exists.
+    /// @name Comparison: negative, 0 or positive. Bytes are unsigned in the forms over the whole string, and signed in the forms
+    /// with a range; ranges are clamped to the string.
     /// @{
     int compare(const CMOKTString& string) const;
     int compare(const char* chars) const;
@@ -142,7 +142,7 @@ public:
     int find_next(const CMOKTString& string, std::size_t start = 0) const;
     /// @}
 
-    /// @name First position going down from `start` where the text occurs, or -1. Position 0 is never looked at.
+    /// @name First position, going down from `start`, where the text occurs, or -1. A match at position 0 is not reported.
     /// @{
     int find_previous(char character, std::size_t start = npos) const;
     int find_previous(const char* chars, std::size_t start = npos) const;
@@ -157,7 +157,7 @@ public:
     CMOKTString& erase(std::size_t start = 0, std::size_t count = npos);
     /// Changes every `from` to `to`, or only the first.
     CMOKTString& replace_char(char from, char to, bool all = true);
-    /// Changes every `from` to `to`, or only the first. The search goes on behind what was put in. An empty `from` changes
+    /// Changes every `from` to `to`, or only the first. The search continues behind the inserted text. An empty `from` changes
     /// nothing.
     CMOKTString& replace_all(const CMOKTString& from, const CMOKTString& to, bool all = true);
 
@@ -167,14 +167,14 @@ public:
     /// The last `count` bytes, or the whole string if it has no more.
     CMOKTString right(std::size_t count) const;
 
-    /// From the last '.', which is included, also if it stands in a folder's name; "" if there is none.
+    /// The part from the last '.', included, even if that is in a folder's name; "" if there is none.
     CMOKTString file_extension() const;
-    /// Up to the last '/', which is included, or else the last '\'; "" if there is neither.
+    /// The part up to the last '/', included, or else the last '\'; "" if there is neither.
     CMOKTString directory_of() const;
-    /// Behind the last '/', or else the last '\'; all of it if there is neither.
+    /// The part behind the last '/', or else the last '\'; the whole string if there is neither.
     CMOKTString file_name_of() const;
 
-    /// Cuts off leading or trailing spaces, tabs and line ends. A string of nothing else comes back unchanged.
+    /// Removes leading or trailing spaces, tabs and line ends. A string of nothing else stays unchanged.
     CMOKTString& trim_left();
     CMOKTString& trim_right();
 
@@ -184,9 +184,9 @@ public:
     CMOKTString assign_format(const char* format, ...) MOKTEX_PRINTF(2, 3);
 
 private:
-    /// A buffer for `length` bytes and the terminator, which is set.
+    /// Allocates a buffer for `length` bytes and the terminator, which is set.
     static char* newBuffer(std::size_t length);
-    /// Takes over a buffer made for `newLength` bytes and frees the old one.
+    /// Takes ownership of a buffer for `newLength` bytes and frees the old one.
     void adopt(char* buffer, std::size_t newLength) noexcept;
     void cutTo(std::size_t newLength) noexcept;
 
@@ -195,7 +195,7 @@ private:
     std::size_t allocated;
 };
 
-/// @name New strings of both sides, one behind the other. A null `const char*` is empty. Raises `std::bad_alloc`.
+/// @name Concatenation. A null `const char*` is empty. Raises `std::bad_alloc`.
 /// @{
 MOKTEX_API CMOKTString operator+(const CMOKTString& a, const CMOKTString& b);
 MOKTEX_API CMOKTString operator+(const CMOKTString& a, const char* b);

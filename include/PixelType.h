@@ -32,7 +32,7 @@ union PixelType {
 
     /// Id 0, which is eFmtMOKTC2bppRGB.
     constexpr PixelType() : id(0) {}
-    /// From an id; a CompressedFormatId converts by itself.
+    /// From an id, or implicitly from a CompressedFormatId.
     constexpr PixelType(std::uint64_t pixelTypeId) : id(pixelTypeId) {}
     /// From four channel letters and their bits.
     constexpr PixelType(std::uint8_t name1, std::uint8_t name2, std::uint8_t name3, std::uint8_t name4, std::uint8_t bits1,

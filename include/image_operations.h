@@ -5,8 +5,8 @@
 /// @file
 /// Operations on uncompressed textures, in place.
 ///
-/// All of them accept four forms and refuse, with false and the texture unchanged, everything else; Transcode() brings a texture
-/// into one of the forms:
+/// All of them accept four formats and refuse every other one, with false and the texture unchanged; Transcode() converts a
+/// texture to one of them:
 ///
 /// | PixelType       | channel type   | element         |
 /// | --------------- | -------------- | --------------- |
@@ -15,7 +15,7 @@
 /// | PixelTypeRGBA32 | eVarUIntNorm   | unsigned 32-bit |
 /// | PixelTypeRGBA32 | eVarFloat      | 32-bit float    |
 ///
-/// A texture whose size does not fit in 32 bits, or whose header asks for more bytes than its buffer holds, is refused likewise.
+/// A texture whose size does not fit in 32 bits, or whose header describes more bytes than its buffer has, is refused likewise.
 ///
 /// A texture without layers, faces, levels or a buffer is accepted, but has no pixels to work on. Operations that work in place
 /// then give false, except where they document a case that gives true; PreMultiplyAlpha() still sets the flag. The operations
@@ -26,12 +26,12 @@
 /// | Resize(), Rotate90(), Border(), GenerateNormalMap() | false; new header, zeroed pixels | false; new header, zeroed pixels |
 /// | GenerateMIPMaps()                                  | true; new number of levels       | false; unchanged                 |
 ///
-/// Resize(), GenerateMIPMaps(), Rotate90(), Border() and GenerateNormalMap() replace the buffer: what getDataPtr() gave before
-/// dangles. The others work within the buffer.
+/// Resize(), GenerateMIPMaps(), Rotate90(), Border() and GenerateNormalMap() replace the buffer: earlier results of getDataPtr()
+/// dangle. The others write to the buffer in place.
 ///
-/// Floats become integers by truncation, with the low bits kept. A float result that is NaN by computation is always the same
-/// quiet NaN. All but Bleed() raise `std::bad_alloc`, with the texture unchanged. Calls on different textures may run at the same
-/// time.
+/// Floats are converted to integers by truncation, keeping the low bits. A float result that is NaN by computation is always the
+/// same quiet NaN. All but Bleed() raise `std::bad_alloc`, with the texture unchanged. Calls on different textures may run at the
+/// same time.
 
 namespace moktexture {
 
@@ -54,7 +54,7 @@ MOKTEX_API bool SetChannelsFloat(CMOKTexture& texture, unsigned int count, EChan
 ///        of eChannelNone or above eChannelUnspecified are skipped.
 /// Values are scaled by the units of the elements in single precision, truncated and not clamped: white becomes 0 in a 32-bit
 /// integer element, and some 16-bit values lose a unit even between 16-bit textures.
-/// @return false if a texture is refused, or, with `count` not 0, if width, height, depth or the numbers of members, levels or
+/// @return false if a texture is refused, or, with `count` not 0, if width, height, depth or the numbers of layers, levels or
 ///         faces differ or an array is null.
 MOKTEX_API bool CopyChannels(CMOKTexture& destination, const CMOKTexture& source, unsigned int count,
                              EChannelName* destinationChannels, EChannelName* sourceChannels);
@@ -63,8 +63,8 @@ MOKTEX_API bool CopyChannels(CMOKTexture& destination, const CMOKTexture& source
 /// Samples points, and does not average areas: reduce in steps of one half for best quality.
 /// An equal size does nothing, keeps the levels and gives true. An unknown mode gives zeroed pixels.
 /// The linear filter truncates every product of integer elements, so that even a flat picture darkens, by up to a unit for each
-/// axis. 32-bit integer elements at white come out as 0 from the linear and cubic filters. The cubic filter clamps floats to 0 to
-/// 1.
+/// axis. White of 32-bit integer elements becomes 0 in the linear and cubic filters. The cubic filter clamps floats to the range
+/// 0 to 1.
 /// @return false if the texture is refused, a new size is 0, or the result does not fit in 32 bits.
 MOKTEX_API bool Resize(CMOKTexture& texture, const unsigned int& newWidth, const unsigned int& newHeight,
                        const unsigned int& newDepth, EResizeMode mode);
@@ -74,62 +74,62 @@ inline constexpr unsigned int allMIPLevels = 0xFFFFFFFFu;
 
 /// Rebuilds the levels below level 0, each from the one above it.
 /// @param filter  as in Resize(), in steps of one half. An unknown filter gives zeroed levels and true.
-/// @param levels  wanted number of levels, level 0 included, or allMIPLevels. A number equal to the present one does nothing and
-///        gives true, even if the levels are stale. More levels than the full chain has are 1 by 1 by 1. From level 32 on the
-///        header counts sizes anew from that of level 0: of such levels only the first pixel is filled, the others are 0.
+/// @param levels  new number of levels, level 0 included, or allMIPLevels. The current number does nothing and gives true, even
+///        if the levels are stale. Levels beyond the full chain are 1 by 1 by 1. From level 32 on, the sizes in the header repeat
+///        from that of level 0: of such levels only the first pixel is written, the others are 0.
 /// @return false if the texture is refused, if it has layers and faces but no level 0 to start from, if `levels` is 0 or above
 ///         255, or if the result does not fit in 32 bits; the texture is then unchanged.
 MOKTEX_API bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int levels = allMIPLevels);
 
 /// Tints each level but level 0 with a colour of its own, so that a viewer shows which level is sampled: green, blue, cyan,
 /// magenta, yellow, red, and again. The tint is as bright as the mean of R, G and B; their sum wraps at 32 bits in 32-bit integer
-/// elements, so that bright pixels come out dark.
+/// elements, so that bright pixels become dark.
 /// @return false if the texture is refused.
 MOKTEX_API bool ColourMIPMaps(CMOKTexture& texture);
 
-/// Multiplies the colours of every pixel of every level by its alpha, and sets isPreMultiplied(). Alpha stays.
-/// For 8-bit elements only: of every product the low 8 bits are kept, so that colours of wider elements are lost, and colours of
+/// Multiplies the colours of every pixel of every level by its alpha, and sets isPreMultiplied(). Alpha does not change.
+/// For 8-bit elements only: the low 8 bits of every product are kept, so that colours of wider elements are lost, and colours of
 /// float elements become whole numbers from 0 to 255, 0 for products below 1.
 /// @return false if the texture is refused or isPreMultiplied() already.
 MOKTEX_API bool PreMultiplyAlpha(CMOKTexture& texture);
 
-/// Gives the colours of fully transparent pixels the mean of the visible pixels (alpha not 0) up to 4 pixels away along each
-/// axis, so that filters and block codecs draw no dark fringe into a cut-out. Alpha stays, and so do pixels without visible
-/// neighbours. White of 32-bit integer elements bleeds as 0. Call it before GenerateMIPMaps(), or on the finished chain: it
-/// treats every level.
-/// @return false if the texture is refused. Memory that is missing for the copy of a level raises nothing: that level stays as it
-///         is, the others are treated, and the result is false if it was the last one.
+/// Replaces the colours of fully transparent pixels by the mean of the visible pixels (alpha not 0) up to 4 pixels away along
+/// each axis, so that filters and block codecs draw no dark fringe into a cut-out. Alpha does not change, nor do pixels without
+/// visible neighbours. White of 32-bit integer elements bleeds as 0. Call it before GenerateMIPMaps() or after: it processes
+/// every level.
+/// @return false if the texture is refused. If memory for the copy of a level is lacking, no exception is raised: that level
+///         stays unchanged, the others are processed, and the result is false if it was the last one.
 MOKTEX_API bool Bleed(CMOKTexture& texture);
 
-/// Mirrors every level along an axis; an unknown axis does nothing and gives true. Orientation metadata stays as it is: call
-/// CMOKTextureHeader::setOrientation() if it is to follow.
+/// Mirrors every level along an axis; an unknown axis does nothing and gives true. Orientation metadata does not change: call
+/// CMOKTextureHeader::setOrientation() to update it.
 /// @return false if the texture is refused.
 MOKTEX_API bool Flip(CMOKTexture& texture, EMOKTAxis axis);
 
 /// Turns every slice of every level by a quarter about Z: width and height are exchanged.
-/// @param axis  eAxisZ. The others make no picture: all pixels become 0. eAxisX exchanges depth and height, eAxisY sets the
-///        height to the width, and an unknown axis, which gives false, keeps the size.
-/// @param forward  true takes the top left pixel to the top right, clockwise; false to the bottom left
+/// @param axis  eAxisZ. Every other axis gives pixels of 0: eAxisX exchanges depth and height, eAxisY sets the height to the
+///        width, and an unknown axis, which gives false, keeps the size.
+/// @param forward  true moves the top left pixel to the top right, clockwise; false to the bottom left
 /// @return false if the texture is refused, the result does not fit in 32 bits, or the axis is unknown.
 MOKTEX_API bool Rotate90(CMOKTexture& texture, EMOKTAxis axis, bool forward);
 
-/// Widens level 0 on both sides of each axis, drops all other levels, and stores the sizes with setBorder(), in place of any
-/// border told before. In x and y the margin mirrors the image with its edge pixel repeated: A B C with a border of 2 becomes
-/// B A A B C C B. What a margin wider than the image cannot mirror is 0.
+/// Extends level 0 on both sides of each axis, drops all other levels, and stores the sizes with setBorder(), in place of an
+/// earlier border. In x and y the margin mirrors the image with its edge pixel repeated: A B C with a border of 2 becomes
+/// B A A B C C B. A margin wider than the image is 0 where there is no pixel to mirror.
 /// @param borderX,borderY  pixels on each side. All borders 0 do nothing and give true.
-/// @param borderZ  slices on each side, for room only: the first slice and those behind the image are 0, those between mirror
-///        the image about its first slice, and `borderZ` - 1 slices before the image's last one become 0.
+/// @param borderZ  slices on each side, whose content is not a border: the first slice and those behind the image are 0, those
+///        between mirror the image about its first slice, and `borderZ` - 1 slices before the image's last one become 0.
 /// @return false if the texture is refused or the result does not fit in 32 bits.
 MOKTEX_API bool Border(CMOKTexture& texture, unsigned int borderX, unsigned int borderY, unsigned int borderZ);
 
-/// Takes the red channel as heights and makes the texture one of surface normals, PixelTypeRGBA32 with eVarFloat, whatever it was
-/// before; scale and order are stored with setBumpMap(). Colour space, isPreMultiplied() and other metadata are carried over, so
-/// set eColourSpaceLinear if the heights were told as sRGB. Levels are converted each by itself. Edges wrap around, for tiles; in
+/// Converts heights, in the red channel, to a map of surface normals, PixelTypeRGBA32 with eVarFloat whatever the source format;
+/// scale and order are stored with setBumpMap(). Colour space, isPreMultiplied() and other metadata do not change, so set
+/// eColourSpaceLinear if the heights were declared as sRGB. Every level is converted by itself. Edges wrap around, for tiles; in
 /// a texture with depth the rows beyond the first and last row are those of slice 0.
-/// @param scale  steepness: a pixel's slope is this times the difference of its two neighbours, on heights from 0 to 1. Below 0
-///        turns the relief inside out. 0 gives false, and the texture is then of the new form with all pixels 0.
+/// @param scale  steepness: a pixel's slope is this times the difference of its two neighbours, for heights from 0 to 1. Negative
+///        values invert the relief. 0 gives false and a texture of the new format with all pixels 0.
 /// @param channelOrder  content of the channels red to alpha: x, y and z of the normal, 0.5 for a component of 0, and h for the
-///        height; other letters, and channels without one, give 1.0. Of equal letters the last one counts.
+///        height; other letters, and channels without one, give 1.0. Of equal letters the last one applies.
 /// @return false if the texture is refused, the result does not fit in 32 bits, or `scale` is 0.
 ///
 /// @code

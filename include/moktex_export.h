@@ -1,9 +1,14 @@
 #pragma once
 
+#include <bit>
+
 /// @file
-/// Marks what the shared library shows to its users.
+/// MOKTEX_API marks the symbols that the shared library exports.
 ///
-/// Define MOKTEX_STATIC when you link the static form of the library; the installed CMake package does so by itself.
+/// Define MOKTEX_STATIC when you link the static library; the installed CMake package defines it for you.
+
+static_assert(std::endian::native == std::endian::little,
+              "MOKTexLib runs on little-endian processors only: pixels and headers have the byte order of files in memory too.");
 
 #if defined(MOKTEX_STATIC)
 #define MOKTEX_API

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Enumerations that describe a texture. Each has a fixed underlying type, so that any number that a file holds is a valid value.
+/// Enumerations that describe a texture. Each has a fixed underlying type, so that every number in a file is a valid value.
 
 /// Type of one channel value.
 enum EMOKTVariableType : unsigned int {
@@ -18,7 +18,7 @@ enum EMOKTVariableType : unsigned int {
     eVarUInt = 10,       ///< unsigned int
     eVarSInt = 11,       ///< signed int
     eVarFloat = 12,      ///< float
-    eVarNone = 13,       ///< no type: what an unknown format of a legacy file has
+    eVarNone = 13,       ///< no type: an unknown format of a legacy file
 };
 
 /// Transfer curve of the colour channels.
@@ -34,7 +34,7 @@ enum EMOKTAxis : unsigned int {
     eAxisZ = 2,
 };
 
-/// A set of bits, one for each axis; a cleared bit is the default direction of that axis.
+/// A bit set with one bit for each axis; a cleared bit is the default direction of that axis.
 enum EMOKTOrientation : unsigned int {
     eOrientRight = 0,
     eOrientDown = 0,
@@ -44,14 +44,14 @@ enum EMOKTOrientation : unsigned int {
     eOrientOut = 4,
 };
 
-/// Joins directions: `eOrientLeft | eOrientUp`.
+/// Combines directions: `eOrientLeft | eOrientUp`.
 constexpr EMOKTOrientation operator|(EMOKTOrientation a, EMOKTOrientation b) {
     return static_cast<EMOKTOrientation>(static_cast<unsigned int>(a) | static_cast<unsigned int>(b));
 }
 
 namespace moktexture {
 
-/// Names of channels, for the operations that read or write chosen channels.
+/// Channels, as arguments of the operations that read or write selected channels.
 enum EChannelName : unsigned int {
     eChannelNone = 0,
     eChannelRed = 1,
@@ -63,7 +63,7 @@ enum EChannelName : unsigned int {
     eChannelUnspecified = 7,  ///< the fourth channel
 };
 
-/// Effort of an encoder, passed unchanged to it. What a step means is the codec's affair; DXTn takes none.
+/// Effort of an encoder, passed to it unchanged. The codec defines the steps; DXTn has none.
 enum ECompressorQuality : unsigned int {
     eCompressorQuality0 = 0,
     eCompressorQuality1 = 1,
@@ -80,7 +80,7 @@ enum EResizeMode : unsigned int {
     eResizeCubic = 2,    ///< Lagrange cubic over four samples an axis
 };
 
-/// Part of the legacy numbering in which a legacy file names its pixel format. Values of one family behave alike.
+/// Family of the legacy numbers of pixel formats; see CMOKTexture::saveFileLegacyMOK(). Values of one family are equivalent.
 enum ELegacyApi : unsigned int {
     eLegacyApiGLFamilyA = 1,
     eLegacyApiGLFamilyB = 2,

@@ -4,29 +4,30 @@
 
 namespace moktexture {
 
-/// Brings a texture, in place, into another pixel format, channel type and colour space.
+/// Converts a texture, in place, to another pixel format, channel type and colour space.
 ///
-/// A compressed source is decoded to RGBA8 first and counts as linear from then on, whatever its header says. A compressed target
-/// is encoded from RGBA8 and gets the channel type eVarUByteNorm; levels below the format's block are tiled up to it. Size,
-/// members, faces, levels and metadata stay. Integer types that are not normalised are read and written as normalised ones.
-/// Values above 1 are not clamped: they wrap in their element or spill into the channels above.
-/// @param target  the format; eFmtUnknown and numbers above it are refused
+/// A compressed source is decoded to RGBA8 first and counts as linear from then on, whatever colour space its header declares. A
+/// compressed target is encoded from RGBA8 and gets the channel type eVarUByteNorm; levels smaller than the format's block are
+/// tiled to fill it. Size, layers, faces, levels and metadata do not change. Integer types that are not normalised are read and
+/// written as normalised ones. Values above 1 are not clamped: they wrap in their element or spill into the channels above.
+/// @param target  the pixel format; eFmtUnknown and numbers above it are refused
 /// @param channelType  type of the channels of an uncompressed target
-/// @param colourSpace  where one of the two is linear and the other sRGB, the curve is applied to the colour channels
-/// @param quality  effort of the MOKTC and ETC1 encoders. MOKTC is encoded in moments at quality 0 of the first generation; all
-///        else takes seconds to minutes a megapixel, 64 MiB of address space beside about 1.5 KB a block, and as many threads as
-///        the machine runs at once
-/// @param dither  spread the error of a target below 32 bits per pixel. The pixels go through RGBA8 for it, even where nothing
-///        else changes, and become grey for a target with `l` or `i`.
-/// @return false with the texture unchanged: the texture is empty, lacks pixels, or a form on the way does not fit in 32 bits, or
-///         the target is refused. False with the texture replaced by one of the target format: the encoder refused a level (DXT:
-///         a width or height above 4 that is no multiple of 4, or a depth above 1; MOKTC: a side above 4096, sides that are not
-///         whole blocks, in the second generation with its blocks written all the same, or want of memory), or the format has no
-///         encoder but a size.
+/// @param colourSpace  if one of the two is linear and the other sRGB, the transfer curve is applied to the colour channels
+/// @param quality  effort of the MOKTC and ETC1 encoders. First-generation MOKTC at quality 0 is fast; everything else takes
+///        seconds to minutes per megapixel, 64 MiB of address space beside about 1.5 KB per block, and as many threads as the
+///        machine runs at once
+/// @param dither  diffuse the error of a target below 32 bits per pixel. The pixels are converted to RGBA8 for it, even if
+///        nothing else changes, and become grey for a target with `l` or `i`.
+/// @return false with the texture unchanged: the texture is empty or lacks pixels, an intermediate format does not fit in 32
+/// bits,
+///         or the target is refused. False with the texture replaced by one of the target format: the encoder refused a level
+///         (DXT: a width or height above 4 that is no multiple of 4, or a depth above 1; MOKTC: a side above 4096, sides that are
+///         not whole blocks, in the second generation with its blocks written none the less, or lack of memory), or the format
+///         has a size but no encoder.
 ///         Otherwise true, also where pixels come out zeroed: levels that the decoder refuses (DXT: a width or height that is no
 ///         multiple of 4), sources without a decoder, layouts with contradicting channels, and channel types above eVarFloat.
-/// Raises `std::bad_alloc`, with the texture either unchanged or in the form it had reached. The process ends with a message on
-/// the standard error stream if the MOKTC encoder cannot start a thread.
+/// Raises `std::bad_alloc`, with the texture either unchanged or in the intermediate format reached. The process ends with a
+/// message on the standard error stream if the MOKTC encoder cannot start a thread.
 ///
 /// Thread safety: calls on different textures may run at the same time.
 MOKTEX_API bool Transcode(CMOKTexture& texture, PixelType target, EMOKTVariableType channelType, EMOKTColourSpace colourSpace,

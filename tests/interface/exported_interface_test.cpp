@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "MOKTexLib.h"
+#include "first_page_loop.h"
 #include "support/test_images.h"
 
 // Through the shared library's exported interface alone.
@@ -62,7 +63,12 @@ TEST(ExportedInterface, TheFormatTableAgreesWithTheHeader) {
     }
 }
 
-TEST(ExportedInterface, APictureGoesThroughTheWholeRoadAndBack) {
+TEST(ExportedInterface, TheLoopOnTheFirstPageVisitsEveryPixel) {
+    const CMOKTextureHeader header(PixelTypeRGBA8.id, 2, 4, 1, 3, 5, 6, eColourSpaceLinear, eVarUByteNorm, false);
+    EXPECT_EQ(sumOfRed(CMOKTexture(header, std::vector<unsigned char>(header.getDataSize(), 1).data())), (8u + 2 + 1) * 5 * 6);
+}
+
+TEST(ExportedInterface, TexturesAreProcessedConvertedSavedAndLoaded) {
     CMOKTexture texture = picture(64, 32);
     const std::vector<std::uint8_t> before = bytesOf(texture);
     ASSERT_TRUE(GenerateMIPMaps(texture, eResizeLinear));
