@@ -1,44 +1,52 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_pictures.h"
-#include "moktc/block/moktc_block.h"
-#include "moktc/fast/fast_compressor.h"
+#include "moktc/fast/MOKTC2bppCompressor.h"
+#include "moktc/fast/MOKTC4bppCompressor.h"
+#include "moktc/fast/MOKTCCompressorDriver.h"
 
 namespace {
 
+using namespace moktexture;
 using namespace moktexture::moktc;
 
 constexpr std::uint32_t passes = 8;
 
-void encode(benchmark::State& state, const BenchPicture& picture, bool is2bpp, const FastKernels& kernels) {
-    // Sides of pictures are multiples of 4; what they have beyond a multiple of the block is left out.
-    const std::uint32_t width = picture.width / blockWidth(is2bpp) * blockWidth(is2bpp);
-    std::vector<std::uint8_t> pixels;
-    for (std::size_t y = 0; y < picture.height; ++y) {
-        const auto row = picture.rgba.begin() + static_cast<std::ptrdiff_t>(y * picture.width * bytesPerPixel);
-        pixels.insert(pixels.end(), row, row + static_cast<std::ptrdiff_t>(width * bytesPerPixel));
-    }
-    std::vector<std::uint8_t> blocks(pixels.size() / (is2bpp ? 16 : 8));
+template <class Compressor>
+void encode(benchmark::State& state, const BenchPicture& picture, Rate rate, const FastKernels& kernels) {
+    // Sides of pictures are multiples of 4; what exceeds a multiple of the block is left out.
+    ConstImageView image = packedImage(picture.rgba.data(), picture.width, picture.height);
+    image.width -= image.width % blockWidth(rate);
+    const std::uint64_t pixels = std::uint64_t{image.width} * image.height;
+    std::vector<std::uint8_t> blocks(pixels * bitsPerPixel(rate) / 8);
     for (auto _ : state) {
-        CompressMOKTCFast(pixels.data(), blocks.data(), width, picture.height, true, true, is2bpp, passes, kernels, 1);
+        Compressor compressor(image, kernels);
+        compressor.setIterations(passes);
+        compressor.initialise(true);
+        MOKTCCompressorDriver(compressor, 1).run();
+        compressor.writeBlocks(blocks.data(), true);
         benchmark::ClobberMemory();
     }
-    countPixels(state, std::uint64_t{width} * picture.height);
+    countPixels(state, pixels);
+}
+
+template <class Compressor>
+void registerEncoder(const BenchPicture& picture, Rate rate, const FastKernels& kernels) {
+    const std::string name = "moktc/" + std::to_string(bitsPerPixel(rate)) + "bpp/fast encode/" + kernels.name;
+    benchmark::RegisterBenchmark((name + "/" + picture.name).c_str(), [&picture, rate, &kernels](benchmark::State& state) {
+        encode<Compressor>(state, picture, rate, kernels);
+    });
 }
 
 }  // namespace
 
-/// On one thread, so that figures of machines compare.
+/// On one thread, so that figures of different machines can be compared.
 void registerMOKTCEncodeBenchmarks(const std::vector<BenchPicture>& pictures) {
     for (const BenchPicture& picture : pictures) {
-        for (const bool is2bpp : {false, true}) {
-            if (picture.width < blockWidth(is2bpp)) continue;
-            for (const FastKernels* kernels : {&plainFastKernels, &sse2FastKernels}) {
-                const std::string format = is2bpp ? "moktc/2bpp/fast encode/" : "moktc/4bpp/fast encode/";
-                benchmark::RegisterBenchmark(
-                    (format + kernels->name + "/" + picture.name).c_str(),
-                    [&picture, is2bpp, kernels](benchmark::State& state) { encode(state, picture, is2bpp, *kernels); });
-            }
-        }
+        registerEncoder<MOKTC4bppCompressor>(picture, Rate::fourBpp, scalarFastKernels);
+        registerEncoder<MOKTC4bppCompressor>(picture, Rate::fourBpp, fastKernels());
+        if (picture.width < blockWidth(Rate::twoBpp)) continue;
+        registerEncoder<MOKTC2bppCompressor>(picture, Rate::twoBpp, scalarFastKernels);
+        registerEncoder<MOKTC2bppCompressor>(picture, Rate::twoBpp, fastKernels());
     }
 }

@@ -2,13 +2,12 @@
 
 #include <cstring>
 
-#include "moktc/block/moktc_block.h"
-
 namespace moktexture::moktc {
 namespace {
 
-/// Where position `i` of a padded side comes from: inside the image from itself, beyond it from as many before as were added.
-std::uint32_t sourceOf(std::uint32_t i, std::uint32_t size, std::uint32_t paddedSize) {
+/// The column (row) of the image that column (row) `i` of the padded image repeats: the one `added` before, where `added` is the
+/// number of columns that the padding adds.
+std::uint32_t sourceIndex(std::uint32_t i, std::uint32_t size, std::uint32_t paddedSize) {
     if (i < size) return i;
     const std::uint32_t added = paddedSize - size;
     return added <= size ? i - added : i % size;
@@ -16,19 +15,18 @@ std::uint32_t sourceOf(std::uint32_t i, std::uint32_t size, std::uint32_t padded
 
 }  // namespace
 
-std::vector<std::uint8_t> padByRepeating(const void* pixels, std::uint32_t width, std::uint32_t height, std::uint32_t paddedWidth,
-                                         std::uint32_t paddedHeight) {
-    const std::uint8_t* const source = static_cast<const std::uint8_t*>(pixels);
-    const std::size_t rowBytes = width * bytesPerPixel, paddedRowBytes = paddedWidth * bytesPerPixel;
-    std::vector<std::uint8_t> padded(paddedRowBytes * paddedHeight);
+std::vector<std::uint8_t> padByRepeating(const ConstImageView& image, std::uint32_t paddedWidth, std::uint32_t paddedHeight) {
+    std::vector<std::uint8_t> pixels(paddedWidth * bytesPerRGBA8Pixel * paddedHeight);
+    const ImageView padded = packedImage(pixels.data(), paddedWidth, paddedHeight);
     for (std::uint32_t y = 0; y < paddedHeight; ++y) {
-        const std::uint8_t* const from = source + sourceOf(y, height, paddedHeight) * rowBytes;
-        std::uint8_t* const to = padded.data() + y * paddedRowBytes;
-        std::memcpy(to, from, rowBytes);
-        for (std::uint32_t x = width; x < paddedWidth; ++x)
-            std::memcpy(to + x * bytesPerPixel, from + sourceOf(x, width, paddedWidth) * bytesPerPixel, bytesPerPixel);
+        const std::uint32_t sourceRow = sourceIndex(y, image.height, paddedHeight);
+        std::memcpy(padded.row(y), image.row(sourceRow), image.width * bytesPerRGBA8Pixel);
+        for (std::uint32_t x = image.width; x < paddedWidth; ++x) {
+            const std::uint8_t* const source = image.pixel(sourceIndex(x, image.width, paddedWidth), sourceRow);
+            std::memcpy(padded.pixel(x, y), source, bytesPerRGBA8Pixel);
+        }
     }
-    return padded;
+    return pixels;
 }
 
 }  // namespace moktexture::moktc

@@ -3,11 +3,13 @@
 #include <cstdint>
 #include <vector>
 
+#include "core/base/image_view.h"
+
 namespace moktexture::moktc {
 
-/// Pads `width * height` RGBA8 pixels, neither side 0, to a width of `paddedWidth` and a height of `paddedHeight`. The last
-/// columns and then the last rows are repeated in their order; an image smaller than its padding is repeated cyclically.
-std::vector<std::uint8_t> padByRepeating(const void* pixels, std::uint32_t width, std::uint32_t height, std::uint32_t paddedWidth,
-                                         std::uint32_t paddedHeight);
+/// Copies an image, neither side 0, into the upper left corner of one of `paddedWidth * paddedHeight` packed RGBA8 pixels, and
+/// fills the rest by repeating first the last columns, then the last rows, in their order. An image smaller than the padding is
+/// repeated cyclically.
+std::vector<std::uint8_t> padByRepeating(const ConstImageView& image, std::uint32_t paddedWidth, std::uint32_t paddedHeight);
 
 }  // namespace moktexture::moktc

@@ -2,24 +2,32 @@
 
 #include <cstdint>
 
+/// @file
+/// Entry points of the MOKTC codec: one level of one image per call. Pixels are RGBA8, red in the lowest byte, rows packed.
+
 namespace moktexture {
 
-/// Decodes one surface of `*width * *height` pixels to RGBA8 (red in the lowest byte, rows of `*width` pixels) and returns its
-/// bytes, `width * height * 4`, modulo 32 bits. `is2bpp` tells 2 bits per pixel from 4; `*secondGeneration` is 0 for the formats
-/// in twiddled order and anything else for those in linear order. With a null `blocks` or `pixels` nothing is decoded. `blocks`
-/// holds the level's data as its texture counts it: sizes rounded up to the format's smallest block. 0, and no pixel touched, if
-/// pixels or blocks are too many for the texture to count.
+/// Decodes a level of `*width * *height` pixels. `is2bpp` selects 2 bits per pixel, otherwise 4; `*secondGeneration` is 0 for the
+/// first generation (twiddled order), any other value for the second (linear order). `blocks` holds the level's data as
+/// `getDataSize` counts it, with sides rounded up to the format's smallest level.
+///
+/// Returns the size of the pixels in bytes, `width * height * 4`, modulo 2 to the 32. With a null `blocks` or `pixels` nothing is
+/// decoded (a size query). Returns 0 and writes nothing if the number of bytes of pixels or bits of blocks exceeds 32 bits, or if
+/// one of the other pointers is null.
 std::uint32_t DecompressMOKTC(const void* blocks, void* pixels, const std::uint32_t* width, const std::uint32_t* height,
                               std::uint8_t is2bpp, const std::uint32_t* secondGeneration);
 
-/// Encodes one surface of `*width * *height` RGBA8 pixels (red in the lowest byte) and returns its bytes,
-/// `width * height * bits per pixel / 8`. `secondGeneration` is 0 for the formats in twiddled order and 1 for those in linear
-/// order, whose sizes need not be whole blocks. Quality 0 of the first generation is the fast compressor, 1 to 5 are the efforts
-/// of the slow one; in the second these are 0 to 4. A higher quality is the highest effort. Translucency comes from the pixels,
-/// whatever `hasAlpha` says. `destination` takes 8 bytes for every block of the size rounded up to whole blocks, which in the
-/// second generation can be more than is told. With a null `pixels` or `destination` nothing is encoded. 0 if it refuses: a side
-/// above 4096, in the first generation a size that is not whole blocks, another generation, and if memory is short for the slow
-/// encoder's own work; other allocations throw std::bad_alloc.
+/// Encodes a level of `*width * *height` pixels. `secondGeneration` is 0 or 1.
+///
+/// First generation: sides must be multiples of the block; quality 0 is the fast compressor, 1 to 5 are the efforts 0 to 4 of the
+/// slow one. Second generation: any sides, padded to whole blocks; quality 0 to 4 is the effort of the slow compressor. A higher
+/// quality is clamped. `hasAlpha` has no effect: translucency comes from the pixels.
+///
+/// `destination` holds 8 bytes for every block of the size rounded up to whole blocks. The result is the size without that
+/// rounding, `width * height * bits per pixel / 8`. With a null `pixels` or `destination` nothing is encoded (a size query).
+/// Returns 0 if a side exceeds 4096, if a first-generation side is not a multiple of the block, for any other generation, if
+/// `width` or `height` is null, and if the slow encoder fails to allocate its working memory; other failed allocations throw
+/// std::bad_alloc.
 std::uint32_t CompressMOKTC(const void* pixels, void* destination, const std::uint32_t* width, const std::uint32_t* height,
                             bool hasAlpha, bool is2bpp, std::uint32_t secondGeneration, std::uint32_t quality);
 

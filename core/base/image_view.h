@@ -21,15 +21,20 @@ struct BasicImageView {
     Byte* pixel(std::uint32_t x, std::uint32_t y) const { return row(y) + x * bytesPerRGBA8Pixel; }
 };
 
-using ImageView = BasicImageView<std::uint8_t>;
+/// Pixels that can only be read.
 using ConstImageView = BasicImageView<const std::uint8_t>;
+
+/// Pixels that can be read and written.
+struct ImageView : BasicImageView<std::uint8_t> {
+    operator ConstImageView() const { return {pixels, width, height, rowBytes}; }
+};
 
 /// A view of pixels whose rows follow each other without a gap.
 inline ConstImageView packedImage(const void* pixels, std::uint32_t width, std::uint32_t height) {
     return {static_cast<const std::uint8_t*>(pixels), width, height, width * bytesPerRGBA8Pixel};
 }
 inline ImageView packedImage(void* pixels, std::uint32_t width, std::uint32_t height) {
-    return {static_cast<std::uint8_t*>(pixels), width, height, width * bytesPerRGBA8Pixel};
+    return {{static_cast<std::uint8_t*>(pixels), width, height, width * bytesPerRGBA8Pixel}};
 }
 
 }  // namespace moktexture

@@ -10,9 +10,10 @@
 namespace moktexture {
 namespace {
 
+/// Threads beside the caller's. More would help only machines with more processors, and cost a larger array here.
 constexpr std::uint32_t mostHelpers = 63;
 
-/// False if the system has no thread to give.
+/// False if the thread cannot be started.
 template <class Work>
 bool start(std::jthread& helper, const Work& work) {
     try {

@@ -19,4 +19,18 @@ struct BlockVariant {
     bool operator==(const BlockVariant&) const = default;
 };
 
+constexpr Rate rateOf(bool is2bpp) {
+    return is2bpp ? Rate::twoBpp : Rate::fourBpp;
+}
+constexpr std::uint32_t bitsPerPixel(Rate rate) {
+    return static_cast<std::uint32_t>(rate);
+}
+
+/// Pixels from left to right in a block.
+constexpr std::uint32_t blockWidth(Rate rate) {
+    return rate == Rate::twoBpp ? 8 : 4;
+}
+/// Pixels from top to bottom in a block of either rate.
+inline constexpr std::uint32_t blockHeight = 4;
+
 }  // namespace moktexture::moktc

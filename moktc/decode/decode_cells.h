@@ -2,11 +2,13 @@
 
 #include <cstdint>
 
+#include "core/base/image_view.h"
+#include "moktc/block/block_variant.h"
+
 namespace moktexture::moktc {
 
-/// The fast form of DecodeTwiddled() and of DecodeLinear(), by generation, with the same arguments and the same pixels. Takes no
-/// memory.
-void decodeCells(const std::uint8_t* blocks, bool is2bpp, bool secondGeneration, std::uint32_t width, std::uint32_t height,
-                 std::uint8_t* pixels);
+/// Decodes a level. `blocks` holds levelBlockCount() blocks for the image's size; every pixel of the image is written. Allocates
+/// no memory.
+void decodeCells(const std::uint8_t* blocks, BlockVariant variant, const ImageView& image);
 
 }  // namespace moktexture::moktc

@@ -3,24 +3,20 @@
 #include <algorithm>
 #include <array>
 
-#include "moktc/block/block_packing.h"
-#include "moktc/fast/colour_fit.h"
-#include "moktc/fast/modulation_estimate.h"
-
 namespace moktexture::moktc {
 namespace {
 
-constexpr float share = 1.0f / blockArea2bpp;
-constexpr float goodEnough = 128.0f;
+/// A higher threshold skips more blocks that are nearly right and costs quality. The encoded bytes depend on it.
+constexpr FitSettings fitSettings = {.pixels = blockArea2bpp, .errorThreshold = 128.0f};
 
 }  // namespace
 
-MOKTC2bppCompressor::MOKTC2bppCompressor(const void* pixels, std::uint32_t width, std::uint32_t height,
-                                         const FastKernels& kernels)
-    : MOKTCCompressor(pixels, width, height, moktc::blockWidth(true), moktc::blockHeight, kernels), m_blocks(m_colourA.size()) {}
+MOKTC2bppCompressor::MOKTC2bppCompressor(const ConstImageView& image, const FastKernels& kernels)
+    : MOKTCCompressor(image, Rate::twoBpp, kernels), m_blocks(m_colourA.size()) {}
 
 void MOKTC2bppCompressor::initialise(bool) {
-    // Kept: a wide footprint that is asked for is not used; start colours, and so every encoded texture, rest on it.
+    // Kept (2-bpp-ignores-wide-footprint): start colours always come from the block alone. Every texture encoded at 2 bpp and
+    // quality 0 would get other bytes with the wide footprint, which encodeFast() asks for at both rates.
     initialiseColours(false);
     upscaleColours();
     updateModulationRegion(0, m_blocksX, 0, m_blocksY);
@@ -34,20 +30,20 @@ void MOKTC2bppCompressor::upscaleColours() {
 void MOKTC2bppCompressor::updateModulationRegion(std::uint32_t x0, std::uint32_t x1, std::uint32_t y0, std::uint32_t y1) {
     for (std::uint32_t y = y0; y < y1; ++y) {
         for (std::uint32_t x = x0; x < x1; ++x)
-            m_kernels.chooseModulation2bpp(pixelsOf(x, y), m_blocks[blockIndex(x, y)]);
+            m_kernels.chooseModulation2bpp(imagesOf(x, y), m_blocks[blockIndex(x, y)]);
     }
 }
 
-void MOKTC2bppCompressor::updateColours(std::size_t index, const BlockPixels& pixels) {
+RGBAPair MOKTC2bppCompressor::fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const {
     const ModulationBlock2bpp& block = m_blocks[index];
-    std::array<std::uint8_t, blockArea2bpp> eighths;
-    expandModulation(block, block.mode, eighths.data());
-    // The estimate goes beyond the whole on the block's rim; a share of colour B does not.
-    for (std::uint8_t& value : eighths)
-        value = std::min(value, std::uint8_t{8});
+    std::array<std::uint8_t, blockArea2bpp> weights;
+    expandModulation(block, block.mode, weights.data());
+    // The estimate exceeds 8 on the block's rim.
+    for (std::uint8_t& weight : weights)
+        weight = std::min(weight, std::uint8_t{8});
     ResidualSums sums;
-    m_kernels.sumResiduals(pixels, eighths.data(), m_blockWidth, sums);
-    fitColours(sums, share, goodEnough, m_colourA[index], m_colourB[index]);
+    m_kernels.sumResiduals(images, weights.data(), m_blockWidth, sums);
+    return fitColours(sums, fitSettings, colours);
 }
 
 Block MOKTC2bppCompressor::packModulation(std::size_t index) const {

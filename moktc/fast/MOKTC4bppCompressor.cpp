@@ -2,14 +2,11 @@
 
 #include <array>
 
-#include "moktc/block/block_packing.h"
-#include "moktc/fast/colour_fit.h"
-
 namespace moktexture::moktc {
 namespace {
 
-constexpr float share = 1.0f / blockArea4bpp;
-constexpr float goodEnough = 32.0f;
+/// A higher threshold skips more blocks that are nearly right and costs quality. The encoded bytes depend on it.
+constexpr FitSettings fitSettings = {.pixels = blockArea4bpp, .errorThreshold = 32.0f};
 
 const std::uint8_t* indicesOf(const ModulationBlock4bpp& block) {
     return block.mode == 0 ? block.normalIndices : block.punchIndices;
@@ -17,9 +14,8 @@ const std::uint8_t* indicesOf(const ModulationBlock4bpp& block) {
 
 }  // namespace
 
-MOKTC4bppCompressor::MOKTC4bppCompressor(const void* pixels, std::uint32_t width, std::uint32_t height,
-                                         const FastKernels& kernels)
-    : MOKTCCompressor(pixels, width, height, moktc::blockWidth(false), moktc::blockHeight, kernels), m_blocks(m_colourA.size()) {}
+MOKTC4bppCompressor::MOKTC4bppCompressor(const ConstImageView& image, const FastKernels& kernels)
+    : MOKTCCompressor(image, Rate::fourBpp, kernels), m_blocks(m_colourA.size()) {}
 
 void MOKTC4bppCompressor::initialise(bool wideFootprint) {
     initialiseColours(wideFootprint);
@@ -35,19 +31,20 @@ void MOKTC4bppCompressor::upscaleColours() {
 void MOKTC4bppCompressor::updateModulationRegion(std::uint32_t x0, std::uint32_t x1, std::uint32_t y0, std::uint32_t y1) {
     for (std::uint32_t y = y0; y < y1; ++y) {
         for (std::uint32_t x = x0; x < x1; ++x)
-            m_kernels.chooseModulation4bpp(pixelsOf(x, y), m_blocks[blockIndex(x, y)]);
+            m_kernels.chooseModulation4bpp(imagesOf(x, y), m_blocks[blockIndex(x, y)]);
     }
 }
 
-void MOKTC4bppCompressor::updateColours(std::size_t index, const BlockPixels& pixels) {
-    // Kept: the indices of mode 1 count with the weights of mode 0; the bytes of every encoded cut-out rest on it.
+RGBAPair MOKTC4bppCompressor::fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const {
+    // Kept (mode-1-fitted-with-mode-0-weights): blocks in mode 1 are fitted as if their indices had the weights of mode 0. The
+    // colours of every cut-out texture encoded at quality 0, and so its bytes, depend on it.
     const std::uint8_t* const indices = indicesOf(m_blocks[index]);
-    std::array<std::uint8_t, blockArea4bpp> eighths;
+    std::array<std::uint8_t, blockArea4bpp> weights;
     for (std::uint32_t i = 0; i < blockArea4bpp; ++i)
-        eighths[i] = indexWeights[0][indices[i]];
+        weights[i] = indexWeights[0][indices[i]];
     ResidualSums sums;
-    m_kernels.sumResiduals(pixels, eighths.data(), m_blockWidth, sums);
-    fitColours(sums, share, goodEnough, m_colourA[index], m_colourB[index]);
+    m_kernels.sumResiduals(images, weights.data(), m_blockWidth, sums);
+    return fitColours(sums, fitSettings, colours);
 }
 
 Block MOKTC4bppCompressor::packModulation(std::size_t index) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "moktc/fast/MOKTCCompressor.h"
 
 namespace moktexture::moktc {
@@ -7,7 +9,7 @@ namespace moktexture::moktc {
 /// The fast compressor of 4 by 4 blocks at 4 bits per pixel.
 class MOKTC4bppCompressor final : public MOKTCCompressor {
 public:
-    MOKTC4bppCompressor(const void* pixels, std::uint32_t width, std::uint32_t height, const FastKernels& kernels);
+    MOKTC4bppCompressor(const ConstImageView& image, const FastKernels& kernels);
 
     void initialise(bool wideFootprint) override;
     void upscaleColours() override;
@@ -15,7 +17,7 @@ public:
 
 private:
     Block packModulation(std::size_t index) const override;
-    void updateColours(std::size_t index, const BlockPixels& pixels) override;
+    RGBAPair fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const override;
 
     std::vector<ModulationBlock4bpp> m_blocks;
 };

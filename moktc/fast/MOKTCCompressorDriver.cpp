@@ -5,10 +5,28 @@
 
 #include "core/base/parallel.h"
 
+// Each pass has two parallel phases, each of which ends before the next begins. Within a phase a task reads the images and writes
+// only the records of its own blocks, so nothing is locked:
+//
+//     for each pass
+//         for all tasks in parallel: fit the colours of the task's blocks
+//         upscale both colours                                                on the caller's thread
+//         for all tasks in parallel: choose the modulation of the task's blocks
+//
+// The partition is fixed by the grid alone. An 8 by 8 cut of a grid of 20 by 12 blocks has tasks of 2 by 1 blocks and covers the
+// upper left 16 by 8 blocks:
+//
+//     +--+--+--+--+--+--+--+--+----+
+//     |  |  |  |  |  |  |  |  |    |      8 rows of tasks
+//     :  :  :  :  :  :  :  :  :    :
+//     +--+--+--+--+--+--+--+--+    |
+//     |                       rest |      blocks of the rest keep their start
+//     +----------------------------+
+
 namespace moktexture::moktc {
 namespace {
 
-/// Fewer blocks than this are done sooner than a thread is started.
+/// Blocks that justify one more thread. A smaller value starts threads whose start costs more than the work they take over.
 constexpr std::uint32_t fewestBlocksPerThread = 256;
 
 }  // namespace
@@ -20,11 +38,12 @@ std::vector<RegionTask> MOKTCCompressorDriver::partition() {
     const std::uint32_t blocksX = m_compressor.blocksX(), blocksY = m_compressor.blocksY();
     std::uint32_t columns = static_cast<std::uint32_t>(std::sqrt(static_cast<double>(m_workers)));
     std::uint32_t rows = m_workers / columns;
-    // A grid of fewer columns or rows than the tasks want is not cut in that direction: all of its blocks are refined.
+    // A grid with fewer columns (rows) than the tasks is not cut in that direction, and all of its blocks there are refined.
     if (columns > blocksX) columns = 1;
     if (rows > blocksY) rows = 1;
-    // Kept: what the divisions leave over is no task's. Blocks beyond the last whole task at the right and at the bottom keep
-    // their start colours and first modulation; the bytes of every texture with such sides rest on it.
+    // Kept (remainder-is-not-refined): blocks that the divisions leave over at the right and at the bottom belong to no task and
+    // keep their start colours and first modulation. Every texture encoded at quality 0 whose grid is not a multiple of 8 would
+    // get other bytes.
     const std::uint32_t width = blocksX / columns, height = blocksY / rows;
     std::vector<RegionTask> tasks;
     tasks.reserve(std::size_t{columns} * rows);
@@ -48,7 +67,7 @@ void MOKTCCompressorDriver::run() {
     for (std::uint32_t pass = 0; pass < m_compressor.iterations(); ++pass) {
         runPhase(&MOKTCCompressor::updateColoursRegion);
         m_compressor.upscaleColours();
-        if (m_compressor.renewsModulation(pass)) runPhase(&MOKTCCompressor::updateModulationRegion);
+        if (m_compressor.updatesModulation(pass)) runPhase(&MOKTCCompressor::updateModulationRegion);
     }
 }
 

@@ -4,29 +4,48 @@
 
 #include "core/base/numeric.h"
 
+// Least squares fit of a block's two colours
+//
+// For given weights t, a pixel's blend is (1 - t) * A + t * B. Let e be what the source has more than the blend. Moving A by dA
+// and B by dB moves the blend by the line (1 - t) * dA + t * dB, so the corrections that leave the smallest squares of residuals
+// are the ends of the regression line of e over t, for each channel by itself:
+//
+//     slope = (mean(e t) - mean(e) mean(t)) / (mean(t t) - mean(t) mean(t))
+//     dA    = mean(e) - slope * mean(t)            the line at t = 0
+//     dB    = dA + slope                           the line at t = 1
+//
+// If all weights of the block are equal there is no slope: each colour takes its share of the mean residual, (1 - t) or t, and
+// then both move towards each other, since such a block needs one colour only.
+//
+// The fit treats the block as if the upscaled colours inside it came from its own two colours alone, though they also come from
+// its neighbours'. A fit is therefore an approximation, corrections are limited, and the passes repeat it.
+
 namespace moktexture::moktc {
 namespace {
 
 constexpr float largestValue = 255.0f;
+/// Limits the change of a channel in one pass. A larger limit lets far colours arrive in fewer passes, but lets a block whose
+/// weights differ little, and whose slope is therefore steep, overshoot. The encoded bytes depend on it.
 constexpr float largestCorrection = 100.0f;
-/// Variances of the weights below this leave no slope to fit.
+/// Weights with a smaller variance count as equal, which keeps 1 / variance finite.
 constexpr double smallestVariance = 1e-10;
 
 struct ColourVectors {
     Vector4 a, b;
 };
 
-/// Means over a block's pixels: the weight of colour B and its square, the residuals and their products with the weight.
+/// Means over a block's pixels of the quantities in ResidualSums.
 struct ResidualMeans {
     float t, t2;
     Vector4 e, et;
 };
 
-ResidualMeans meansOf(const ResidualSums& sums, float share) {
-    ResidualMeans means{sums.t * share, sums.t2 * share, {}, {}};
+ResidualMeans meansOf(const ResidualSums& sums, std::uint32_t pixels) {
+    const float scale = 1.0f / static_cast<float>(pixels);
+    ResidualMeans means{sums.t * scale, sums.t2 * scale, {}, {}};
     for (std::size_t channel = 0; channel < 4; ++channel) {
-        means.e[channel] = sums.e[channel] * share;
-        means.et[channel] = sums.et[channel] * share;
+        means.e[channel] = sums.e[channel] * scale;
+        means.et[channel] = sums.et[channel] * scale;
     }
     return means;
 }
@@ -49,7 +68,7 @@ std::uint32_t pack(const Vector4& vector) {
     return rgba;
 }
 
-/// All weights of the block are equal: each colour takes its share of the mean residual, then both draw together.
+/// The fit of a block whose weights are all equal.
 ColourVectors shiftByMean(const ColourVectors& old, const ResidualMeans& means) {
     ColourVectors shifted;
     for (std::size_t channel = 0; channel < 4; ++channel) {
@@ -67,7 +86,7 @@ ColourVectors shiftByMean(const ColourVectors& old, const ResidualMeans& means) 
     return shifted;
 }
 
-/// Fits the residual by a line in the weight: its value at weight 0 corrects A, that at weight 1 corrects B.
+/// The fit of a block with different weights.
 ColourVectors shiftByLine(const ColourVectors& old, const ResidualMeans& means, float variance) {
     ColourVectors correction;
     for (std::size_t channel = 0; channel < 4; ++channel) {
@@ -93,17 +112,16 @@ void clampVector(Vector4& out, const Vector4& value, float low, float high) {
         out[channel] = value[channel] < low ? low : value[channel] > high ? high : value[channel];
 }
 
-void fitColours(const ResidualSums& sums, float share, float goodEnough, std::uint32_t& colourA, std::uint32_t& colourB) {
-    const ResidualMeans means = meansOf(sums, share);
-    if (squaredLength(means.e) < goodEnough) return;
+RGBAPair fitColours(const ResidualSums& sums, const FitSettings& settings, const RGBAPair& colours) {
+    const ResidualMeans means = meansOf(sums, settings.pixels);
+    if (squaredLength(means.e) < settings.errorThreshold) return colours;
     const float variance = means.t2 - means.t * means.t;
-    const ColourVectors old = {unpack(colourA), unpack(colourB)};
+    const ColourVectors old = {unpack(colours.a), unpack(colours.b)};
     ColourVectors fitted =
         static_cast<double>(variance) < smallestVariance ? shiftByMean(old, means) : shiftByLine(old, means, variance);
     clampVector(fitted.a, fitted.a, 0.0f, largestValue);
     clampVector(fitted.b, fitted.b, 0.0f, largestValue);
-    colourA = pack(fitted.a);
-    colourB = pack(fitted.b);
+    return {pack(fitted.a), pack(fitted.b)};
 }
 
 }  // namespace moktexture::moktc

@@ -10,12 +10,21 @@ namespace moktexture::moktc {
 /// A value for each of red, green, blue and alpha.
 using Vector4 = std::array<float, 4>;
 
-/// Limits each channel to `low` to `high`.
+/// Colours A and B of a block as RGBA8, red in the lowest byte.
+struct RGBAPair {
+    std::uint32_t a, b;
+};
+
+struct FitSettings {
+    std::uint32_t pixels;  ///< pixels in a block, a power of two
+    /// A block keeps its colours if the squared length of its mean residual, over four channels of 8 bits, is below this.
+    float errorThreshold;
+};
+
+/// Limits each channel to the range `low` to `high`.
 void clampVector(Vector4& out, const Vector4& value, float low, float high);
 
-/// Moves a block's colours (RGBA8, red in the lowest byte) by least squares to where the residuals that were summed up over its
-/// pixels get small. `share` is one over the number of pixels. A block whose mean residual has a squared length below
-/// `goodEnough` keeps its colours.
-void fitColours(const ResidualSums& sums, float share, float goodEnough, std::uint32_t& colourA, std::uint32_t& colourB);
+/// Moves a block's colours by least squares to where the blend has the smallest residuals, given the sums of the present ones.
+RGBAPair fitColours(const ResidualSums& sums, const FitSettings& settings, const RGBAPair& colours);
 
 }  // namespace moktexture::moktc

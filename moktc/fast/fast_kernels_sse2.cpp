@@ -1,9 +1,13 @@
-#include <emmintrin.h>
-
 #include "moktc/fast/fast_kernels.h"
 
-// Four pixels a vector, as two vectors of 16-bit values that hold two channels of each pixel side by side. Squares of both
-// channels and their sum are then one instruction.
+#if MOKTEX_X86_KERNELS
+
+#include <emmintrin.h>
+
+#include "core/base/image_view.h"
+
+// Four pixels per vector, split into two vectors of 16-bit lanes with two channels of each pixel side by side. Multiplying and
+// adding adjacent lanes then squares both channels and sums them in one instruction.
 
 namespace moktexture::moktc {
 namespace {
@@ -19,11 +23,11 @@ struct Channels {
 inline Channels split(__m128i pixels) {
     return {_mm_and_si128(pixels, _mm_set1_epi16(255)), _mm_srli_epi16(pixels, 8)};
 }
-inline __m128i load(const void* place) {
-    return _mm_loadu_si128(static_cast<const __m128i*>(place));
+inline __m128i load(const void* address) {
+    return _mm_loadu_si128(static_cast<const __m128i*>(address));
 }
-inline void store(void* place, __m128i values) {
-    _mm_storeu_si128(static_cast<__m128i*>(place), values);
+inline void store(void* address, __m128i values) {
+    _mm_storeu_si128(static_cast<__m128i*>(address), values);
 }
 inline __m128i select(__m128i mask, __m128i ifSet, __m128i ifClear) {
     return _mm_or_si128(_mm_and_si128(mask, ifSet), _mm_andnot_si128(mask, ifClear));
@@ -38,7 +42,7 @@ inline Channels operator*(const Channels& a, __m128i factors) {
     return {_mm_mullo_epi16(a.rb, factors), _mm_mullo_epi16(a.ga, factors)};
 }
 
-/// Sums of the squares of the four channels, one 32-bit value a pixel.
+/// Sums of the squares of the four channels, one 32-bit value per pixel.
 inline __m128i squaredSums(const Channels& a) {
     return _mm_add_epi32(_mm_madd_epi16(a.rb, a.rb), _mm_madd_epi16(a.ga, a.ga));
 }
@@ -51,12 +55,12 @@ inline std::uint32_t sumOfLanes(__m128i values) {
 
 // The furthest pair
 
-/// A pixel in all four lanes.
+/// The same pixel four times.
 inline Channels broadcast(std::uint32_t pixel) {
     return split(_mm_set1_epi32(static_cast<int>(pixel)));
 }
 
-/// The greatest value, and of the lanes that have it the smallest row.
+/// The largest value, and the smallest row among the lanes that have it.
 inline void reduce(__m128i greatest, __m128i rows, std::uint32_t& value, std::uint32_t& row) {
     std::uint32_t values[pixelsPerVector], rowOf[pixelsPerVector];
     store(values, greatest);
@@ -70,8 +74,8 @@ inline void reduce(__m128i greatest, __m128i rows, std::uint32_t& value, std::ui
     }
 }
 
-// Row i of the table of distances begins at a whole vector and so repeats some pairs (i, j) with j below i. Row j had them
-// before, so the first row with the greatest distance is the right one all the same.
+// Row i of the table of distances starts at a whole vector and so repeats some pairs (i, j) with j < i. Row j had them before, so
+// the first row with the largest distance is still the right one.
 void findFurthest(const std::uint32_t* pixels, std::uint32_t count, std::uint32_t& first, std::uint32_t& second) {
     const std::uint32_t vectors = count / pixelsPerVector;
     Channels split4[largestFootprint / pixelsPerVector];
@@ -100,7 +104,7 @@ void findFurthest(const std::uint32_t* pixels, std::uint32_t count, std::uint32_
 
 // Upscale
 
-/// A colour's channels as 16-bit values, twice.
+/// A colour's channels in 16-bit lanes, twice.
 inline __m128i spread(std::uint32_t colour) {
     return _mm_unpacklo_epi8(_mm_set1_epi32(static_cast<int>(colour)), _mm_setzero_si128());
 }
@@ -113,7 +117,7 @@ void fillCell(std::uint32_t p, std::uint32_t q, std::uint32_t r, std::uint32_t s
     const __m128i leftStep = _mm_sub_epi16(spread(r), spread(p)), rightStep = _mm_sub_epi16(spread(s), spread(q));
     for (int dy = 0; dy < height; ++dy) {
         const __m128i step = _mm_sub_epi16(right, left);
-        // The pixels of dx and dx + 1 side by side.
+        // The sums of pixels dx and dx + 1 side by side.
         __m128i two =
             _mm_add_epi16(_mm_mullo_epi16(left, _mm_set1_epi16(width)), _mm_and_si128(step, _mm_set_epi32(-1, -1, 0, 0)));
         const __m128i twoSteps = _mm_add_epi16(step, step);
@@ -134,33 +138,33 @@ void fillCell(std::uint32_t p, std::uint32_t q, std::uint32_t r, std::uint32_t s
 struct FourPixels {
     Channels source, a, b, difference, a8;
 
-    FourPixels(const BlockPixels& pixels, std::uint32_t x, std::uint32_t y) {
-        const std::size_t offset = y * pixels.rowBytes + x * bytesPerPixel;
-        source = split(load(pixels.source + offset));
-        a = split(load(pixels.a + offset));
-        b = split(load(pixels.b + offset));
+    FourPixels(const BlockImages& images, std::uint32_t x, std::uint32_t y) {
+        const std::size_t offset = y * images.rowBytes + x * bytesPerRGBA8Pixel;
+        source = split(load(images.source + offset));
+        a = split(load(images.a + offset));
+        b = split(load(images.b + offset));
         difference = b - a;
         a8 = {_mm_slli_epi16(a.rb, 3), _mm_slli_epi16(a.ga, 3)};
     }
 
-    /// The blend, in each channel the low byte of it.
-    Channels blend(__m128i eighths) const {
-        const Channels sum = difference * eighths + a8;
+    /// The low byte of the blend in each channel.
+    Channels blend(__m128i weights) const {
+        const Channels sum = difference * weights + a8;
         const __m128i lowByte = _mm_set1_epi16(255);
         return {_mm_and_si128(_mm_srli_epi16(sum.rb, 3), lowByte), _mm_and_si128(_mm_srli_epi16(sum.ga, 3), lowByte)};
     }
     __m128i errorOf(const Channels& candidate) const { return squaredSums(candidate - source); }
-    __m128i errorAt(__m128i eighths) const { return errorOf(blend(eighths)); }
-    __m128i errorAt(short eighths) const { return errorAt(_mm_set1_epi16(eighths)); }
+    __m128i errorAt(__m128i weights) const { return errorOf(blend(weights)); }
+    __m128i errorAt(short weights) const { return errorAt(_mm_set1_epi16(weights)); }
 };
 
-/// The best of the indices tried so far, for four pixels.
+/// The best index so far of each of four pixels.
 struct Nearest {
     __m128i error;
     __m128i index = _mm_setzero_si128();
 
     explicit Nearest(__m128i errorAtZero) : error(errorAtZero) {}
-    /// Returns the mask of the pixels that take this index.
+    /// Takes an index where its error is smaller. Returns the mask of the pixels that took it.
     __m128i consider(int candidate, __m128i errors) {
         const __m128i isNearer = _mm_cmpgt_epi32(error, errors);
         error = select(isNearer, errors, error);
@@ -169,16 +173,17 @@ struct Nearest {
     }
 };
 
-/// Four vectors of four small numbers as 16 bytes.
+/// Packs four vectors of four 32-bit values, 0 to 255, to 16 bytes.
 inline __m128i packToBytes(const __m128i* values) {
     return _mm_packus_epi16(_mm_packs_epi32(values[0], values[1]), _mm_packs_epi32(values[2], values[3]));
 }
 
-// A trial decode of the indices chosen here has the errors that chose them; only a cut-out pixel's alpha is blended there.
-void chooseModulation4bpp(const BlockPixels& pixels, ModulationBlock4bpp& block) {
+// The error of the trial decode is the sum of the errors by which the indices were chosen, except at punch-through pixels: their
+// index is chosen by an alpha of 0, and the trial blends it.
+void chooseModulation4bpp(const BlockImages& images, ModulationBlock4bpp& block) {
     __m128i normal[blockHeight], punch[blockHeight], normalError = _mm_setzero_si128(), punchError = normalError;
     for (std::uint32_t y = 0; y < blockHeight; ++y) {
-        const FourPixels four(pixels, 0, y);
+        const FourPixels four(images, 0, y);
         const __m128i errorOfA = four.errorOf(four.a), errorOfB = four.errorOf(four.b);
         Nearest nearest(errorOfA);
         nearest.consider(1, four.errorAt(short{3}));
@@ -203,34 +208,35 @@ void chooseModulation4bpp(const BlockPixels& pixels, ModulationBlock4bpp& block)
     block.mode = block.modeWeights[0] * sumOfLanes(normalError) > block.modeWeights[1] * sumOfLanes(punchError) ? 1 : 0;
 }
 
-/// The eighths of a block at 2 bpp, a vector of eight 16-bit values a row.
-struct EighthsRows {
+/// The weights of a 2 bpp block, a vector of eight 16-bit lanes per row.
+struct WeightRows {
     __m128i row[blockHeight];
 };
 
-/// 3 * index, less 1 above index 1: 0, 3, 5, 8.
-inline __m128i toEighths(__m128i indices) {
+/// Weights of indices: 0, 3, 5, 8, that is 3 * index, less 1 if the index is 2 or 3.
+inline __m128i toWeights(__m128i indices) {
     return _mm_add_epi16(_mm_add_epi16(indices, _mm_add_epi16(indices, indices)), _mm_cmpgt_epi16(indices, _mm_set1_epi16(1)));
 }
 
-inline __m128i evenSquares(std::uint32_t y) {
+/// The lanes of the pixels of row y that have even x + y.
+inline __m128i evenPixels(std::uint32_t y) {
     return y % 2 == 0 ? _mm_set1_epi32(0x0000FFFF) : _mm_set1_epi32(static_cast<int>(0xFFFF0000));
 }
 
-/// The rows around one row of samples, as eighths; 0 outside the block and where there is no sample.
-struct Neighbours {
+/// The weights of the four neighbours of a row of pixels; 0 outside the block and where there is no sample.
+struct SampleNeighbours {
     __m128i above, below, left, right;
 
-    Neighbours(const EighthsRows& samples, std::uint32_t y)
+    SampleNeighbours(const WeightRows& samples, std::uint32_t y)
         : above(y > 0 ? samples.row[y - 1] : _mm_setzero_si128()),
           below(y + 1 < blockHeight ? samples.row[y + 1] : _mm_setzero_si128()),
           left(_mm_slli_si128(samples.row[y], 2)),
           right(_mm_srli_si128(samples.row[y], 2)) {}
 };
 
-/// Mode 1: (n / 2 + sum) / n for n neighbours inside the block. The quotients of 2, 3 and 4 are products with 64, 43 and 32 and a
-/// shift by 7, which is exact for sums up to 33.
-inline __m128i meanOfNeighbours(const Neighbours& around, std::uint32_t y) {
+/// Mode 1: (n / 2 + sum) / n for n neighbours inside the block. Division by 2, 3 and 4 is multiplication by 64, 43 and 32 and a
+/// shift by 7, which is exact for dividends up to 34.
+inline __m128i meanOfNeighbours(const SampleNeighbours& around, std::uint32_t y) {
     const bool isOnRim = y == 0 || y + 1 == blockHeight;
     const __m128i isEnd = _mm_set_epi16(-1, 0, 0, 0, 0, 0, 0, -1);
     const __m128i sum = _mm_add_epi16(_mm_add_epi16(around.above, around.below), _mm_add_epi16(around.left, around.right));
@@ -240,34 +246,34 @@ inline __m128i meanOfNeighbours(const Neighbours& around, std::uint32_t y) {
     return _mm_srli_epi16(_mm_mullo_epi16(_mm_add_epi16(sum, halfCount), factors), 7);
 }
 
-/// Mode 2.
-inline __m128i meanOfColumn(const Neighbours& around, std::uint32_t y) {
+/// Mode 2: (above + below + 2) / 2, not divided in the first and the last row.
+inline __m128i meanOfColumn(const SampleNeighbours& around, std::uint32_t y) {
     const __m128i sum = _mm_add_epi16(_mm_add_epi16(around.above, around.below), _mm_set1_epi16(2));
     return y == 0 || y + 1 == blockHeight ? sum : _mm_srli_epi16(sum, 1);
 }
 
-/// Mode 3.
-inline __m128i meanOfRow(const Neighbours& around) {
+/// Mode 3: (left + right + 1) / 2, not divided in the first and the last column.
+inline __m128i meanOfRow(const SampleNeighbours& around) {
     const __m128i sum = _mm_add_epi16(_mm_add_epi16(around.left, around.right), _mm_set1_epi16(1));
     return select(_mm_set_epi16(-1, 0, 0, 0, 0, 0, 0, -1), sum, _mm_srli_epi16(sum, 1));
 }
 
-inline EighthsRows expandSamples(const EighthsRows& samples, int mode) {
-    EighthsRows expanded;
+inline WeightRows expandSamples(const WeightRows& samples, int mode) {
+    WeightRows expanded;
     for (std::uint32_t y = 0; y < blockHeight; ++y) {
-        const Neighbours around(samples, y);
+        const SampleNeighbours around(samples, y);
         const __m128i between = mode == 1 ? meanOfNeighbours(around, y) : mode == 2 ? meanOfColumn(around, y) : meanOfRow(around);
-        expanded.row[y] = select(evenSquares(y), samples.row[y], between);
+        expanded.row[y] = select(evenPixels(y), samples.row[y], between);
     }
     return expanded;
 }
 
-/// Errors of a trial decode of eight pixels in a row.
-inline __m128i trialErrors(const FourPixels& left, const FourPixels& right, __m128i eighths) {
-    return _mm_add_epi32(left.errorAt(_mm_unpacklo_epi16(eighths, eighths)), right.errorAt(_mm_unpackhi_epi16(eighths, eighths)));
+/// Errors of the trial decode of a row of eight pixels, in four lanes.
+inline __m128i trialErrors(const FourPixels& left, const FourPixels& right, __m128i weights) {
+    return _mm_add_epi32(left.errorAt(_mm_unpacklo_epi16(weights, weights)), right.errorAt(_mm_unpackhi_epi16(weights, weights)));
 }
 
-/// What four pixels take at 2 bpp: their direct indices and the error of those, and their samples' indices.
+/// The indices of four pixels at 2 bpp: direct, with their errors, and as samples.
 struct DirectAndSamples {
     __m128i direct, directError, sample;
 
@@ -284,21 +290,21 @@ struct DirectAndSamples {
     }
 };
 
-void chooseModulation2bpp(const BlockPixels& pixels, ModulationBlock2bpp& block) {
-    EighthsRows samples;
+void chooseModulation2bpp(const BlockImages& images, ModulationBlock2bpp& block) {
+    WeightRows samples;
     __m128i errors[4] = {_mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128()};
     for (std::uint32_t y = 0; y < blockHeight; ++y) {
-        const DirectAndSamples left(FourPixels(pixels, 0, y)), right(FourPixels(pixels, pixelsPerVector, y));
+        const DirectAndSamples left(FourPixels(images, 0, y)), right(FourPixels(images, pixelsPerVector, y));
         const __m128i direct = _mm_packs_epi32(left.direct, right.direct);
-        const __m128i sample = _mm_and_si128(_mm_packs_epi32(left.sample, right.sample), evenSquares(y));
+        const __m128i sample = _mm_and_si128(_mm_packs_epi32(left.sample, right.sample), evenPixels(y));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(block.directIndices + 8 * y), _mm_packus_epi16(direct, direct));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(block.sampleIndices + 8 * y), _mm_packus_epi16(sample, sample));
         errors[0] = _mm_add_epi32(errors[0], _mm_add_epi32(left.directError, right.directError));
-        samples.row[y] = toEighths(sample);
+        samples.row[y] = toWeights(sample);
     }
-    const EighthsRows expanded[] = {expandSamples(samples, 1), expandSamples(samples, 2), expandSamples(samples, 3)};
+    const WeightRows expanded[] = {expandSamples(samples, 1), expandSamples(samples, 2), expandSamples(samples, 3)};
     for (std::uint32_t y = 0; y < blockHeight; ++y) {
-        const FourPixels left(pixels, 0, y), right(pixels, pixelsPerVector, y);
+        const FourPixels left(images, 0, y), right(images, pixelsPerVector, y);
         for (int mode = 1; mode <= 3; ++mode)
             errors[mode] = _mm_add_epi32(errors[mode], trialErrors(left, right, expanded[mode - 1].row[y]));
     }
@@ -314,14 +320,14 @@ void chooseModulation2bpp(const BlockPixels& pixels, ModulationBlock2bpp& block)
 
 // Residuals
 
-/// Sums in integers: e in eighths and e * t in sixty-fourths.
+/// Sums in integers, by channel: e in eighths and e * t in sixty-fourths.
 struct IntegerSums {
     Channels e = {_mm_setzero_si128(), _mm_setzero_si128()};
     __m128i et[4] = {_mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128()};
 
-    void add(const FourPixels& four, __m128i eighths) {
-        const __m128i even = _mm_and_si128(eighths, _mm_set1_epi32(0x0000FFFF)), odd = _mm_slli_epi32(eighths, 16);
-        const Channels residual = (four.source - four.a) * _mm_set1_epi16(8) - four.difference * eighths;
+    void add(const FourPixels& four, __m128i weights) {
+        const __m128i even = _mm_and_si128(weights, _mm_set1_epi32(0x0000FFFF)), odd = _mm_slli_epi32(weights, 16);
+        const Channels residual = (four.source - four.a) * _mm_set1_epi16(8) - four.difference * weights;
         e = e + residual;
         et[0] = _mm_add_epi32(et[0], _mm_madd_epi16(residual.rb, even));
         et[1] = _mm_add_epi32(et[1], _mm_madd_epi16(residual.ga, even));
@@ -330,7 +336,7 @@ struct IntegerSums {
     }
 };
 
-/// The sums of four vectors' lanes, times a power of two.
+/// The sum of each of four vectors' lanes, multiplied by a power of two.
 inline __m128 sumsOfLanes(const __m128i* vectors, float scale) {
     const __m128i even01 = _mm_unpacklo_epi32(vectors[0], vectors[1]), odd01 = _mm_unpackhi_epi32(vectors[0], vectors[1]);
     const __m128i even23 = _mm_unpacklo_epi32(vectors[2], vectors[3]), odd23 = _mm_unpackhi_epi32(vectors[2], vectors[3]);
@@ -339,15 +345,15 @@ inline __m128 sumsOfLanes(const __m128i* vectors, float scale) {
     return _mm_mul_ps(_mm_cvtepi32_ps(sums), _mm_set1_ps(scale));
 }
 
-void sumResiduals(const BlockPixels& pixels, const std::uint8_t* eighths, std::uint32_t width, ResidualSums& sums) {
+void sumResiduals(const BlockImages& images, const std::uint8_t* weights, std::uint32_t width, ResidualSums& sums) {
     IntegerSums integers;
     std::uint32_t t = 0, t2 = 0;
     for (std::uint32_t i = 0; i < width * blockHeight; i += pixelsPerVector) {
-        const std::uint32_t a = eighths[i], b = eighths[i + 1], c = eighths[i + 2], d = eighths[i + 3];
+        const std::uint32_t a = weights[i], b = weights[i + 1], c = weights[i + 2], d = weights[i + 3];
         t += a + b + c + d;
         t2 += a * a + b * b + c * c + d * d;
         const __m128i four = _mm_set_epi32(static_cast<int>(d), static_cast<int>(c), static_cast<int>(b), static_cast<int>(a));
-        integers.add(FourPixels(pixels, i % width, i / width), _mm_or_si128(four, _mm_slli_epi32(four, 16)));
+        integers.add(FourPixels(images, i % width, i / width), _mm_or_si128(four, _mm_slli_epi32(four, 16)));
     }
     const __m128i even = _mm_set1_epi32(0x00000001), odd = _mm_set1_epi32(0x00010000);
     const __m128i e[] = {_mm_madd_epi16(integers.e.rb, even), _mm_madd_epi16(integers.e.ga, even),
@@ -364,3 +370,5 @@ const FastKernels sse2FastKernels = {
     "SSE2", findFurthest, fillCell<4>, fillCell<8>, chooseModulation4bpp, chooseModulation2bpp, sumResiduals};
 
 }  // namespace moktexture::moktc
+
+#endif

@@ -16,12 +16,18 @@ std::uint32_t sizeOf(std::uint32_t width, std::uint32_t height, bool is2bpp, std
 
 }  // namespace
 
-TEST(MOKTCEncodeEntry, TellsTheUnpaddedSizeOrRefuses) {
+TEST(MOKTCEncodeEntry, ReturnsTheUnpaddedSizeOrRefuses) {
     // clang-format off
-    // Bytes in the first generation at 2 and at 4 bits per pixel, and in the second.
     const struct { std::uint32_t width, height, bytes[4]; } cases[] = {
-        {8, 4, {8, 16, 8, 16}}, {12, 8, {0, 48, 24, 48}}, {9, 6, {0, 0, 13, 27}}, {1, 1, {}}, {4097, 4096, {}},
-        {4096, 4096, {4194304, 8388608, 4194304, 8388608}}, {4096, 4100, {}}, {0, 16, {}}};
+        // width  height  first 2 bpp, 4 bpp   second 2 bpp, 4 bpp
+        {  8,     4,     {8,       16,         8,       16}},
+        {  12,    8,     {0,       48,         24,      48}},
+        {  9,     6,     {0,       0,          13,      27}},
+        {  1,     1,     {}},
+        {  4097,  4096,  {}},
+        {  4096,  4096,  {4194304, 8388608,    4194304, 8388608}},
+        {  4096,  4100,  {}},
+        {  0,     16,    {}}};
     // clang-format on
     for (const auto& [width, height, bytes] : cases)
         for (std::uint32_t form = 0; form < 4; ++form)
@@ -44,18 +50,26 @@ TEST(MOKTCEncodeEntry, WritesNothingWhereItEncodesNothing) {
     EXPECT_EQ(CompressMOKTC(pixels.data(), nullptr, &width, &height, true, false, 0, 0), 64u);
 }
 
-TEST(MOKTCEncodeEntry, HandsAllButTheLowestFirstQualityToTheSlowEncoder) {
-    const struct {
-        std::uint32_t width, height, secondGeneration, quality;
-        std::uint8_t effort;
-    } cases[] = {{16, 8, 0, 1, 0}, {16, 8, 0, 3, 2}, {8, 8, 0, 5, 4}, {8, 8, 0, 257, 4}, {16, 8, 1, 0, 0},
-                 {8, 8, 1, 4, 4},  {8, 8, 1, 5, 4},  {9, 6, 1, 2, 2}, {1, 1, 1, 0, 0}};
+TEST(MOKTCEncodeEntry, UsesTheSlowEncoderExceptAtQuality0OfTheFirstGeneration) {
+    // clang-format off
+    const struct { std::uint32_t width, height, secondGeneration, quality; std::uint8_t effort; } cases[] = {
+        // width  height  second  quality  effort
+        {  16,    8,      0,      1,       0},
+        {  16,    8,      0,      3,       2},
+        {  8,     8,      0,      5,       4},
+        {  8,     8,      0,      257,     4},
+        {  16,    8,      1,      0,       0},
+        {  8,     8,      1,      4,       4},
+        {  8,     8,      1,      5,       4},
+        {  9,     6,      1,      2,       2},
+        {  1,     1,      1,      0,       0}};
+    // clang-format on
     for (const auto& [width, height, secondGeneration, quality, effort] : cases)
         for (const bool is2bpp : {true, false}) {
             const auto pixels = testimages::make(Kind::softAlpha, width, height);
             const std::uint32_t step = is2bpp ? 8 : 4, bits = is2bpp ? 2 : 4, size = width * height * bits / 8;
             const std::uint32_t paddedWidth = (width + step - 1) / step * step, paddedHeight = (height + 3) / 4 * 4;
-            const auto padded = moktc::padByRepeating(pixels.data(), width, height, paddedWidth, paddedHeight);
+            const auto padded = moktc::padByRepeating(packedImage(pixels.data(), width, height), paddedWidth, paddedHeight);
             std::vector<std::uint8_t> blocks(paddedWidth * paddedHeight * bits / 8, 0xCD), expected(blocks.size());
             amtc::CompressImageLevels(padded.data(), 1, static_cast<std::int32_t>(paddedWidth),
                                       static_cast<std::int32_t>(paddedHeight), 0, expected.data(), effort, 0, 1, 0, 4, bits,
@@ -67,17 +81,15 @@ TEST(MOKTCEncodeEntry, HandsAllButTheLowestFirstQualityToTheSlowEncoder) {
 }
 
 TEST(MOKTCBlockPadding, RepeatsTheLastColumnsAndRows) {
-    struct Case {
-        std::uint32_t width, height, paddedWidth, paddedHeight;
-        std::vector<std::uint32_t> columns, rows;  // where each comes from
-    };
     // clang-format off
-    const Case cases[] = {
-        {12, 6, 16, 8, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 8, 9, 10, 11}, {0, 1, 2, 3, 4, 5, 4, 5}},
-        {5, 3, 8, 4, {0, 1, 2, 3, 4, 2, 3, 4}, {0, 1, 2, 2}}, {4, 2, 8, 4, {0, 1, 2, 3, 0, 1, 2, 3}, {0, 1, 0, 1}},
-        {3, 1, 8, 4, {0, 1, 2, 0, 1, 2, 0, 1}, {0, 0, 0, 0}}};  // smaller than their padding
+    const struct { std::uint32_t width, height, paddedWidth, paddedHeight; std::vector<std::uint32_t> columns, rows; } cases[] = {
+        // size    padded    source of each column                                    source of each row
+        {  12, 6,  16, 8,   {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 8, 9, 10, 11},    {0, 1, 2, 3, 4, 5, 4, 5}},
+        {  5,  3,  8,  4,   {0, 1, 2, 3, 4, 2, 3, 4},                                {0, 1, 2, 2}},
+        {  4,  2,  8,  4,   {0, 1, 2, 3, 0, 1, 2, 3},                                {0, 1, 0, 1}},
+        {  3,  1,  8,  4,   {0, 1, 2, 0, 1, 2, 0, 1},                                {0, 0, 0, 0}}};  // smaller than the padding
     // clang-format on
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const auto image = testimages::randomBytes(std::size_t{4} * c.width * c.height, 1);
         std::vector<std::uint8_t> expected;
         for (const std::uint32_t y : c.rows)
@@ -85,7 +97,7 @@ TEST(MOKTCBlockPadding, RepeatsTheLastColumnsAndRows) {
                 const auto pixel = image.begin() + (y * c.width + x) * 4;
                 expected.insert(expected.end(), pixel, pixel + 4);
             }
-        EXPECT_EQ(moktc::padByRepeating(image.data(), c.width, c.height, c.paddedWidth, c.paddedHeight), expected)
+        EXPECT_EQ(moktc::padByRepeating(packedImage(image.data(), c.width, c.height), c.paddedWidth, c.paddedHeight), expected)
             << c.width << " x " << c.height;
     }
 }

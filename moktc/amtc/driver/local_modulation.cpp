@@ -4,7 +4,6 @@
 #include <cstdlib>
 
 #include "moktc/amtc/evaluation/corner_taps.h"
-#include "moktc/block/block_packing.h"
 #include "moktc/block/moktc_block.h"
 
 namespace moktexture::amtc {
@@ -13,10 +12,10 @@ namespace {
 /// The block itself in its footprint.
 constexpr std::size_t firstRow = moktc::blockHeight / 2;
 constexpr std::size_t firstColumn(bool is2bpp) {
-    return moktc::blockWidth(is2bpp) / 2;
+    return moktc::blockWidth(moktc::rateOf(is2bpp)) / 2;
 }
 constexpr bool isOfBlock2bpp(std::size_t row, std::size_t column) {
-    return row - firstRow < moktc::blockHeight && column - firstColumn(true) < moktc::blockWidth(true);
+    return row - firstRow < moktc::blockHeight && column - firstColumn(true) < moktc::blockWidth(moktc::Rate::twoBpp);
 }
 
 struct LevelChoice {
@@ -31,7 +30,7 @@ LevelChoice chooseLevel(const DecodedPixel& decoded, bool twoLevelsOnly) {
 }
 
 DecodedPixel decodePixel2bpp(const LocalPixels& local, std::size_t row, std::size_t column) {
-    return decodePixel(local.table, local.footprint, local.colours, row, column, moktc::blockWidth(true));
+    return decodePixel(local.table, local.footprint, local.colours, row, column, moktc::blockWidth(moktc::Rate::twoBpp));
 }
 
 }  // namespace
@@ -66,7 +65,7 @@ ModulationClass meanClassOf(std::uint32_t mode) {
 }
 
 LocalModulation chooseIndices(const LocalPixels& local) {
-    constexpr std::size_t blockWidth = moktc::blockWidth(false), pixels = blockWidth * moktc::blockHeight;
+    constexpr std::size_t blockWidth = moktc::blockWidth(moktc::Rate::fourBpp), pixels = blockWidth * moktc::blockHeight;
     LocalModulation modulation;
     std::array<std::uint8_t, pixels> indices{};
     for (std::size_t i = 0; i < pixels; ++i) {
@@ -82,7 +81,7 @@ LocalModulation chooseIndices(const LocalPixels& local) {
 }
 
 LocalModulation chooseDirectBits(const LocalPixels& local) {
-    constexpr std::size_t blockWidth = moktc::blockWidth(true), pixels = blockWidth * moktc::blockHeight;
+    constexpr std::size_t blockWidth = moktc::blockWidth(moktc::Rate::twoBpp), pixels = blockWidth * moktc::blockHeight;
     LocalModulation modulation;
     std::array<std::uint8_t, pixels> indices{};
     for (std::size_t i = 0; i < pixels; ++i) {
@@ -96,7 +95,7 @@ LocalModulation chooseDirectBits(const LocalPixels& local) {
 }
 
 LocalModulation chooseSamples(const LocalPixels& local, std::uint32_t mode) {
-    constexpr std::size_t blockWidth = moktc::blockWidth(true);
+    constexpr std::size_t blockWidth = moktc::blockWidth(moktc::Rate::twoBpp);
     const ModulationClass meanClass = meanClassOf(mode);
     LocalModulation modulation;
     SampleValues samples{};

@@ -4,7 +4,6 @@
 #include <cstdlib>
 
 #include "moktc/amtc/driver/local_modulation.h"
-#include "moktc/block/block_packing.h"
 #include "moktc/block/moktc_block.h"
 
 namespace moktexture::amtc {

@@ -6,7 +6,7 @@
 #include "moktc/amtc/driver/local_modulation.h"
 #include "moktc/amtc/driver/pack_local_block.h"
 #include "moktc/block/block_order.h"
-#include "moktc/block/colour_interpolation.h"
+#include "reference/colour_interpolation.h"
 #include "moktc/moktc.h"
 #include "support/test_images.h"
 

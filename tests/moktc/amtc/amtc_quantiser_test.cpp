@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "moktc/amtc/starts/colour_quantiser.h"
-#include "moktc/block/colour_interpolation.h"
 #include "moktc/block/moktc_block.h"
+#include "reference/colour_interpolation.h"
 #include "support/test_images.h"
 
 using namespace moktexture::amtc;

@@ -1,4 +1,4 @@
-#include "moktc/block/block_packing.h"
+#include "moktc/block/moktc_block.h"
 
 namespace moktexture::moktc {
 
@@ -16,14 +16,14 @@ void packColourB(Block& block, std::uint32_t rgba) {
 
 std::uint32_t packIndices(const std::uint8_t* indices) {
     std::uint32_t modulation = 0;
-    for (std::uint32_t i = 0; i < blockWidth(false) * blockHeight; ++i)
+    for (std::uint32_t i = 0; i < blockWidth(Rate::fourBpp) * blockHeight; ++i)
         modulation |= (indices[i] & 3u) << 2 * i;
     return modulation;
 }
 
 std::uint32_t packDirect(const std::uint8_t* indices) {
     std::uint32_t modulation = 0;
-    for (std::uint32_t i = 0; i < blockWidth(true) * blockHeight; ++i) {
+    for (std::uint32_t i = 0; i < blockWidth(Rate::twoBpp) * blockHeight; ++i) {
         if (indices[i] == directSetIndex) modulation |= 1u << i;
     }
     return modulation;
@@ -32,8 +32,8 @@ std::uint32_t packDirect(const std::uint8_t* indices) {
 std::uint32_t packSamples(const std::uint8_t* indices) {
     std::uint32_t modulation = 0, sample = 0;
     for (std::uint32_t y = 0; y < blockHeight; ++y) {
-        for (std::uint32_t x = y % 2; x < blockWidth(true); x += 2)
-            modulation |= (indices[y * blockWidth(true) + x] & 3u) << 2 * sample++;
+        for (std::uint32_t x = y % 2; x < blockWidth(Rate::twoBpp); x += 2)
+            modulation |= (indices[y * blockWidth(Rate::twoBpp) + x] & 3u) << 2 * sample++;
     }
     return modulation;
 }

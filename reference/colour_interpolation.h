@@ -3,22 +3,22 @@
 #include <array>
 #include <cstdint>
 
+#include "moktc/block/corner_palette.h"
 #include "moktc/block/moktc_block.h"
 
-namespace moktexture::moktc {
+/// @file
+/// MOKTC colours of single pixels, for the reference decoders. Colours are RGBA8, red in the lowest byte.
 
-/// A cell's corners: the samples of the blocks to the upper left, upper right, lower left and lower right.
-template <typename Sample>
-using Corners = std::array<Sample, 4>;
+namespace moktexture::moktc {
 
 constexpr std::uint32_t packRGBA(std::uint32_t r, std::uint32_t g, std::uint32_t b, std::uint32_t a) {
     return r | g << 8 | b << 16 | a << 24;
 }
 
-/// The RGBA8 colour (red in the lowest byte) between four samples at column dx, row dy of a cell, both from 0. Full samples, 31
-/// and alpha 15, give 255.
+/// The colour interpolated between four corners at column dx and row dy of a cell, both from 0. Channels of 31 and an alpha of 15
+/// at all corners give 255.
 constexpr std::uint32_t InterpolateColours(const Corners<Colour>& corners, bool is2bpp, std::uint32_t dx, std::uint32_t dy) {
-    const std::uint32_t width = blockWidth(is2bpp);
+    const std::uint32_t width = blockWidth(rateOf(is2bpp));
     const auto weighted = [&](std::uint8_t Colour::*channel) {
         return (blockHeight - dy) * ((width - dx) * corners[0].*channel + dx * corners[1].*channel) +
                dy * ((width - dx) * corners[2].*channel + dx * corners[3].*channel);
@@ -31,13 +31,13 @@ constexpr std::uint32_t InterpolateColours(const Corners<Colour>& corners, bool 
                     (alpha >> (4 + half)) + (alpha >> half));
 }
 
-/// A single sample as an RGBA8 colour.
+/// A block's own colour, without interpolation.
 constexpr std::uint32_t ExpandColour(const Colour& colour) {
     const auto expand5 = [](std::uint32_t value) { return value >> 2 | value << 3; };
     return packRGBA(expand5(colour.r), expand5(colour.g), expand5(colour.b), std::uint32_t{colour.a} << 4 | colour.a);
 }
 
-/// (a * (8 - weight) + b * weight) / 8 in each channel, truncated; the weight is from 0 to 8.
+/// (a * (8 - weight) + b * weight) / 8 in each channel, truncated; the weight is 0 to 8.
 constexpr std::uint32_t blendColours(std::uint32_t a, std::uint32_t b, std::uint32_t weight) {
     std::uint32_t blended = 0;
     for (unsigned shift = 0; shift < 32; shift += 8)
@@ -45,6 +45,15 @@ constexpr std::uint32_t blendColours(std::uint32_t a, std::uint32_t b, std::uint
     return blended;
 }
 
-inline constexpr std::uint32_t colourMask = 0x00FFFFFF;  ///< an RGBA8 colour without its alpha
+inline constexpr std::uint32_t colourMask = 0x00FFFFFF;  ///< all channels but alpha
+
+constexpr CornerPalette BuildCornerPalette(const Corners<ColourPair>& corners) {
+    CornerPalette palette{};
+    for (std::size_t pair = 0; pair < paletteCorners.size(); ++pair) {
+        palette[2 * pair] = ExpandColour(corners[paletteCorners[pair]].a);
+        palette[2 * pair + 1] = ExpandColour(corners[paletteCorners[pair]].b);
+    }
+    return palette;
+}
 
 }  // namespace moktexture::moktc

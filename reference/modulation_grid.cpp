@@ -1,4 +1,4 @@
-#include "moktc/block/modulation_grid.h"
+#include "reference/modulation_grid.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -6,9 +6,9 @@
 namespace moktexture::moktc {
 namespace {
 
-/// The index of a block's pixel at 2 bpp; 0 for the pixels of an interpolated block that have none.
+/// The index of a pixel at 2 bpp; 0 for the pixels of an interpolated block that store none.
 std::uint32_t index2bpp(const Block& block, SubMode subMode, std::uint32_t x, std::uint32_t y) {
-    const std::uint32_t pixel = y * blockWidth(true) + x;
+    const std::uint32_t pixel = y * blockWidth(Rate::twoBpp) + x;
     if (subMode == SubMode::direct) return (block.modulation >> pixel & 1) != 0 ? directSetIndex : 0;
     return (x + y) % 2 == 0 ? indexAt(samplesOf(block.modulation), pixel / 2) : 0;
 }
@@ -17,11 +17,19 @@ std::uint32_t weight2bpp(const ModulationGrid& grid, std::uint32_t x, std::uint3
     return indexWeights[0][grid.indices[y][x]];
 }
 
+/// The weight of a pixel with odd x + y, from those of its neighbours.
+std::uint32_t meanWeight(SubMode subMode, std::uint32_t left, std::uint32_t right, std::uint32_t above, std::uint32_t below) {
+    if (subMode == SubMode::horizontal) return (left + right + 1) / 2;
+    if (subMode == SubMode::vertical) return (above + below + 1) / 2;
+    return (left + right + above + below + 2) / 4;
+}
+
 }  // namespace
 
 void UnpackMods(const Block& block, std::uint32_t bitsPerPixel, ModulationGrid& grid, std::uint32_t x, std::uint32_t y) {
     if (bitsPerPixel == 1) {
-        // Kept: this rate was never built, and asking for it ends the process with this message; no format leads here.
+        // Kept (abort-at-1-bpp): this rate was never finished. No format number leads here; a host that calls UnpackMods() with
+        // it gets this message and an abort, as from the slow encoder.
         std::fputs("EXITING! 1BPP UnpackMods not yet implemented!\n", stderr);
         std::abort();
     }
@@ -29,9 +37,9 @@ void UnpackMods(const Block& block, std::uint32_t bitsPerPixel, ModulationGrid& 
     const SubMode subMode = subModeOf(block);
     const auto mode = static_cast<std::uint8_t>(is2bpp ? static_cast<std::uint32_t>(subMode) : block.colours & modeBit);
     for (std::uint32_t row = 0; row < blockHeight; ++row) {
-        for (std::uint32_t column = 0; column < blockWidth(is2bpp); ++column) {
-            const std::uint32_t index =
-                is2bpp ? index2bpp(block, subMode, column, row) : indexAt(block.modulation, row * blockWidth(false) + column);
+        for (std::uint32_t column = 0; column < blockWidth(rateOf(is2bpp)); ++column) {
+            const std::uint32_t index = is2bpp ? index2bpp(block, subMode, column, row)
+                                               : indexAt(block.modulation, row * blockWidth(Rate::fourBpp) + column);
             grid.indices[y + row][x + column] = static_cast<std::uint8_t>(index);
             grid.modes[y + row][x + column] = mode;
         }

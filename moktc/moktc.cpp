@@ -1,0 +1,100 @@
+#include "moktc/moktc.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "core/base/numeric.h"
+#include "core/base/parallel.h"
+#include "moktc/amtc/amtc_localised.h"
+#include "moktc/amtc/records/work_image.h"
+#include "moktc/block/block_order.h"
+#include "moktc/block_padding.h"
+#include "moktc/decode/decode_cells.h"
+#include "moktc/fast/fast_compressor.h"
+
+namespace moktexture {
+namespace {
+
+using namespace moktc;
+
+constexpr auto largestSide = static_cast<std::uint32_t>(amtc::largestSide);
+/// Efforts of the slow encoder are 0 to 4.
+constexpr std::uint32_t highestEffort = 4;
+
+/// Whether the bytes of the pixels and the bits of the blocks can be counted in 32 bits.
+bool sizesFit32Bits(std::uint32_t width, std::uint32_t height, BlockVariant variant) {
+    constexpr std::uint64_t limit = 0xFFFFFFFFu, bitsPerBlock = 8 * bytesPerBlock;
+    return std::uint64_t{width} * height <= limit / bytesPerRGBA8Pixel &&
+           levelBlockCount(width, height, variant) <= limit / bitsPerBlock;
+}
+
+struct EncodeRequest {
+    ConstImageView image;
+    BlockVariant variant;
+    bool hasAlpha;
+    std::uint32_t quality;
+};
+
+bool isWholeBlocks(std::uint32_t width, std::uint32_t height, Rate rate) {
+    return width % blockWidth(rate) == 0 && height % blockHeight == 0;
+}
+
+/// Encodes whole blocks by the slow encoder; false if it fails. Quality 0 of the first generation is the fast compressor's.
+bool encodeSlowly(const EncodeRequest& request, std::uint8_t* blocks) {
+    constexpr std::uint32_t isRGBAOrder = 1, formatVersion = 4, colourMIPs = 0;
+    constexpr std::int32_t rowStride = 0, mipMode = 0, punchThrough = 0;
+    constexpr std::uint64_t reserved = 0;
+    const std::uint32_t isSecondGeneration = request.variant.isSecondGeneration() ? 1 : 0;
+    const std::uint32_t effort = std::min(request.quality - 1 + isSecondGeneration, highestEffort);
+    const std::uint32_t linearBlockOrder = isSecondGeneration;
+    return amtc::CompressImageLevels(request.image.pixels, isRGBAOrder, static_cast<std::int32_t>(request.image.width),
+                                     static_cast<std::int32_t>(request.image.height), rowStride, blocks,
+                                     static_cast<std::uint8_t>(effort), mipMode, request.hasAlpha ? 1 : 0, punchThrough,
+                                     formatVersion, bitsPerPixel(request.variant.rate), isSecondGeneration, reserved,
+                                     linearBlockOrder, colourMIPs, nullptr) == 0;
+}
+
+/// Encodes a level that is not empty; in the first generation its sides are multiples of the block.
+bool encodeLevel(EncodeRequest request, std::uint8_t* blocks) {
+    if (request.quality == 0 && !request.variant.isSecondGeneration())
+        return encodeFast({.image = request.image, .rate = request.variant.rate, .threads = availableThreads()}, blocks);
+    const std::uint32_t width = roundUp(request.image.width, blockWidth(request.variant.rate));
+    const std::uint32_t height = roundUp(request.image.height, blockHeight);
+    std::vector<std::uint8_t> padded;
+    if (width != request.image.width || height != request.image.height) {
+        padded = padByRepeating(request.image, width, height);
+        request.image = packedImage(padded.data(), width, height);
+    }
+    return encodeSlowly(request, blocks);
+}
+
+}  // namespace
+
+std::uint32_t DecompressMOKTC(const void* blocks, void* pixels, const std::uint32_t* width, const std::uint32_t* height,
+                              std::uint8_t is2bpp, const std::uint32_t* secondGeneration) {
+    if (width == nullptr || height == nullptr || secondGeneration == nullptr) return 0;
+    const BlockVariant variant = {rateOf(is2bpp != 0), *secondGeneration != 0 ? Generation::second : Generation::first};
+    const std::uint32_t size = *width * *height * static_cast<std::uint32_t>(bytesPerRGBA8Pixel);
+    if (blocks == nullptr || pixels == nullptr) return size;
+    if (!sizesFit32Bits(*width, *height, variant)) return 0;
+    decodeCells(static_cast<const std::uint8_t*>(blocks), variant, packedImage(pixels, *width, *height));
+    return size;
+}
+
+std::uint32_t CompressMOKTC(const void* pixels, void* destination, const std::uint32_t* width, const std::uint32_t* height,
+                            bool hasAlpha, bool is2bpp, std::uint32_t secondGeneration, std::uint32_t quality) {
+    if (width == nullptr || height == nullptr || *width > largestSide || *height > largestSide || secondGeneration > 1) return 0;
+    const BlockVariant variant = {rateOf(is2bpp), static_cast<Generation>(secondGeneration)};
+    if (!variant.isSecondGeneration() && !isWholeBlocks(*width, *height, variant.rate)) return 0;
+    // Kept (second-generation-unpadded-size): the size of a second-generation level is that of the unpadded image, though whole
+    // blocks are written. Transcode() adds these sizes up and compares them with getDataSize(), so that it reports such textures
+    // as failed.
+    const std::uint32_t size = *width * *height * bitsPerPixel(variant.rate) >> 3;
+    const bool isEmpty = *width == 0 || *height == 0;
+    if (pixels == nullptr || destination == nullptr || isEmpty) return size;
+    const EncodeRequest request = {packedImage(pixels, *width, *height), variant, hasAlpha, quality};
+    return encodeLevel(request, static_cast<std::uint8_t*>(destination)) ? size : 0;
+}
+
+}  // namespace moktexture
