@@ -12,7 +12,7 @@
 //         move the clusters to the means of their pixels
 //         if remaining is even and there are fewer than 5 clusters: add one at the farthest pixel
 //     candidates: clusters (0,1), (0,2), (0,3), (1,2), (0,4), (1,3), ... as A and B, up to four; then the same pairs with the
-//     clusters exchanged, if there is room
+//     clusters exchanged, if there is room. Each cluster is quantised to the bits of the colour that it becomes.
 //
 // It ends after 11 steps at most. A step costs 37 pixels by at most 5 distances; nothing is allocated. Every second step adds no
 // cluster, so that the clusters move to their pixels before the next one is added.
@@ -198,6 +198,26 @@ Clusters findClusters(const DiscColours& colours, const ColourVector& axis) {
     }
 }
 
+struct ClusterPair {
+    std::size_t first, second;
+};
+
+struct ClusterPairs {
+    std::size_t count = 0;
+    std::array<ClusterPair, mostCandidates> list{};
+};
+
+/// Pairs of clusters by ascending sum of their indices, so that those of large clusters come first.
+ClusterPairs pairsOfLargeClusters(std::size_t clusterCount) {
+    ClusterPairs pairs;
+    for (std::size_t sum = 1; sum <= 2 * clusterCount; ++sum) {
+        for (std::size_t i = 0; 2 * i < sum && pairs.count < mostCandidates; ++i) {
+            if (sum - i < clusterCount) pairs.list[pairs.count++] = {i, sum - i};
+        }
+    }
+    return pairs;
+}
+
 }  // namespace
 
 void ClusterStart(const ColourVector& axis, const Footprint& footprint, RepStart& start) {
@@ -206,18 +226,15 @@ void ClusterStart(const ColourVector& axis, const Footprint& footprint, RepStart
         colours[i] = footprint[discIndices[i]];
     const Clusters clusters = findClusters(colours, axis);
 
-    // By ascending sum of the indices, so that pairs of large clusters come first.
+    const ClusterPairs pairs = pairsOfLargeClusters(clusters.count);
     std::size_t count = 0;
-    for (std::size_t sum = 1; sum <= 2 * clusters.count; ++sum) {
-        for (std::size_t i = 0; 2 * i < sum && count < mostCandidates; ++i) {
-            if (sum - i >= clusters.count) continue;
-            start.candidates[count++] = {clusters.list[i].stored.a, clusters.list[sum - i].stored.b};
-        }
-    }
-    // Kept (exchanged-pairs-not-requantised): the exchange does not quantise the colours for their new positions, where the block
-    // stores other bits.
-    for (std::size_t i = 0, found = count; i < found && count < mostCandidates; ++i)
-        start.candidates[count++] = {start.candidates[i].colourB, start.candidates[i].colourA};
+    const auto addCandidate = [&](std::size_t a, std::size_t b) {
+        if (count < mostCandidates) start.candidates[count++] = {clusters.list[a].stored.a, clusters.list[b].stored.b};
+    };
+    for (std::size_t i = 0; i < pairs.count; ++i)
+        addCandidate(pairs.list[i].first, pairs.list[i].second);
+    for (std::size_t i = 0; i < pairs.count; ++i)
+        addCandidate(pairs.list[i].second, pairs.list[i].first);
     start.count = static_cast<std::uint8_t>(count);
     start.isFlatStart = 0;
 }
