@@ -1,3 +1,37 @@
+/// @file
+/// Bleeding of visible colours into transparent pixels.
+///
+/// Every pixel of alpha 0 gets the mean colour of the visible pixels in the box of 9 by 9 by 9 pixels around it, clipped to the
+/// level. Means are taken from a copy of the level, so that colours do not spread further within one call. The sums are defined
+/// as float additions over the box by slices, then rows, then pixels:
+///
+///     for each pixel with alpha 0:
+///         sums = 0, count = 0
+///         for each visible pixel of its box: sums += its colour, count += 1
+///         if count is not 0: colour = sums / count
+///
+/// The copy holds (r, g, b, 1) for a visible pixel and zeroes for another one, so that the inner loop adds without a test.
+/// Adding these zeroes changes no float sum, since no sum is ever -0.
+///
+/// There are two forms. Both find the same means:
+///
+/// - By boxes: the loop above. Up to 81 additions per channel and pixel on a 2D level, 729 in a volume. For 32-bit and float
+///   elements, whose float sums are rounded and therefore depend on the order of addition.
+/// - By running sums, for 8- and 16-bit elements where (largest element) * (pixels of a box) is below 2 to the 24: every partial
+///   float sum is then an integer that a float holds exactly, so that integer sums in any order give the same value. One sum per
+///   column covers the rows of the box; a row of boxes slides over the columns:
+///
+///       for each slice z:
+///           columns = sums over rows 0 to 4 of the slices z-4 to z+4
+///           for each row y:
+///               box = sum of columns 0 to 3
+///               for each x: box += columns[x + 4]; store the mean if needed; box -= columns[x - 4]
+///               columns += row y + 5; columns -= row y - 4
+///
+///   2 additions per channel for the box and 2 per slice of the box for the column, whatever the radius in x and y.
+///
+/// Memory: a copy of the level (as floats in the form by boxes), and 16 bytes for each column.
+
 #include "operations/bleed.h"
 
 #include <algorithm>
@@ -5,7 +39,6 @@
 #include <limits>
 #include <memory>
 #include <new>
-#include <type_traits>
 
 #include "image_operations.h"
 #include "operations/frame/channel_elements.h"
@@ -14,13 +47,13 @@
 namespace moktexture {
 namespace {
 
-/// Neighbours of an index on one axis: from `first` to before `end`.
-struct Neighbours {
+/// Indices within bleedRadius of an index on one axis: from `first` to before `end`.
+struct IndexRange {
     std::uint32_t first;
     std::uint32_t end;
 };
 
-Neighbours neighboursOf(std::uint32_t index, std::uint32_t size) {
+IndexRange rangeAround(std::uint32_t index, std::uint32_t size) {
     return {index - std::min(index, bleedRadius), std::min(index + bleedRadius + 1, size)};
 }
 
@@ -34,109 +67,104 @@ std::unique_ptr<T[]> tryAllocate(std::size_t count) {
     return std::unique_ptr<T[]>(new (std::nothrow) T[count]);
 }
 
-// Kept: a mean of white 32-bit elements is 2 to the 32 as a float, and its low bits are 0: white bleeds black there, as in the
-// other operations that truncate.
+// Kept (bleed-white-32-bit-is-0): a mean of white 32-bit elements is 2 to the 32 as a float, whose low 32 bits are 0, so that
+// white bleeds black. Stored 32-bit .mok files have these values; asset builds compare against them.
 template <typename T, typename Sum>
 void storeMean(const ColourSums<Sum>& sums, T* pixel) {
     const float count = static_cast<float>(sums[3]);
     for (std::size_t c = 0; c < 3; ++c)
-        pixel[c] = withPlainNaN(elementFromBounded<T>(static_cast<float>(sums[c]) / count));
+        pixel[c] = withCanonicalNaN(elementFromBounded<T>(static_cast<float>(sums[c]) / count));
 }
 
-/// Calls `add(pixel, sums)` for the pixels of a box: by slices, then rows, then pixels.
-template <typename Copy, typename Add>
-ColourSums<float> sumBox(const Copy* pixels, const LevelSize& size, std::uint32_t x, std::uint32_t y, std::uint32_t z, Add add) {
-    const Neighbours slices = neighboursOf(z, size.depth);
-    const Neighbours rows = neighboursOf(y, size.height);
-    const Neighbours columns = neighboursOf(x, size.width);
+/// Copies a level so that sums need not test alpha: the colours and 1 of a visible pixel, zeroes for another one. Null if there
+/// is no memory.
+template <typename Copy, typename T>
+std::unique_ptr<Copy[]> tryCopyVisible(const LevelView<T>& level) {
+    const std::size_t elementCount = level.size.pixelCount() * channelsPerPixel;
+    auto copy = tryAllocate<Copy>(elementCount);
+    if (copy == nullptr) return copy;
+    for (std::size_t i = 0; i < elementCount; i += channelsPerPixel) {
+        const bool isVisible = level.data[i + 3] != T{0};
+        for (std::size_t c = 0; c < 3; ++c)
+            copy[i + c] = isVisible ? static_cast<Copy>(level.data[i + c]) : Copy{0};
+        copy[i + 3] = isVisible ? Copy{1} : Copy{0};
+    }
+    return copy;
+}
+
+ColourSums<float> sumBox(const LevelView<const float>& copy, std::uint32_t x, std::uint32_t y, std::uint32_t z) {
+    const IndexRange slices = rangeAround(z, copy.size.depth);
+    const IndexRange rows = rangeAround(y, copy.size.height);
+    const IndexRange columns = rangeAround(x, copy.size.width);
     ColourSums<float> sums = {};
     for (std::uint32_t k = slices.first; k < slices.end; ++k) {
         for (std::uint32_t j = rows.first; j < rows.end; ++j) {
-            const Copy* const row = pixels + (std::size_t{k} * size.height + j) * size.width * channelsPerPixel;
-            for (std::size_t i = columns.first; i < columns.end; ++i)
-                add(row + i * channelsPerPixel, sums);
+            const float* const row = copy.row(j, k);
+            for (std::size_t i = columns.first; i < columns.end; ++i) {
+                for (std::size_t c = 0; c < channelsPerPixel; ++c)
+                    sums[c] += row[i * channelsPerPixel + c];
+            }
         }
     }
     return sums;
 }
 
-/// Bleeds into a level from its copy, each box summed by itself.
-template <typename T, typename Copy, typename Add>
-void bleedByBoxes(T* data, const Copy* copy, const LevelSize& size, Add add) {
-    for (std::uint32_t z = 0; z < size.depth; ++z) {
-        for (std::uint32_t y = 0; y < size.height; ++y) {
-            for (std::uint32_t x = 0; x < size.width; ++x, data += channelsPerPixel) {
-                if (data[3] != T{0}) continue;
-                const ColourSums<float> sums = sumBox(copy, size, x, y, z, add);
-                if (sums[3] != 0.0f) storeMean(sums, data);
+/// bleedLevel() for any elements.
+template <typename T>
+bool bleedByBoxes(const LevelView<T>& level) {
+    const auto copy = tryCopyVisible<float>(level);
+    if (copy == nullptr) return false;
+    const LevelView<const float> copyView = {copy.get(), level.size};
+    T* pixel = level.data;
+    for (std::uint32_t z = 0; z < level.size.depth; ++z) {
+        for (std::uint32_t y = 0; y < level.size.height; ++y) {
+            for (std::uint32_t x = 0; x < level.size.width; ++x, pixel += channelsPerPixel) {
+                if (pixel[3] != T{0}) continue;
+                const ColourSums<float> sums = sumBox(copyView, x, y, z);
+                if (sums[3] != 0.0f) storeMean(sums, pixel);
             }
         }
     }
-}
-
-/// Copies a level so that sums need not ask for alpha: a visible pixel's colours and 1, zeroes for others.
-template <typename T, typename Copy>
-void copyCountable(const T* pixels, std::size_t pixelCount, Copy* copy) {
-    for (std::size_t i = 0; i < pixelCount * channelsPerPixel; i += channelsPerPixel) {
-        const bool isVisible = pixels[i + 3] != T{0};
-        for (std::size_t c = 0; c < 3; ++c)
-            copy[i + c] = isVisible ? static_cast<Copy>(pixels[i + c]) : Copy{0};
-        copy[i + 3] = isVisible ? Copy{1} : Copy{0};
-    }
-}
-
-/// bleedLevel() for any elements. The zeroes of invisible pixels change no sum, as none is ever -0.
-template <typename T>
-bool bleedLevelByBoxes(T* data, const LevelSize& size) {
-    const auto copy = tryAllocate<float>(size.pixelCount() * channelsPerPixel);
-    if (copy == nullptr) return false;
-    copyCountable(data, size.pixelCount(), copy.get());
-    bleedByBoxes(data, copy.get(), size, [](const float* pixel, ColourSums<float>& sums) {
-        for (std::size_t c = 0; c < channelsPerPixel; ++c)
-            sums[c] += pixel[c];
-    });
     return true;
 }
 
-/// Sums over the part of each column that lies in the boxes of a row.
+/// For each column of a slice the sums over the rows and slices that the boxes of one row cover.
 template <typename T>
 class ColumnSums {
 public:
-    /// `countable` comes from copyCountable(), `sums` has an entry for each column.
-    ColumnSums(const T* countable, const LevelSize& levelSize, ColourSums<std::uint32_t>* sums)
-        : pixels(countable), size(levelSize), columns(sums) {}
+    /// `visible` comes from tryCopyVisible(), `sums` has an entry for each column.
+    ColumnSums(const LevelView<const T>& visible, ColourSums<std::uint32_t>* sums) : copy(visible), columns(sums) {}
 
-    /// Begins with the boxes of row 0.
+    /// Starts with the boxes of row 0.
     void beginSlice(std::uint32_t z) {
-        slices = neighboursOf(z, size.depth);
-        std::fill_n(columns, size.width, ColourSums<std::uint32_t>{});
-        const Neighbours rows = neighboursOf(0, size.height);
+        slices = rangeAround(z, copy.size.depth);
+        std::fill_n(columns, copy.size.width, ColourSums<std::uint32_t>{});
+        const IndexRange rows = rangeAround(0, copy.size.height);
         for (std::uint32_t y = rows.first; y < rows.end; ++y)
-            changeByRow(y, [](std::uint32_t sum, T element) { return sum + element; });
+            applyRow(y, [](std::uint32_t sum, T element) { return sum + element; });
     }
-    /// Moves on from the boxes of row y to those of the next.
+    /// Moves from the boxes of row y to those of the next row.
     void advance(std::uint32_t y) {
-        if (y + bleedRadius + 1 < size.height)
-            changeByRow(y + bleedRadius + 1, [](std::uint32_t sum, T element) { return sum + element; });
-        if (y >= bleedRadius) changeByRow(y - bleedRadius, [](std::uint32_t sum, T element) { return sum - element; });
+        if (y + bleedRadius + 1 < copy.size.height)
+            applyRow(y + bleedRadius + 1, [](std::uint32_t sum, T element) { return sum + element; });
+        if (y >= bleedRadius) applyRow(y - bleedRadius, [](std::uint32_t sum, T element) { return sum - element; });
     }
 
 private:
     template <typename Change>
-    void changeByRow(std::uint32_t y, Change change) {
+    void applyRow(std::uint32_t y, Change change) {
         for (std::uint32_t z = slices.first; z < slices.end; ++z) {
-            const T* row = pixels + (std::size_t{z} * size.height + y) * size.width * channelsPerPixel;
-            for (std::uint32_t x = 0; x < size.width; ++x, row += channelsPerPixel) {
+            const T* pixel = copy.row(y, z);
+            for (std::uint32_t x = 0; x < copy.size.width; ++x, pixel += channelsPerPixel) {
                 for (std::size_t c = 0; c < channelsPerPixel; ++c)
-                    columns[x][c] = change(columns[x][c], row[c]);
+                    columns[x][c] = change(columns[x][c], pixel[c]);
             }
         }
     }
 
-    const T* pixels;
-    LevelSize size;
+    LevelView<const T> copy;
     ColourSums<std::uint32_t>* columns;
-    Neighbours slices = {};
+    IndexRange slices = {};
 };
 
 /// Bleeds into one row of the level.
@@ -160,18 +188,17 @@ void bleedRow(T* row, std::uint32_t width, const ColourSums<std::uint32_t>* colu
     }
 }
 
-/// bleedLevel() where the sums are exact.
+/// bleedLevel() where bleedsByRunningSums().
 template <typename T>
-bool bleedLevelByRunningSums(T* data, const LevelSize& size) {
-    const auto copy = tryAllocate<T>(size.pixelCount() * channelsPerPixel);
-    const auto columns = tryAllocate<ColourSums<std::uint32_t>>(size.width);
+bool bleedByRunningSums(const LevelView<T>& level) {
+    const auto copy = tryCopyVisible<T>(level);
+    const auto columns = tryAllocate<ColourSums<std::uint32_t>>(level.size.width);
     if (copy == nullptr || columns == nullptr) return false;
-    copyCountable(data, size.pixelCount(), copy.get());
-    ColumnSums<T> sums(copy.get(), size, columns.get());
-    for (std::uint32_t z = 0; z < size.depth; ++z) {
+    ColumnSums<T> sums({copy.get(), level.size}, columns.get());
+    for (std::uint32_t z = 0; z < level.size.depth; ++z) {
         sums.beginSlice(z);
-        for (std::uint32_t y = 0; y < size.height; ++y, data += size.width * channelsPerPixel) {
-            bleedRow(data, size.width, columns.get());
+        for (std::uint32_t y = 0; y < level.size.height; ++y) {
+            bleedRow(level.row(y, z), level.size.width, columns.get());
             sums.advance(y);
         }
     }
@@ -179,23 +206,6 @@ bool bleedLevelByRunningSums(T* data, const LevelSize& size) {
 }
 
 }  // namespace
-
-template <typename T>
-bool bleedLevelPlain(T* data, std::uint32_t width, std::uint32_t height, std::uint32_t depth) {
-    if (data == nullptr) return false;
-    const LevelSize size = {width, height, depth};
-    const std::size_t elementCount = size.pixelCount() * channelsPerPixel;
-    const auto copy = tryAllocate<T>(elementCount);
-    if (copy == nullptr) return false;
-    std::copy_n(data, elementCount, copy.get());
-    bleedByBoxes(data, copy.get(), size, [](const T* pixel, ColourSums<float>& sums) {
-        if (pixel[3] == T{0}) return;
-        for (std::size_t c = 0; c < 3; ++c)
-            sums[c] += static_cast<float>(pixel[c]);
-        sums[3] += 1.0f;
-    });
-    return true;
-}
 
 template <typename T>
 bool bleedsByRunningSums(const LevelSize& size) {
@@ -209,30 +219,23 @@ bool bleedsByRunningSums(const LevelSize& size) {
 }
 
 template <typename T>
-bool bleedLevel(T* data, std::uint32_t width, std::uint32_t height, std::uint32_t depth) {
-    if (data == nullptr) return false;
-    const LevelSize size = {width, height, depth};
+bool bleedLevel(const LevelView<T>& level) {
+    if (level.data == nullptr) return false;
     if constexpr (sizeof(T) < sizeof(std::uint32_t)) {
-        if (bleedsByRunningSums<T>(size)) return bleedLevelByRunningSums(data, size);
+        if (bleedsByRunningSums<T>(level.size)) return bleedByRunningSums(level);
     }
-    return bleedLevelByBoxes(data, size);
+    return bleedByBoxes(level);
 }
 
-template bool bleedLevel(std::uint8_t*, std::uint32_t, std::uint32_t, std::uint32_t);
-template bool bleedLevel(std::uint16_t*, std::uint32_t, std::uint32_t, std::uint32_t);
-template bool bleedLevel(std::uint32_t*, std::uint32_t, std::uint32_t, std::uint32_t);
-template bool bleedLevel(float*, std::uint32_t, std::uint32_t, std::uint32_t);
-template bool bleedLevelPlain(std::uint8_t*, std::uint32_t, std::uint32_t, std::uint32_t);
-template bool bleedLevelPlain(std::uint16_t*, std::uint32_t, std::uint32_t, std::uint32_t);
-template bool bleedLevelPlain(std::uint32_t*, std::uint32_t, std::uint32_t, std::uint32_t);
-template bool bleedLevelPlain(float*, std::uint32_t, std::uint32_t, std::uint32_t);
+template bool bleedLevel(const LevelView<std::uint8_t>&);
+template bool bleedLevel(const LevelView<std::uint16_t>&);
+template bool bleedLevel(const LevelView<std::uint32_t>&);
+template bool bleedLevel(const LevelView<float>&);
 template bool bleedsByRunningSums<std::uint8_t>(const LevelSize&);
 template bool bleedsByRunningSums<std::uint16_t>(const LevelSize&);
 
 bool Bleed(CMOKTexture& texture) {
-    return isOperable(texture) && processLevels(texture, [](auto* pixels, const Subresource& piece) {
-               return bleedLevel(pixels, piece.size.width, piece.size.height, piece.size.depth);
-           });
+    return isOperable(texture) && processLevels(texture, [](const auto& level, const Subresource&) { return bleedLevel(level); });
 }
 
 }  // namespace moktexture

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "core/texture/subresources.h"
+#include "operations/frame/level_view.h"
 
 namespace moktexture {
 
@@ -10,16 +10,18 @@ namespace moktexture {
 inline constexpr std::uint32_t bleedRadius = 4;
 
 /// Gives the colours of fully transparent pixels the mean of the visible pixels (alpha not 0, NaN included) within bleedRadius on
-/// each axis; those without a visible neighbour stay. T is an element of an operable texture, four to a pixel.
-/// @return false if `data` is null or there is no memory for a copy of the level; nothing is thrown.
+/// each axis; pixels without a visible neighbour keep their colour. T is the element of an operable texture.
+/// @return false if the data is null or there is no memory for a copy of the level; nothing is thrown.
 template <typename T>
-bool bleedLevel(T* data, std::uint32_t width, std::uint32_t height, std::uint32_t depth);
+bool bleedLevel(const LevelView<T>& level);
 
-/// The plain form of bleedLevel(): each box summed by itself, in floats, by slices, then rows, then pixels.
+/// bleedLevel() of a level given by its parts.
 template <typename T>
-bool bleedLevelPlain(T* data, std::uint32_t width, std::uint32_t height, std::uint32_t depth);
+bool bleedLevel(T* data, std::uint32_t width, std::uint32_t height, std::uint32_t depth) {
+    return bleedLevel(LevelView<T>{data, {width, height, depth}});
+}
 
-/// Whether bleedLevel() takes running sums: where no sum over a box reaches 2 to the 24, floats hold it exactly in any order.
+/// Whether bleedLevel() uses running integer sums: where no sum over a box reaches 2 to the 24, floats add exactly in any order.
 template <typename T>
 bool bleedsByRunningSums(const LevelSize& size);
 

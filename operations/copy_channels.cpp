@@ -8,10 +8,10 @@
 namespace moktexture {
 namespace {
 
-/// Source of each element of a destination pixel; eChannelNone leaves the element as it is.
+/// Source channel of each element of a destination pixel; eChannelNone leaves the element as it is.
 using ChannelSources = std::array<EChannelName, channelsPerPixel>;
 
-/// What the entries come to: of those that write an element, the last one with a source counts.
+/// What all entries together copy: of those that write an element, the last one with a valid source counts.
 ChannelSources resolveEntries(unsigned int count, const EChannelName* destinations, const EChannelName* sources) {
     ChannelSources resolved = {};
     forEachWrite(count, destinations, [&](std::size_t c, unsigned int i) {
@@ -20,24 +20,25 @@ ChannelSources resolveEntries(unsigned int count, const EChannelName* destinatio
     return resolved;
 }
 
-// Kept: truncated and neither rounded nor clamped, so white (1.0, 255) becomes 4294967296 and wraps to 0 in a 32-bit element;
-// callers that want white set the element themselves.
+// Kept (copied-white-wraps-in-32-bits): values are truncated and neither rounded nor clamped, so that white (1.0 or 255) becomes
+// 2 to the 32 and wraps to 0 in a 32-bit element. Transcode() makes grey by this copy, and its bytes in stored .mok files with
+// it.
 template <typename D, typename S>
 D elementFromScaled(float value) {
     if constexpr (std::is_same_v<S, float>) {
-        return withPlainNaN(elementFromFloat<D>(value));
+        return withCanonicalNaN(elementFromFloat<D>(value));
     } else {
         return elementFromBounded<D>(value);
     }
 }
 
-/// Whether scaling gives every element back.
-// Kept: 16-bit elements are not among them: for 512 of them, from 259 on, the product is rounded down and they come out one less,
-// which textures that went through a copy carry.
+/// Whether scaling leaves every element as it is.
+// Kept (copied-16-bits-lose-a-unit): it does not for 16-bit elements: for 512 of them, from 259 on, the product is rounded down
+// and they come out one less. Transcode() makes 16-bit grey by this copy, and its bytes in stored .mok files with it.
 template <typename D, typename S>
 constexpr bool isScaledToItself = std::is_same_v<D, S> && (std::is_same_v<S, std::uint8_t> || std::is_same_v<S, float>);
 
-/// Computes one source of a run of pixels, in the destination's elements.
+/// Computes one source channel of a run of pixels, in the destination's elements.
 template <typename D, typename S>
 void computeSource(EChannelName source, const S* pixels, std::size_t count, D* computed) {
     const auto computeEach = [&](auto valueOf) {
@@ -74,10 +75,10 @@ void computeSource(EChannelName source, const S* pixels, std::size_t count, D* c
     }
 }
 
-/// Pixels that are copied at a time.
+/// Pixels that are copied at a time: their four computed channels, at most 4 KB, stay in the cache.
 constexpr std::size_t runLength = 256;
 
-/// Copies channels of a run of pixels. All sources are computed before any element is written, so both runs may be the same.
+/// Copies channels of a run of pixels. All sources are computed before any element is written, so that both runs may be the same.
 template <typename D, typename S>
 void copyRun(const S* source, D* destination, std::size_t count, const ChannelSources& sources) {
     D columns[channelsPerPixel][runLength];
@@ -96,10 +97,11 @@ void copyRun(const S* source, D* destination, std::size_t count, const ChannelSo
 }
 
 template <typename D, typename S>
-bool copyLevel(const S* source, D* destination, std::size_t pixelCount, const ChannelSources& sources) {
+bool copyLevel(const LevelView<const S>& source, const LevelView<D>& destination, const ChannelSources& sources) {
+    const std::size_t pixelCount = destination.size.pixelCount();
     for (std::size_t first = 0; first < pixelCount; first += runLength) {
         const std::size_t count = std::min(runLength, pixelCount - first);
-        copyRun(source + first * channelsPerPixel, destination + first * channelsPerPixel, count, sources);
+        copyRun(source.data + first * channelsPerPixel, destination.data + first * channelsPerPixel, count, sources);
     }
     return true;
 }
@@ -108,8 +110,8 @@ bool copyLevels(CMOKTexture& destination, const CMOKTexture& source, const Chann
     if (source.getDataPtr() == nullptr) return false;
     return withElementType(source.getChannelType(), [&](auto element) {
         using S = typename decltype(element)::type;
-        return processLevels(destination, [&](auto* pixels, const Subresource& piece) {
-            return copyLevel(pieceData<const S>(source, piece), pixels, piece.size.pixelCount(), sources);
+        return processLevels(destination, [&](const auto& level, const Subresource& subresource) {
+            return copyLevel(levelView<const S>(source, subresource), level, sources);
         });
     });
 }

@@ -2,7 +2,6 @@
 
 #include "image_operations.h"
 #include "operations/frame/operation_frame.h"
-#include "operations/frame/whole_pixels.h"
 
 namespace moktexture {
 namespace {
@@ -17,17 +16,17 @@ void reverseRuns(Pixel* pixels, std::size_t count, std::size_t length) {
 }
 
 template <typename Pixel>
-bool flipLevel(Pixel* pixels, const LevelSize& size, EMOKTAxis axis) {
+bool flipLevel(const LevelView<Pixel>& level, EMOKTAxis axis) {
+    const LevelSize& size = level.size;
     const std::size_t rowCount = std::size_t{size.height} * size.depth;
-    const std::size_t sliceLength = std::size_t{size.width} * size.height;
     if (axis == eAxisX) {
         for (std::size_t row = 0; row < rowCount; ++row)
-            std::reverse(pixels + row * size.width, pixels + (row + 1) * size.width);
+            std::reverse(level.row(row, 0), level.row(row + 1, 0));
     } else if (axis == eAxisY) {
         for (std::size_t slice = 0; slice < size.depth; ++slice)
-            reverseRuns(pixels + slice * sliceLength, size.height, size.width);
+            reverseRuns(level.row(0, slice), size.height, size.width);
     } else if (axis == eAxisZ) {
-        reverseRuns(pixels, size.depth, sliceLength);
+        reverseRuns(level.data, size.depth, std::size_t{size.width} * size.height);
     }
     return true;
 }
@@ -35,9 +34,8 @@ bool flipLevel(Pixel* pixels, const LevelSize& size, EMOKTAxis axis) {
 }  // namespace
 
 bool Flip(CMOKTexture& texture, EMOKTAxis axis) {
-    return isOperable(texture) && processLevels(texture, [axis](auto* pixels, const Subresource& piece) {
-               return flipLevel(wholePixels(pixels), piece.size, axis);
-           });
+    return isOperable(texture) &&
+           processLevels(texture, [axis](const auto& level, const Subresource&) { return flipLevel(wholePixels(level), axis); });
 }
 
 }  // namespace moktexture

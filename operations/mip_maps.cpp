@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "image_operations.h"
+#include "operations/frame/channel_elements.h"
 #include "operations/frame/operation_frame.h"
 #include "operations/resample/resample_level.h"
 
@@ -22,19 +23,53 @@ LevelSize nextLevelSize(const LevelSize& size) {
     return {std::max(size.width >> 1, 1u), std::max(size.height >> 1, 1u), std::max(size.depth >> 1, 1u)};
 }
 
-/// Fills the levels of one face of one member below level 0, each from the one above it. From level 32 on the header counts sizes
-/// anew from that of level 0: of such levels only the first pixel is filled.
+/// Copies the top level of one surface to a new chain and builds each further level from the one above it. Level 32 and those
+/// below it have the size of level 0 again in the header, where shifts count modulo 32; only their first pixel is written.
 template <typename T>
-void fillChain(const CMOKTexture& texture, Subresource piece, EResizeMode filter) {
-    const T* source = pieceData<const T>(texture, piece);
-    for (piece.level = 1; piece.level < texture.getNumMIPLevels(); ++piece.level) {
-        const LevelSize size = nextLevelSize(piece.size);
-        T* const destination = pieceData<T>(texture, piece);
-        resampleLevel(source, destination, piece.size.width, piece.size.height, piece.size.depth, size.width, size.height,
-                      size.depth, filter);
-        source = destination;
-        piece.size = size;
+void fillChain(const LevelView<const T>& top, const CMOKTexture& chain, Subresource subresource, EResizeMode filter) {
+    LevelView<T> upper = levelView<T>(chain, subresource);
+    std::memcpy(upper.data, top.data, top.size.pixelCount() * channelsPerPixel * sizeof(T));
+    for (subresource.level = 1; subresource.level < chain.getNumMIPLevels(); ++subresource.level) {
+        const LevelView<T> lower = {levelView<T>(chain, subresource).data, nextLevelSize(upper.size)};
+        resampleLevel<T>(upper, lower, filter);
+        upper = lower;
     }
+}
+
+template <typename T>
+T meanOfColours(const T* pixel) {
+    if constexpr (std::is_same_v<T, float>) {
+        return withCanonicalNaN((pixel[1] + pixel[0] + pixel[2]) / 3.0f);
+    } else {
+        // Kept (tint-mean-wraps): the sum of 32-bit elements wraps, so that bright pixels are tinted dark. Stored reference
+        // images of tinted chains, which viewers are tested with, have these values.
+        const std::uint32_t sum = std::uint32_t{pixel[0]} + pixel[1] + pixel[2];
+        return elementFromBounded<T>(static_cast<float>(sum) / 3.0f);
+    }
+}
+
+/// Tints a level. Level 0 stays; of every six further levels the first three have one channel left (n mod 3), the others lack
+/// one:
+///
+/// | n mod 6 | 0   | 1     | 2    | 3    | 4       | 5      |
+/// | ------- | --- | ----- | ---- | ---- | ------- | ------ |
+/// | tint    | red | green | blue | cyan | magenta | yellow |
+template <typename T>
+bool colourLevel(const LevelView<T>& level, std::uint32_t n) {
+    if (n == 0) return true;
+    const bool lacksOne = n % 6 >= 3;
+    bool isLit[3];
+    for (std::uint32_t c = 0; c < 3; ++c)
+        isLit[c] = (n % 3 == c) != lacksOne;
+
+    const std::size_t pixelCount = level.size.pixelCount();
+    for (std::size_t i = 0; i < pixelCount; ++i) {
+        T* const pixel = level.data + i * channelsPerPixel;
+        const T mean = meanOfColours(pixel);
+        for (std::size_t c = 0; c < 3; ++c)
+            pixel[c] = isLit[c] ? mean : T{0};
+    }
+    return true;
 }
 
 }  // namespace
@@ -42,8 +77,8 @@ void fillChain(const CMOKTexture& texture, Subresource piece, EResizeMode filter
 bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int levels) {
     if (!isOperable(texture)) return false;
     const unsigned int count = levels == allMIPLevels ? fullChainLength(levelSize(texture, 0)) : levels;
-    // Kept: a chain of the wanted length counts as made, even if it is stale or of another filter; callers rely on its levels
-    // being left alone.
+    // Kept (mip-chain-of-same-length-stays): a chain of the wanted length is left as it is, even if stale or made by another
+    // filter. Hosts that paint their own levels call this after loading and rely on it.
     if (count == texture.getNumMIPLevels()) return true;
 
     CMOKTextureHeader header = texture;
@@ -52,16 +87,19 @@ bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int leve
     const bool hasSurfaces = texture.getNumArrayMembers() != 0 && texture.getNumFaces() != 0;
     const bool hasTopLevel = texture.getNumMIPLevels() != 0 && texture.getDataPtr() != nullptr;
     if (count == 0 || (hasSurfaces && !hasTopLevel)) return false;
-    const std::size_t topSize = texture.getDataSize(0, false, false);
-    return rebuild(texture, header, [&](const CMOKTexture& source, CMOKTexture& chained) {
-        if (!hasSurfaces) return true;
-        const auto fill = [&]<typename T>(const T* top, T* copiedTop, const Subresource& piece) {
-            std::memcpy(copiedTop, top, topSize);
-            fillChain<T>(chained, piece, filter);
+    return rebuild(texture, header, [&](const CMOKTexture& source, CMOKTexture& chain) {
+        const auto fill = [&]<typename T>(const LevelView<const T>& top, const LevelView<T>&, const Subresource& subresource) {
+            fillChain<T>(top, chain, subresource, filter);
             return true;
         };
-        return processLevelsInto(source, chained, WalkedLevels::first, fill);
+        return !hasSurfaces || processLevelsInto(source, chain, VisitedLevels::first, fill);
     });
+}
+
+bool ColourMIPMaps(CMOKTexture& texture) {
+    return isOperable(texture) && processLevels(texture, [](const auto& level, const Subresource& subresource) {
+               return colourLevel(level, subresource.level);
+           });
 }
 
 }  // namespace moktexture

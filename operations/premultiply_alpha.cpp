@@ -7,8 +7,8 @@
 namespace moktexture {
 namespace {
 
-// Kept: of every product only the low 8 bits stay, in wider elements and floats too, which loses their colours; textures that
-// were premultiplied before hold those values.
+// Kept (premultiply-keeps-low-byte): of every product only the low 8 bits are stored, in wider elements and floats too, where the
+// colour is lost. Stored .mok files premultiplied at 16 and 32 bits have these values, and asset builds compare against them.
 template <typename T>
 T elementFromProduct(float product) {
     if constexpr (std::is_same_v<T, float>) {
@@ -19,9 +19,10 @@ T elementFromProduct(float product) {
 }
 
 template <typename T>
-bool premultiplyLevel(T* pixels, std::size_t pixelCount) {
+bool premultiplyLevel(const LevelView<T>& level) {
+    const std::size_t pixelCount = level.size.pixelCount();
     for (std::size_t i = 0; i < pixelCount; ++i) {
-        T* const pixel = pixels + i * channelsPerPixel;
+        T* const pixel = level.data + i * channelsPerPixel;
         const float factor = scaledElement<float>(pixel[3]);
         for (std::size_t c = 0; c < 3; ++c)
             pixel[c] = elementFromProduct<T>(static_cast<float>(pixel[c]) * factor);
@@ -33,8 +34,7 @@ bool premultiplyLevel(T* pixels, std::size_t pixelCount) {
 
 bool PreMultiplyAlpha(CMOKTexture& texture) {
     if (!isOperable(texture) || texture.isPreMultiplied()) return false;
-    const bool result = processLevels(
-        texture, [](auto* pixels, const Subresource& piece) { return premultiplyLevel(pixels, piece.size.pixelCount()); });
+    const bool result = processLevels(texture, [](const auto& level, const Subresource&) { return premultiplyLevel(level); });
     texture.setIsPreMultiplied(true);
     return result;
 }

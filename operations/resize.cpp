@@ -5,7 +5,7 @@
 namespace moktexture {
 namespace {
 
-/// The header of the resized texture: new size, one level, border scaled along in whole pixels.
+/// The header of the resized texture: the new size, one level, and the border scaled along in whole pixels.
 CMOKTextureHeader resizedHeader(const CMOKTextureHeader& header, const LevelSize& oldSize, const LevelSize& newSize) {
     CMOKTextureHeader resized = header;
     unsigned int borderX = 0;
@@ -16,7 +16,8 @@ CMOKTextureHeader resizedHeader(const CMOKTextureHeader& header, const LevelSize
     resized.setHeight(newSize.height);
     resized.setDepth(newSize.depth);
     resized.setNumMIPLevels(1);
-    // Kept: a texture without a border gets a block of three zeros; files of resized textures carry it.
+    // Kept (resize-stores-border): a texture without a border gets a border block of three zeros. It is saved with the .mok file,
+    // whose length and bytes would change without it.
     resized.setBorder(newSize.width * borderX / oldSize.width, newSize.height * borderY / oldSize.height,
                       newSize.depth * borderZ / oldSize.depth);
     return resized;
@@ -30,12 +31,10 @@ bool Resize(CMOKTexture& texture, const unsigned int& newWidth, const unsigned i
     const LevelSize newSize = {newWidth, newHeight, newDepth};
     if (!isOperable(texture) || newSize.isEmpty()) return false;
     if (newSize == oldSize) return true;
-
-    const auto resampleTop = [&]<typename T>(const T* source, T* destination, const Subresource&) {
-        return resampleLevel(source, destination, oldSize.width, oldSize.height, oldSize.depth, newSize.width, newSize.height,
-                             newSize.depth, mode);
-    };
-    return rebuildLevels(texture, resizedHeader(texture, oldSize, newSize), WalkedLevels::first, resampleTop);
+    return rebuildLevels(texture, resizedHeader(texture, oldSize, newSize), VisitedLevels::first,
+                         [mode](const auto& source, const auto& destination, const Subresource&) {
+                             return resampleLevel(source, destination, mode);
+                         });
 }
 
 }  // namespace moktexture

@@ -8,7 +8,7 @@
 namespace moktexture {
 namespace {
 
-/// What the entries come to for one element of a pixel: the last value that was written to it, if any.
+/// What all entries together write to one element of a pixel: the value of the last one that names it, if any.
 template <typename Value>
 struct ElementWrite {
     bool isWritten = false;
@@ -24,8 +24,8 @@ PixelWrites<Value> resolveEntries(unsigned int count, const EChannelName* channe
     return writes;
 }
 
-// Kept: values are in units of the element and never scaled, so 1.0 stores 1 in an 8-bit channel and 255 stores 255.0 in a float
-// one; callers pass raw element values.
+// Kept (set-channels-unscaled): values are in units of the element and never scaled, so that 1.0 stores 1 in an 8-bit channel and
+// 255 stores 255.0 in a float one. Callers, `moktex convert --set-channel` among them, pass raw element values.
 template <typename T, typename Value>
 T elementFromValue(Value value) {
     if constexpr (std::is_same_v<Value, float>) {
@@ -35,13 +35,13 @@ T elementFromValue(Value value) {
     }
 }
 
-/// Unsigned integer of the size of an element, in which a float keeps its bits.
+/// Unsigned integer of an element's size; floats are written as their bits.
 template <typename T>
 using ElementBits = std::conditional_t<std::is_same_v<T, float>, std::uint32_t, T>;
 
-/// Writes constants to some elements of every pixel, as `pixel AND keep OR value` on its bits.
+/// Writes constants to some elements of every pixel, as `(pixel & keep) | value` on its bits.
 template <typename T, typename Value>
-bool setLevel(T* pixels, std::size_t pixelCount, const PixelWrites<Value>& writes) {
+bool setLevel(const LevelView<T>& level, const PixelWrites<Value>& writes) {
     using Bits = ElementBits<T>;
     std::array<Bits, channelsPerPixel> keep;
     std::array<Bits, channelsPerPixel> value;
@@ -49,8 +49,9 @@ bool setLevel(T* pixels, std::size_t pixelCount, const PixelWrites<Value>& write
         keep[c] = writes[c].isWritten ? Bits{0} : static_cast<Bits>(~Bits{0});
         value[c] = writes[c].isWritten ? std::bit_cast<Bits>(elementFromValue<T>(writes[c].value)) : Bits{0};
     }
+    const std::size_t pixelCount = level.size.pixelCount();
     for (std::size_t i = 0; i < pixelCount; ++i) {
-        T* const pixel = pixels + i * channelsPerPixel;
+        T* const pixel = level.data + i * channelsPerPixel;
         for (std::size_t c = 0; c < channelsPerPixel; ++c) {
             pixel[c] = std::bit_cast<T>(static_cast<Bits>((std::bit_cast<Bits>(pixel[c]) & keep[c]) | value[c]));
         }
@@ -64,8 +65,7 @@ bool setChannels(CMOKTexture& texture, unsigned int count, const EChannelName* c
     if (count == 0) return true;
     if (channels == nullptr || values == nullptr) return false;
     const PixelWrites<Value> writes = resolveEntries(count, channels, values);
-    return processLevels(
-        texture, [&writes](auto* pixels, const Subresource& piece) { return setLevel(pixels, piece.size.pixelCount(), writes); });
+    return processLevels(texture, [&writes](const auto& level, const Subresource&) { return setLevel(level, writes); });
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 
 /// @file
 /// Integer rules that every module shares.
@@ -18,6 +19,12 @@ constexpr Integer roundUp(Integer value, Integer step) {
 inline std::int64_t truncateToInteger(float value) {
     constexpr float limit = 9223372036854775808.0f;
     return value > -limit && value < limit ? static_cast<std::int64_t>(value) : 0;
+}
+
+/// The value, or for any NaN the quiet NaN without sign and payload. A computed float is stored through this: which operand's NaN
+/// an addition keeps is the compiler's choice, so that the stored bits would depend on the build.
+inline float canonicalNaN(float value) {
+    return value == value ? value : std::numeric_limits<float>::quiet_NaN();
 }
 
 }  // namespace moktexture

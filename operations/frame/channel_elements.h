@@ -2,18 +2,19 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <type_traits>
 
 #include "core/base/numeric.h"
+#include "operations/frame/level_view.h"
 #include "texture_enums.h"
+
+/// @file
+/// The arithmetic of channel elements: unsigned integers of 8, 16 and 32 bits, where the largest value stands for 1.0, and
+/// floats.
 
 namespace moktexture {
 
-/// A pixel of an operable texture is four elements: red, green, blue, alpha.
-inline constexpr std::size_t channelsPerPixel = 4;
-
-/// What stands for 1.0 in an element. The 32-bit one is a power of two, which the element itself cannot hold.
+/// The value that stands for 1.0 in an element. That of 32-bit elements is 2 to the 32, one above what the element can hold.
 template <typename T>
 inline constexpr float channelUnit = 1.0f;
 template <>
@@ -23,10 +24,10 @@ inline constexpr float channelUnit<std::uint16_t> = 65535.0f;
 template <>
 inline constexpr float channelUnit<std::uint32_t> = 4294967296.0f;
 
-/// 32-bit elements are multiplied by this where others are divided by their unit.
+/// 32-bit elements are multiplied by this where the others are divided by their unit.
 inline constexpr float reciprocalOfUnit32 = 2.3283064e-10f;
 
-/// A float as an element: truncated, low bits kept; as it stands for float elements.
+/// A float as an element: truncated toward zero with the low bits kept; unchanged for float elements.
 template <typename T>
 T elementFromFloat(float value) {
     if constexpr (std::is_same_v<T, float>) {
@@ -36,8 +37,8 @@ T elementFromFloat(float value) {
     }
 }
 
-/// elementFromFloat() for values that are known to lie from 0 to channelUnit<T>, or not a whole unit above it: the same element,
-/// by conversions that the compiler vectorises.
+/// elementFromFloat() for a value from 0 to below channelUnit<T> + 1: the same element, by conversions that the compiler
+/// vectorises.
 template <typename T>
 T elementFromBounded(float value) {
     if constexpr (std::is_same_v<T, float>) {
@@ -49,18 +50,18 @@ T elementFromBounded(float value) {
     }
 }
 
-/// A computed element as it is stored: of NaN the quiet one without payload. Of two NaN operands the compiler chooses the one
-/// whose payload a sum keeps, so that results would depend on the build.
+/// A computed element as it is stored: canonicalNaN() for floats, unchanged for integers.
 template <typename T>
-T withPlainNaN(T value) {
+T withCanonicalNaN(T element) {
     if constexpr (std::is_same_v<T, float>) {
-        return value == value ? value : std::numeric_limits<float>::quiet_NaN();
+        return canonicalNaN(element);
     } else {
-        return value;
+        return element;
     }
 }
 
-/// An element of type S in the scale of element type D; for D float, from 0 to 1. The order of the factors decides the last bit.
+/// An element of type S in the scale of element type D, which is 0 to 1 for floats. Multiplying by D's unit before dividing by
+/// S's decides the last bit of the result.
 template <typename D, typename S>
 float scaledElement(S element) {
     float value = static_cast<float>(element);
@@ -73,7 +74,7 @@ float scaledElement(S element) {
     return value;
 }
 
-/// Bit c is set if writing to the channel of that name writes element c of a pixel. 0 for names without a channel.
+/// Mask of the elements of a pixel that a destination channel writes: bit 0 red to bit 3 alpha. 0 for names without a channel.
 inline unsigned int elementsWrittenBy(EChannelName name) {
     // clang-format off
     constexpr std::uint8_t elements[] = {
@@ -90,8 +91,7 @@ inline unsigned int elementsWrittenBy(EChannelName name) {
     return name <= eChannelUnspecified ? elements[name] : 0;
 }
 
-/// Calls `write(element of a pixel, number of the entry)` for every element that the channels of the entries write, entry by
-/// entry.
+/// Calls `write(c, i)` for each entry i and each element c of a pixel that its channel writes, entry by entry.
 template <typename Write>
 void forEachWrite(unsigned int count, const EChannelName* channels, Write write) {
     for (unsigned int i = 0; i < count; ++i) {

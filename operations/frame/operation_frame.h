@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <type_traits>
 #include <utility>
@@ -8,49 +7,61 @@
 #include "CMOKTexture.h"
 #include "core/texture/data_size.h"
 #include "core/texture/subresources.h"
+#include "operations/frame/level_view.h"
 
 /// @file
-/// What all image operations share: the acceptance test, the walk over the pieces of a texture, the choice of element type and
-/// the replacement of a texture by a new one.
+/// The frame that all image operations share. An operation has four steps, of which it writes the third itself:
 ///
-/// An operation in place is its level routine and one line:
+///   1. isOperable(): refuse textures that are not in one of four pixel forms, or whose buffer is shorter than the header says.
+///   2. withElementType(): choose the instance of the level routine by channel type, once for the texture.
+///   3. The level routine: works on one LevelView, that is one face of one layer at one MIP level.
+///   4. The loop: for each layer, for each face, for each MIP level, call the routine. The result is that of the last call; false
+///      from a call does not end the loop; no call at all gives false.
+///
+/// An operation in place is its level routine and one statement:
 /// @code
 /// bool Invert(CMOKTexture& texture) {
-///     return isOperable(texture) && processLevels(texture, [](auto* pixels, const Subresource& piece) { ... return true; });
+///     return isOperable(texture) && processLevels(texture, [](const auto& level, const Subresource&) { ... return true; });
 /// }
 /// @endcode
-/// One that builds a new texture sets up that texture's header and calls rebuildLevels().
+/// One that builds a new texture prepares the new header and calls rebuildLevels():
+///
+///     rebuilt = texture of the new header, all pixels 0
+///     for each layer, face and level:
+///         result = routine(level of the texture, level of rebuilt)
+///     texture = rebuilt, whatever the result is
 
 namespace moktexture {
 
-/// One face of one array member at one MIP level.
+/// One face of one layer at one MIP level.
 struct Subresource {
-    std::uint32_t member;
+    std::uint32_t layer;
     std::uint32_t face;
     std::uint32_t level;
-    LevelSize size;
 };
 
-/// Which MIP levels an operation visits.
-enum class WalkedLevels { all, first };
+/// The MIP levels that an operation visits.
+enum class VisitedLevels { all, first };
 
-/// Whether operations accept the texture: it has one of the four forms, its sizes are true, and its buffer, if there is one,
-/// holds all pixels. A texture without a buffer or without pieces is accepted, and has nothing to be worked on.
+/// Whether the image operations work on a pixel form: RGBA8 with eVarUByteNorm, RGBA16 with eVarUShortNorm, RGBA32 with
+/// eVarUIntNorm or eVarFloat.
+bool isOperableTexture(const PixelType& type, const EMOKTVariableType& channelType);
+
+/// Whether operations accept the texture: isOperableTexture(), its sizes fit in 32 bits, and its buffer, if it has one, holds all
+/// pixels. Textures without a buffer, layers, faces or levels are accepted; they have no subresource to visit.
 bool isOperable(const CMOKTexture& texture);
 
-/// Whether the texture has at least one member, one face and one level.
-bool hasPieces(const CMOKTextureHeader& header);
-
-/// Whether both textures have the same size in pixels and the same numbers of members, faces and levels.
+/// Whether both textures have the same dimensions and the same numbers of layers, faces and levels.
 bool haveEqualShape(const CMOKTextureHeader& a, const CMOKTextureHeader& b);
 
-/// Address of a piece's first element, in a texture with a buffer.
+/// A subresource of a texture; T is the element type of its channels, const or not.
 template <typename T>
-T* pieceData(const CMOKTexture& texture, const Subresource& piece) {
-    return static_cast<T*>(texture.getDataPtr(piece.level, piece.member, piece.face));
+LevelView<T> levelView(const CMOKTexture& texture, const Subresource& subresource) {
+    return {static_cast<T*>(texture.getDataPtr(subresource.level, subresource.layer, subresource.face)),
+            levelSize(texture, subresource.level)};
 }
 
-/// Calls `routine(std::type_identity<T>)` with the element type T of an operable texture's channel type, and gives its result.
+/// Calls `routine(std::type_identity<T>)` with the element type T of an operable texture's channel type and returns its result.
 template <typename Routine>
 bool withElementType(EMOKTVariableType channelType, Routine&& routine) {
     switch (channelType) {
@@ -67,50 +78,54 @@ bool withElementType(EMOKTVariableType channelType, Routine&& routine) {
     }
 }
 
-/// Calls `visit(const Subresource&)` for each member, in it each face, in it each level. The result is that of the last call: a
-/// false result does not stop the walk. It is false at once for a texture without pieces or a buffer, whatever its counts.
+/// Calls `visit(const Subresource&)` for each layer, in it each face, in it each level, and returns the result of the last call.
+/// Returns false at once for a texture without a buffer, layers, faces or levels, however large its other counts are.
 template <typename Visit>
-bool forEachSubresource(const CMOKTexture& texture, WalkedLevels levels, Visit&& visit) {
-    if (!hasPieces(texture) || texture.getDataPtr() == nullptr) return false;
-    const std::uint32_t levelCount = levels == WalkedLevels::all ? texture.getNumMIPLevels() : 1;
+bool forEachSubresource(const CMOKTexture& texture, VisitedLevels levels, Visit&& visit) {
+    const std::uint32_t layerCount = texture.getNumArrayMembers();
+    const std::uint32_t faceCount = texture.getNumFaces();
+    const std::uint32_t levelCount = levels == VisitedLevels::all ? texture.getNumMIPLevels() : 1;
+    if (layerCount == 0 || faceCount == 0 || texture.getNumMIPLevels() == 0 || texture.getDataPtr() == nullptr) return false;
     bool result = false;
-    Subresource piece = {};
-    for (piece.member = 0; piece.member < texture.getNumArrayMembers(); ++piece.member) {
-        for (piece.face = 0; piece.face < texture.getNumFaces(); ++piece.face) {
-            for (piece.level = 0; piece.level < levelCount; ++piece.level) {
-                piece.size = levelSize(texture, piece.level);
-                result = visit(std::as_const(piece));
-            }
+    Subresource subresource = {};
+    for (subresource.layer = 0; subresource.layer < layerCount; ++subresource.layer) {
+        for (subresource.face = 0; subresource.face < faceCount; ++subresource.face) {
+            for (subresource.level = 0; subresource.level < levelCount; ++subresource.level)
+                result = visit(std::as_const(subresource));
         }
     }
     return result;
 }
 
-/// Runs `routine(T* pixels, const Subresource&)` on every piece of an operable texture, in place.
+/// Runs `routine(const LevelView<T>&, const Subresource&)` on every subresource of an operable texture, in place.
 template <typename Routine>
 bool processLevels(CMOKTexture& texture, Routine&& routine) {
     return withElementType(texture.getChannelType(), [&](auto element) {
         using T = typename decltype(element)::type;
-        return forEachSubresource(texture, WalkedLevels::all,
-                                  [&](const Subresource& piece) { return routine(pieceData<T>(texture, piece), piece); });
-    });
-}
-
-/// Runs `routine(const T* source, T* destination, const Subresource&)` from every visited piece of an operable texture to the
-/// same piece of another, which has the same element type and the pieces visited, in sizes of its own. The routine is told the
-/// source's piece.
-template <typename Routine>
-bool processLevelsInto(const CMOKTexture& source, CMOKTexture& destination, WalkedLevels levels, Routine&& routine) {
-    return withElementType(source.getChannelType(), [&](auto element) {
-        using T = typename decltype(element)::type;
-        return forEachSubresource(source, levels, [&](const Subresource& piece) {
-            return routine(pieceData<const T>(source, piece), pieceData<T>(destination, piece), piece);
+        return forEachSubresource(texture, VisitedLevels::all, [&](const Subresource& subresource) {
+            return routine(levelView<T>(texture, subresource), subresource);
         });
     });
 }
 
-/// Replaces the texture by one of that header, zeroed and then filled by `fill(const CMOKTexture& source, CMOKTexture& rebuilt)`,
-/// and gives the result of that; false does not undo it.
+/// Stands for the element type of the source.
+struct SourceElement {};
+
+/// Runs `routine(const LevelView<const T>& source, const LevelView<D>& destination, const Subresource&)` from every visited
+/// subresource of an operable texture to the same one of another texture, which has all of them. D is Destination, or T.
+template <typename Destination = SourceElement, typename Routine>
+bool processLevelsInto(const CMOKTexture& source, CMOKTexture& destination, VisitedLevels levels, Routine&& routine) {
+    return withElementType(source.getChannelType(), [&](auto element) {
+        using T = typename decltype(element)::type;
+        using D = std::conditional_t<std::is_same_v<Destination, SourceElement>, T, Destination>;
+        return forEachSubresource(source, levels, [&](const Subresource& subresource) {
+            return routine(levelView<const T>(source, subresource), levelView<D>(destination, subresource), subresource);
+        });
+    });
+}
+
+/// Replaces the texture by one of the header, zeroed and then filled by `fill(const CMOKTexture& source, CMOKTexture& rebuilt)`,
+/// and returns the result of that; false does not undo the replacement.
 /// @return false too, with the texture unchanged, if the header's sizes do not fit in 32 bits
 template <typename Fill>
 bool rebuild(CMOKTexture& texture, const CMOKTextureHeader& header, Fill&& fill) {
@@ -122,10 +137,10 @@ bool rebuild(CMOKTexture& texture, const CMOKTextureHeader& header, Fill&& fill)
 }
 
 /// rebuild() by processLevelsInto().
-template <typename Routine>
-bool rebuildLevels(CMOKTexture& texture, const CMOKTextureHeader& header, WalkedLevels levels, Routine&& routine) {
+template <typename Destination = SourceElement, typename Routine>
+bool rebuildLevels(CMOKTexture& texture, const CMOKTextureHeader& header, VisitedLevels levels, Routine&& routine) {
     return rebuild(texture, header, [&](const CMOKTexture& source, CMOKTexture& rebuilt) {
-        return processLevelsInto(source, rebuilt, levels, routine);
+        return processLevelsInto<Destination>(source, rebuilt, levels, routine);
     });
 }
 

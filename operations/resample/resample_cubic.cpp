@@ -1,21 +1,25 @@
+#include <algorithm>
 #include <limits>
 
-#include "operations/resample/resample_filters.h"
+#include "operations/resample/resampling.h"
 
 namespace moktexture {
 namespace {
 
-/// Destination columns whose positions are computed once and serve all rows.
+/// Destination columns whose positions are computed once and serve all rows. Wider strips make longer loops and a larger cache of
+/// 16 rows, which at this width takes 64 KB.
 constexpr std::uint32_t stripWidth = 64;
 constexpr std::size_t stripElements = stripWidth * channelsPerPixel;
+/// Key of an empty slot of the row cache.
+constexpr std::uint64_t noRow = std::numeric_limits<std::uint64_t>::max();
 
-/// Samples and weights of the strip's columns, weights one for each element so that loops run straight.
+/// One of the four samples of each of the strip's columns, with weights repeated for each element so that one loop covers all.
 struct StripTap {
     std::uint32_t column[stripWidth];
     float weight[stripElements];
 };
 
-void placeColumns(const ResampleAxis& axis, std::uint32_t firstColumn, std::uint32_t columnCount, StripTap (&taps)[cubicTaps]) {
+void computeColumns(const ResampleAxis& axis, std::uint32_t firstColumn, std::uint32_t columnCount, StripTap (&taps)[cubicTaps]) {
     for (std::uint32_t i = 0; i < columnCount; ++i) {
         const AxisPosition position = filteredPosition(axis, firstColumn + i);
         const CubicWeights weights = cubicWeights(position.fraction);
@@ -28,12 +32,12 @@ void placeColumns(const ResampleAxis& axis, std::uint32_t firstColumn, std::uint
     }
 }
 
-/// The samples of a source row times their weights across x, for each of the four samples of the strip's columns.
+/// A source row as the strip's columns sample it: for each of their four samples the product with its weight in x.
 struct WeightedRow {
     float products[cubicTaps][stripElements];
 };
 
-/// Adds four runs of products to the sums, one after another, each product weighed by `weigh(product, number of its run)`.
+/// Adds to each sum its product of each of four runs, one after another, scaled by `weigh(product, index of the run)`.
 template <typename Weigh>
 void addProducts(const float* first, const float* second, const float* third, const float* fourth, std::size_t count,
                  float* __restrict sums, Weigh weigh) {
@@ -54,8 +58,7 @@ void storeSums(const float* sums, std::size_t count, T* __restrict elements) {
         elements[e] = elementFromCubicSum<T>(sums[e]);
 }
 
-/// A strip of destination columns. Products with the weights across x depend on the source row alone, so those of the last
-/// rows are kept: neighbouring destination rows share them.
+/// A strip of destination columns, with a cache of source rows that are multiplied by their weights in x.
 template <typename T>
 class CubicStrip {
 public:
@@ -64,28 +67,27 @@ public:
           firstColumn(stripFirstColumn),
           columnCount(stripColumnCount),
           elementCount(std::size_t{stripColumnCount} * channelsPerPixel) {
-        placeColumns(resampling.axes.x, firstColumn, columnCount, taps);
-        for (std::uint64_t& row : heldRow)
-            row = std::numeric_limits<std::uint64_t>::max();
+        computeColumns(resampling.x, firstColumn, columnCount, taps);
+        std::ranges::fill(cachedKeys, noRow);
     }
 
     void resample() {
-        for (std::uint32_t z = 0; z < resampling.destinationSize.depth; ++z) {
-            for (std::uint32_t y = 0; y < resampling.destinationSize.height; ++y) {
-                if (resampling.sourceSize.depth == 1) {
+        for (std::uint32_t z = 0; z < resampling.destination.size.depth; ++z) {
+            for (std::uint32_t y = 0; y < resampling.destination.size.height; ++y) {
+                if (resampling.source.size.depth == 1) {
                     sumRows(y);
                 } else {
                     sumSlices(y, z);
                 }
-                storeSums(sums, elementCount, resampling.destinationPixel(firstColumn, y, z));
+                storeSums(sums, elementCount, resampling.destination.pixel(firstColumn, y, z));
             }
         }
     }
 
 private:
-    /// Sums of a two-dimensional source: across x outermost, then y.
+    /// Sums over a source of depth 1: x outermost, then y.
     void sumRows(std::uint32_t y) {
-        const AxisPosition position = filteredPosition(resampling.axes.y, y);
+        const AxisPosition position = filteredPosition(resampling.y, y);
         const CubicWeights wy = cubicWeights(position.fraction);
         const WeightedRow* rows[cubicTaps];
         for (std::size_t j = 0; j < cubicTaps; ++j)
@@ -98,10 +100,10 @@ private:
         }
     }
 
-    /// Sums of a three-dimensional source: across x outermost, then y, then z.
+    /// Sums over a volume: x outermost, then y, then z.
     void sumSlices(std::uint32_t y, std::uint32_t z) {
-        const AxisPosition row = filteredPosition(resampling.axes.y, y);
-        const AxisPosition slice = filteredPosition(resampling.axes.z, z);
+        const AxisPosition row = filteredPosition(resampling.y, y);
+        const AxisPosition slice = filteredPosition(resampling.z, z);
         const CubicWeights wy = cubicWeights(row.fraction);
         const CubicWeights wz = cubicWeights(slice.fraction);
         const WeightedRow* rows[cubicTaps][cubicTaps];
@@ -127,18 +129,18 @@ private:
     }
 
     /// The products of the source row that is sample `rowTap` of the position `row`, in the slice that is sample `sliceTap` of
-    /// the position `slice`. The sixteen rows around a position lie in different places.
+    /// the position `slice`. The sixteen rows around a position have slots of their own.
     const WeightedRow* weightedRow(const AxisPosition& row, std::size_t rowTap, const AxisPosition& slice, std::size_t sliceTap) {
-        const bool isFlat = resampling.sourceSize.depth == 1;
-        const std::size_t place = ((slice.index + sliceTap) % cubicTaps) * cubicTaps + (row.index + rowTap) % cubicTaps;
-        const std::uint32_t sourceY = cubicIndex(resampling.axes.y, row, rowTap);
-        const std::uint32_t sourceZ = isFlat ? 0 : cubicIndex(resampling.axes.z, slice, sliceTap);
-        const std::uint64_t number = std::uint64_t{sourceZ} << 32 | sourceY;
-        if (heldRow[place] != number) {
-            weighRow(resampling.sourceRow(sourceY, sourceZ), held[place]);
-            heldRow[place] = number;
+        const bool isFlat = resampling.source.size.depth == 1;
+        const std::size_t slot = ((slice.index + sliceTap) % cubicTaps) * cubicTaps + (row.index + rowTap) % cubicTaps;
+        const std::uint32_t sourceY = cubicIndex(resampling.y, row, rowTap);
+        const std::uint32_t sourceZ = isFlat ? 0 : cubicIndex(resampling.z, slice, sliceTap);
+        const std::uint64_t key = std::uint64_t{sourceZ} << 32 | sourceY;
+        if (cachedKeys[slot] != key) {
+            weighRow(resampling.source.row(sourceY, sourceZ), cachedRows[slot]);
+            cachedKeys[slot] = key;
         }
-        return &held[place];
+        return &cachedRows[slot];
     }
 
     void weighRow(const T* row, WeightedRow& weighted) {
@@ -154,8 +156,8 @@ private:
     const std::size_t elementCount;
     StripTap taps[cubicTaps];
     T gathered[stripElements];
-    std::uint64_t heldRow[cubicTaps * cubicTaps];  ///< slice and row of what is held in each place
-    WeightedRow held[cubicTaps * cubicTaps];
+    std::uint64_t cachedKeys[cubicTaps * cubicTaps];  ///< slice (high 32 bits) and row of each cached row
+    WeightedRow cachedRows[cubicTaps * cubicTaps];
     float sums[stripElements];
 };
 
@@ -163,7 +165,7 @@ private:
 
 template <typename T>
 void resampleCubic(const Resampling<T>& resampling) {
-    forEachStrip(resampling.destinationSize.width, stripWidth,
+    forEachStrip(resampling.destination.size.width, stripWidth,
                  [&resampling](std::uint32_t first, std::uint32_t count) { CubicStrip<T>(resampling, first, count).resample(); });
 }
 

@@ -1,15 +1,19 @@
+#include <algorithm>
 #include <limits>
 
-#include "operations/resample/resample_filters.h"
+#include "operations/resample/resampling.h"
 
 namespace moktexture {
 namespace {
 
-/// Destination columns whose positions are computed once and serve all rows.
+/// Destination columns whose positions are computed once and serve all rows. Wider strips make longer loops and larger row
+/// caches.
 constexpr std::uint32_t stripWidth = 256;
 constexpr std::size_t stripElements = stripWidth * channelsPerPixel;
+/// Key of an empty slot of the row cache.
+constexpr std::uint64_t noRow = std::numeric_limits<std::uint64_t>::max();
 
-/// Left and right neighbours of the strip's columns, and their weights, one for each element so that loops run straight.
+/// Left and right samples of the strip's columns, and their weights, repeated for each element so that one loop covers all.
 struct StripColumns {
     std::uint32_t left[stripWidth];
     std::uint32_t right[stripWidth];
@@ -18,12 +22,12 @@ struct StripColumns {
     bool areHalfway;  ///< all weights are 0.5, as in a halving
 };
 
-void placeColumns(const ResampleAxis& axis, std::uint32_t firstColumn, std::uint32_t columnCount, StripColumns& columns) {
+void computeColumns(const ResampleAxis& axis, std::uint32_t firstColumn, std::uint32_t columnCount, StripColumns& columns) {
     columns.areHalfway = true;
     for (std::uint32_t i = 0; i < columnCount; ++i) {
         const AxisPosition position = filteredPosition(axis, firstColumn + i);
-        columns.left[i] = indexWithin(axis, position.index);
-        columns.right[i] = upperNeighbour(axis, position.index);
+        columns.left[i] = clampedIndex(axis, position.index);
+        columns.right[i] = nextIndex(axis, position.index);
         columns.areHalfway = columns.areHalfway && position.fraction == 0.5f;
         for (std::size_t c = 0; c < channelsPerPixel; ++c) {
             columns.leftWeight[i * channelsPerPixel + c] = 1.0f - position.fraction;
@@ -32,7 +36,7 @@ void placeColumns(const ResampleAxis& axis, std::uint32_t firstColumn, std::uint
     }
 }
 
-/// Elements of 8 and 16 bits: floats hold them exactly, so that the half of one is its shift.
+/// Elements of 8 and 16 bits. Floats hold them exactly, so that half of one, truncated, is its shift.
 template <typename T>
 constexpr bool isNarrow = sizeof(T) < sizeof(float);
 
@@ -44,14 +48,14 @@ void averageRuns(const T* a, const T* b, std::size_t count, T* __restrict blende
         blended[i] = static_cast<T>((a[i] >> 1) + (b[i] >> 1));
 }
 
-/// blendElements() of two runs, which may be one, with weights of each element's own.
+/// blendElements() of two runs, which may be one, with weights for each element.
 template <typename T>
 void blendRuns(const T* a, const T* b, const float* weightA, const float* weightB, std::size_t count, T* __restrict blended) {
     for (std::size_t i = 0; i < count; ++i)
         blended[i] = blendElements(a[i], b[i], weightA[i], weightB[i]);
 }
 
-/// blendElements() of two runs, which may be one, at a fraction of the way from a to b.
+/// blendElements() of two runs, which may be one, with the same weights for all elements: 1 - fraction and fraction.
 template <typename T>
 void blendRuns(const T* a, const T* b, float fraction, std::size_t count, T* __restrict blended) {
     if constexpr (isNarrow<T>) {
@@ -62,7 +66,7 @@ void blendRuns(const T* a, const T* b, float fraction, std::size_t count, T* __r
         blended[i] = blendElements(a[i], b[i], weightA, fraction);
 }
 
-/// blendElements() of the left and right pixels of each column.
+/// blendElements() of the left and right sample of each column.
 template <typename T>
 void blendPixels(const T* row, const StripColumns& columns, std::uint32_t columnCount, T* __restrict blended) {
     for (std::uint32_t i = 0; i < columnCount; ++i) {
@@ -75,8 +79,7 @@ void blendPixels(const T* row, const StripColumns& columns, std::uint32_t column
     }
 }
 
-/// A strip of destination columns. The blend across x depends on the source row alone, so the last rows of each parity are
-/// kept: neighbouring destination rows share them in enlargements.
+/// A strip of destination columns, with a cache of source rows that are blended in x.
 template <typename T>
 class LinearStrip {
 public:
@@ -85,52 +88,51 @@ public:
           firstColumn(stripFirstColumn),
           columnCount(stripColumnCount),
           elementCount(std::size_t{stripColumnCount} * channelsPerPixel) {
-        placeColumns(resampling.axes.x, firstColumn, columnCount, columns);
-        for (std::uint64_t& row : heldRow)
-            row = std::numeric_limits<std::uint64_t>::max();
+        computeColumns(resampling.x, firstColumn, columnCount, columns);
+        std::ranges::fill(cachedKeys, noRow);
     }
 
     void resample() {
-        for (std::uint32_t z = 0; z < resampling.destinationSize.depth; ++z) {
-            for (std::uint32_t y = 0; y < resampling.destinationSize.height; ++y) {
-                resampleRow(y, z, resampling.destinationPixel(firstColumn, y, z));
+        for (std::uint32_t z = 0; z < resampling.destination.size.depth; ++z) {
+            for (std::uint32_t y = 0; y < resampling.destination.size.height; ++y) {
+                resampleRow(y, z, resampling.destination.pixel(firstColumn, y, z));
             }
         }
     }
 
 private:
     void resampleRow(std::uint32_t y, std::uint32_t z, T* destination) {
-        const AxisPosition row = filteredPosition(resampling.axes.y, y);
-        if (resampling.sourceSize.depth == 1) {
+        const AxisPosition row = filteredPosition(resampling.y, y);
+        if (resampling.source.size.depth == 1) {
             sampleSlice(row, 0, destination);
             return;
         }
-        const ResampleAxis& axis = resampling.axes.z;
+        const ResampleAxis& axis = resampling.z;
         const AxisPosition slice = filteredPosition(axis, z);
-        sampleSlice(row, indexWithin(axis, slice.index), nearSlice);
-        sampleSlice(row, upperNeighbour(axis, slice.index), farSlice);
+        sampleSlice(row, clampedIndex(axis, slice.index), nearSlice);
+        sampleSlice(row, nextIndex(axis, slice.index), farSlice);
         blendRuns(nearSlice, farSlice, slice.fraction, elementCount, destination);
     }
 
     void sampleSlice(const AxisPosition& position, std::uint32_t slice, T* sampled) {
-        const ResampleAxis& axis = resampling.axes.y;
-        const T* const upper = sampleRow(indexWithin(axis, position.index), slice);
-        const T* const lower = sampleRow(upperNeighbour(axis, position.index), slice);
+        const ResampleAxis& axis = resampling.y;
+        const T* const upper = sampleRow(clampedIndex(axis, position.index), slice);
+        const T* const lower = sampleRow(nextIndex(axis, position.index), slice);
         blendRuns(upper, lower, position.fraction, elementCount, sampled);
     }
 
-    /// A source row blended across x. Two neighbouring rows of two neighbouring slices lie in different places.
+    /// A source row blended in x. Two neighbouring rows of two neighbouring slices have slots of their own.
     const T* sampleRow(std::uint32_t row, std::uint32_t slice) {
-        const std::size_t place = (slice & 1) * 2 + (row & 1);
-        const std::uint64_t number = std::uint64_t{slice} << 32 | row;
-        if (heldRow[place] != number) {
-            blendColumns(resampling.sourceRow(row, slice), held[place]);
-            heldRow[place] = number;
+        const std::size_t slot = (slice & 1) * 2 + (row & 1);
+        const std::uint64_t key = std::uint64_t{slice} << 32 | row;
+        if (cachedKeys[slot] != key) {
+            blendColumns(resampling.source.row(row, slice), cachedRows[slot]);
+            cachedKeys[slot] = key;
         }
-        return held[place];
+        return cachedRows[slot];
     }
 
-    /// Narrow elements are collected first, so that one loop over all of them vectorises; wide ones fill a vector per pixel.
+    /// Narrow elements are gathered first, so that one loop over all of them vectorises; a pixel of wide ones fills a vector.
     void blendColumns(const T* row, T* blended) {
         if constexpr (isNarrow<T>) {
             gatherPixels(row, columns.left, columnCount, left);
@@ -149,8 +151,8 @@ private:
     StripColumns columns;
     T left[stripElements];
     T right[stripElements];
-    std::uint64_t heldRow[4];  ///< slice and row of what is held in each place
-    T held[4][stripElements];
+    std::uint64_t cachedKeys[4];  ///< slice (high 32 bits) and row of each cached row
+    T cachedRows[4][stripElements];
     T nearSlice[stripElements];
     T farSlice[stripElements];
 };
@@ -159,7 +161,7 @@ private:
 
 template <typename T>
 void resampleLinear(const Resampling<T>& resampling) {
-    forEachStrip(resampling.destinationSize.width, stripWidth, [&resampling](std::uint32_t first, std::uint32_t count) {
+    forEachStrip(resampling.destination.size.width, stripWidth, [&resampling](std::uint32_t first, std::uint32_t count) {
         LinearStrip<T>(resampling, first, count).resample();
     });
 }

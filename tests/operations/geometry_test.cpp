@@ -11,29 +11,30 @@ namespace {
 struct Position {
     std::uint32_t x, y, z;
 };
-/// Where a pixel goes, from its place and its distances from the far ends.
-using Place = Position (*)(Position p, Position mirrored);
+/// Where a pixel moves, given its position and that position counted from the far ends.
+using Motion = Position (*)(Position p, Position mirrored);
 
-/// Compares every pixel with that at its new place, in all pieces that are left.
+/// Compares every pixel with that at its new position, in all subresources that are left.
 template <typename T>
-void expectMoved(const CMOKTexture& before, const CMOKTexture& after, Place place) {
+void expectMoved(const CMOKTexture& before, const CMOKTexture& after, Motion motion) {
     for (std::uint32_t i = 0; i < after.getNumMIPLevels() * 4; ++i) {
-        const std::uint32_t level = i / 4, member = i / 2 % 2, face = i % 2;
+        const std::uint32_t level = i / 4, layer = i / 2 % 2, face = i % 2;
         const std::uint32_t width = before.getWidth(level), height = before.getHeight(level), depth = before.getDepth(level);
-        const std::vector<T> from = piece<T>(before, static_cast<int>(level), member, face);
-        const std::vector<T> to = piece<T>(after, static_cast<int>(level), member, face);
+        const std::vector<T> from = elementsAt<T>(before, static_cast<int>(level), layer, face);
+        const std::vector<T> to = elementsAt<T>(after, static_cast<int>(level), layer, face);
         for (std::uint32_t n = 0; n < from.size() / 4; ++n) {
             const Position p = {n % width, n / width % height, n / width / height};
-            const Position target = place(p, {width - 1 - p.x, height - 1 - p.y, depth - 1 - p.z});
+            const Position target = motion(p, {width - 1 - p.x, height - 1 - p.y, depth - 1 - p.z});
             const std::size_t at = (std::size_t{target.z} * after.getHeight(level) + target.y) * after.getWidth(level) + target.x;
             ASSERT_EQ(std::memcmp(&from[n * 4], &to[at * 4], 4 * sizeof(T)), 0) << "level " << level << " pixel " << n;
         }
     }
 }
 
-TEST(FlipAndRotate90, MoveThePixelsOfEveryPiece) {
+TEST(FlipAndRotate90, MoveThePixelsOfEverySubresource) {
     // clang-format off
-    const std::pair<bool (*)(CMOKTexture& t), Place> motions[] = {
+    const std::pair<bool (*)(CMOKTexture& t), Motion> operations[] = {
+        // operation                                                      new position
         {[](CMOKTexture& t) { return Flip(t, eAxisX); }, [](Position p, Position m) { return Position{m.x, p.y, p.z}; }},
         {[](CMOKTexture& t) { return Flip(t, eAxisY); }, [](Position p, Position m) { return Position{p.x, m.y, p.z}; }},
         {[](CMOKTexture& t) { return Flip(t, eAxisZ); }, [](Position p, Position m) { return Position{p.x, p.y, m.z}; }},
@@ -43,17 +44,20 @@ TEST(FlipAndRotate90, MoveThePixelsOfEveryPiece) {
     // clang-format on
     forEachElementType([&]<typename T>(T) {
         const CMOKTexture before = randomTexture<T>({37, 18, 5, 4, 2, 2});
-        for (const auto& [move, place] : motions) {
+        for (const auto& [operate, motion] : operations) {
             CMOKTexture texture = before;
-            ASSERT_TRUE(move(texture) && texture.getNumMIPLevels() == 4);
-            expectMoved<T>(before, texture, place);
+            ASSERT_TRUE(operate(texture));
+            ASSERT_EQ(texture.getNumMIPLevels(), 4u);
+            expectMoved<T>(before, texture, motion);
         }
     });
 }
 
 TEST(Rotate90, AboutOtherAxesChangesTheHeaderAndZeroesThePixels) {
-    const std::tuple<EMOKTAxis, bool, std::vector<std::uint32_t>> rows[] = {
-        {eAxisX, true, {5, 2, 3}}, {eAxisY, true, {5, 5, 2}}, {static_cast<EMOKTAxis>(3), false, {5, 3, 2}}};
+    const std::tuple<EMOKTAxis, bool, std::vector<std::uint32_t>> rows[] = {// axis, result, new dimensions of 5 by 3 by 2
+                                                                            {eAxisX, true, {5, 2, 3}},
+                                                                            {eAxisY, true, {5, 5, 2}},
+                                                                            {static_cast<EMOKTAxis>(3), false, {5, 3, 2}}};
     forEachElementType([&rows]<typename T>(T) {
         for (const auto& [axis, result, size] : rows) {
             CMOKTexture texture = randomTexture<T>({5, 3, 2, 3, 2, 2});
@@ -65,9 +69,9 @@ TEST(Rotate90, AboutOtherAxesChangesTheHeaderAndZeroesThePixels) {
 }
 
 TEST(Border, MirrorsRowsAndColumnsButNotSlices) {
-    // Axis, border, and what becomes of pixels 1 2 3 along that axis.
     // clang-format off
     const std::tuple<EMOKTAxis, unsigned int, std::vector<double>> rows[] = {
+        // axis, border, result for the pixels 1 2 3 along that axis
         {eAxisX, 1, {1, 1, 2, 3, 3}}, {eAxisX, 2, {2, 1, 1, 2, 3, 3, 2}}, {eAxisX, 4, {0, 3, 2, 1, 1, 2, 3, 3, 2, 1, 1}},
         {eAxisY, 2, {2, 1, 1, 2, 3, 3, 2}}, {eAxisY, 4, {0, 3, 2, 1, 1, 2, 3, 3, 2, 1, 1}}, {eAxisZ, 1, {0, 1, 2, 3, 0}},
         {eAxisZ, 2, {0, 2, 1, 0, 3, 0, 0}}, {eAxisZ, 3, {0, 3, 2, 0, 0, 3, 0, 0, 0}}, {eAxisZ, 4, {0, 0, 3, 0, 0, 0, 3, 0, 0, 0, 0}}};
@@ -77,25 +81,26 @@ TEST(Border, MirrorsRowsAndColumnsButNotSlices) {
             const auto along = [axis = axis](std::uint32_t size, std::uint32_t other) {
                 return Shape{axis == eAxisX ? size : other, axis == eAxisY ? size : other, axis == eAxisZ ? size : other};
             };
-            CMOKTexture texture = textureOf<T>(along(3, 1), alikePixels<T>({1, 2, 3}));
+            CMOKTexture texture = textureOf<T>(along(3, 1), uniformPixels<T>({1, 2, 3}));
             const Shape margin = along(border, 0);
             ASSERT_TRUE(Border(texture, margin.width, margin.height, margin.depth));
-            EXPECT_EQ(elementsOf<T>(texture), alikePixels<T>(expected)) << axis << ' ' << border;
+            EXPECT_EQ(elementsOf<T>(texture), uniformPixels<T>(expected)) << axis << ' ' << border;
         }
-        CMOKTexture volume = textureOf<T>({2, 2, 2}, alikePixels<T>({1, 2, 3, 4, 5, 6, 7, 8}));
+        CMOKTexture volume = textureOf<T>({2, 2, 2}, uniformPixels<T>({1, 2, 3, 4, 5, 6, 7, 8}));
         ASSERT_TRUE(Border(volume, 1, 1, 1));
         std::vector<double> expected = {1, 1, 2, 2, 1, 1, 2, 2, 3, 3, 4, 4, 3, 3, 4, 4,
                                         5, 5, 6, 6, 5, 5, 6, 6, 7, 7, 8, 8, 7, 7, 8, 8};
         expected.insert(expected.begin(), 16, 0);
         expected.insert(expected.end(), 16, 0);
-        EXPECT_EQ(elementsOf<T>(volume), alikePixels<T>(expected));
+        EXPECT_EQ(elementsOf<T>(volume), uniformPixels<T>(expected));
     });
 }
 
-TEST(Border, TakesTheTopLevelsAndReplacesAnEarlierBorder) {
+TEST(Border, KeepsTheTopLevelsAndReplacesAnEarlierBorder) {
     const CMOKTexture before = randomTexture<std::uint16_t>({6, 4, 1, 3, 2, 2});
     CMOKTexture texture = before;
-    ASSERT_TRUE(Border(texture, 9, 9, 0) && Border(texture, 1, 2, 0));
+    ASSERT_TRUE(Border(texture, 9, 9, 0));
+    ASSERT_TRUE(Border(texture, 1, 2, 0));
     unsigned int x, y, z;
     texture.getBorder(x, y, z);
     EXPECT_EQ((std::vector{x, y, z, texture.getNumMIPLevels(), texture.getWidth()}), (std::vector{1u, 2u, 0u, 1u, 26u}));

@@ -15,16 +15,16 @@
 namespace operationtextures {
 
 struct Shape {
-    std::uint32_t width = 1, height = 1, depth = 1, levels = 1, members = 1, faces = 1;
+    std::uint32_t width = 1, height = 1, depth = 1, levels = 1, layers = 1, faces = 1;
 };
 
-/// A texture whose first elements are those given, the rest zeroed.
+/// A texture that starts with the given elements; the others are 0.
 template <typename T>
 moktexture::CMOKTexture textureOf(const Shape& shape, const std::vector<T>& elements) {
     constexpr std::uint8_t bits = 8 * sizeof(T);
     constexpr EMOKTVariableType types[] = {eVarNone, eVarUByteNorm, eVarUShortNorm, eVarNone, eVarUIntNorm};
     const moktexture::CMOKTextureHeader header(moktexture::PixelType('r', 'g', 'b', 'a', bits, bits, bits, bits).id, shape.height,
-                                               shape.width, shape.depth, shape.levels, shape.members, shape.faces,
+                                               shape.width, shape.depth, shape.levels, shape.layers, shape.faces,
                                                eColourSpaceLinear, std::is_same_v<T, float> ? eVarFloat : types[sizeof(T)],
                                                false);
     moktexture::CMOKTexture texture(header, nullptr);
@@ -32,8 +32,8 @@ moktexture::CMOKTexture textureOf(const Shape& shape, const std::vector<T>& elem
     return texture;
 }
 
-/// Elements over the whole range of integers with much white, and from -0.25 to 1.25 for floats; `withSpecials` puts infinities
-/// and NaNs of several payloads among the latter.
+/// Integers over the whole range with one white in eight; floats from -0.25 to 1.25, `withSpecials` with infinities and NaNs of
+/// several payloads among them.
 template <typename T>
 std::vector<T> randomElements(std::size_t count, testimages::Random& random, bool withSpecials = false) {
     constexpr std::uint32_t specials[] = {0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC00000, 0x7FC12345, 0xFFFFFFFF};
@@ -49,9 +49,9 @@ std::vector<T> randomElements(std::size_t count, testimages::Random& random, boo
     return elements;
 }
 
-/// Pixels whose four elements are alike, one for each number.
+/// Pixels with four equal elements, one pixel for each number.
 template <typename T>
-std::vector<T> alikePixels(const std::vector<double>& numbers) {
+std::vector<T> uniformPixels(const std::vector<double>& numbers) {
     std::vector<T> elements;
     for (const double number : numbers)
         elements.insert(elements.end(), 4, static_cast<T>(number));
@@ -72,16 +72,16 @@ moktexture::CMOKTexture randomTexture(const Shape& shape, std::uint64_t seed = 1
     return textureOf(shape, randomElements<T>(textureOf<T>(shape, {}).getDataSize() / sizeof(T), random));
 }
 
-/// Elements of one piece; of the whole buffer for the level -1.
+/// Elements of one subresource, or of the whole buffer for level -1.
 template <typename T>
-std::vector<T> piece(const moktexture::CMOKTexture& texture, int level = 0, unsigned int member = 0, unsigned int face = 0) {
+std::vector<T> elementsAt(const moktexture::CMOKTexture& texture, int level = 0, unsigned int layer = 0, unsigned int face = 0) {
     const T* const first =
-        static_cast<const T*>(texture.getDataPtr(level < 0 ? 0u : static_cast<unsigned int>(level), member, face));
+        static_cast<const T*>(texture.getDataPtr(level < 0 ? 0u : static_cast<unsigned int>(level), layer, face));
     return {first, first + texture.getDataSize(level, level < 0, level < 0) / sizeof(T)};
 }
 
 template <typename T>
-constexpr auto elementsOf = [](const moktexture::CMOKTexture& texture) { return piece<T>(texture, -1); };
+constexpr auto elementsOf = [](const moktexture::CMOKTexture& texture) { return elementsAt<T>(texture, -1); };
 
 inline bool isAllZero(const moktexture::CMOKTexture& texture) {
     return std::ranges::count(elementsOf<std::uint8_t>(texture), 0) == texture.getDataSize();

@@ -2,6 +2,7 @@
 
 #include "operation_textures.h"
 #include "operations/resample/resample_level.h"
+#include "reference/resample_reference.h"
 
 using namespace moktexture;
 using namespace operationtextures;
@@ -10,35 +11,37 @@ namespace {
 
 using Size = std::array<unsigned int, 3>;
 
-/// The resampled pixels, after a comparison with the bits of the plain form.
+/// The resampled pixels, which are also compared with those of the reference.
 template <typename T>
 std::vector<T> resampled(const std::vector<T>& source, Size from, Size to, EResizeMode mode) {
-    std::vector<T> fast(std::size_t{4} * to[0] * to[1] * to[2], T{77}), plain = fast;
-    EXPECT_TRUE(resampleLevel(source.data(), fast.data(), from[0], from[1], from[2], to[0], to[1], to[2], mode));
-    EXPECT_TRUE(resampleLevelPlain(source.data(), plain.data(), from[0], from[1], from[2], to[0], to[1], to[2], mode));
-    EXPECT_EQ(std::memcmp(fast.data(), plain.data(), fast.size() * sizeof(T)), 0)
+    std::vector<T> result(std::size_t{4} * to[0] * to[1] * to[2], T{77}), expected = result;
+    EXPECT_TRUE(resampleLevel(source.data(), result.data(), from[0], from[1], from[2], to[0], to[1], to[2], mode));
+    referenceResampleLevel(LevelView<const T>{source.data(), {from[0], from[1], from[2]}},
+                           LevelView<T>{expected.data(), {to[0], to[1], to[2]}}, mode);
+    EXPECT_EQ(std::memcmp(result.data(), expected.data(), result.size() * sizeof(T)), 0)
         << testing::PrintToString(from) << " to " << testing::PrintToString(to) << " by filter " << mode;
-    return fast;
+    return result;
 }
 
-/// Resamples a line of pixels, whose four channels are alike, that lies along an axis.
+/// Resamples a line of pixels with four equal channels that lies along an axis.
 template <typename T>
 std::vector<T> resampledLine(const std::vector<double>& line, std::size_t newLength, EResizeMode mode, std::size_t axis = 0) {
     Size from = {1, 1, 1}, to = {1, 1, 1};
     from[axis] = static_cast<unsigned int>(line.size());
     to[axis] = static_cast<unsigned int>(newLength);
-    const std::vector<T> result = resampled<T>(alikePixels<T>(line), from, to, mode);
+    const std::vector<T> result = resampled<T>(uniformPixels<T>(line), from, to, mode);
     std::vector<T> resultLine;
     for (std::size_t i = 0; i < result.size(); i += 4)
         resultLine.push_back(result[i]);
-    EXPECT_EQ(result, alikePixels<T>({resultLine.begin(), resultLine.end()}));
+    EXPECT_EQ(result, uniformPixels<T>({resultLine.begin(), resultLine.end()}));
     return resultLine;
 }
 
-TEST(ResampleLevel, GivesTheHandWorkedValuesAlongEveryAxis) {
-    // The line and the floats are over 256 in float textures.
+TEST(ResampleLevel, FollowsThePositionRuleAlongEveryAxis) {
+    // Values of float textures are in units of 1/256.
     // clang-format off
     const struct { EResizeMode mode; std::vector<double> line, integers, floats; } rows[] = {
+        // filter, source line, result in integers, result in floats
         {eResizeNearest, {7, 9}, {7, 7, 9, 9}, {7, 7, 9, 9}},
         {eResizeNearest, {1, 2, 3, 4, 5}, {1, 2, 4}, {1, 2, 4}},     // at 0, 1.67, 3.33
         {eResizeLinear, {10, 21, 31, 255}, {15, 142}, {15.5, 143}},  // 5 + 10, 15 + 127: each term truncated
@@ -65,7 +68,7 @@ TEST(ResampleLevel, GivesTheHandWorkedValuesAlongEveryAxis) {
         });
 }
 
-TEST(ResampleLevel, TreatsWhiteByElementType) {
+TEST(ResampleLevel, ClampsOrWrapsWhiteByElementType) {
     forEachElementType([]<typename T>(T) {
         const T white = std::is_same_v<T, float> ? T{1} : static_cast<T>(0xFFFFFFFF);
         const auto w = static_cast<double>(white);
@@ -77,21 +80,24 @@ TEST(ResampleLevel, TreatsWhiteByElementType) {
         EXPECT_EQ(resampledLine<T>({w, w}, 4, eResizeCubic)[0], top);
         // Undershoot and overshoot are clamped, and what is between is truncated.
         const std::vector<T> step = resampledLine<T>({0, 0, w, w}, 8, eResizeCubic);
-        EXPECT_TRUE(step[1] == 0 && step[3] == static_cast<T>(static_cast<float>(white) / 2.0f) && step[5] == top) << +white;
+        EXPECT_EQ(step[1], T{0});
+        EXPECT_EQ(step[3], static_cast<T>(static_cast<float>(white) / 2.0f));
+        EXPECT_EQ(step[5], top);
     });
     EXPECT_EQ(resampledLine<float>({4, -3}, 2, eResizeLinear), (std::vector<float>{4, -3}));
     EXPECT_EQ(resampledLine<float>({4, -3}, 2, eResizeCubic), (std::vector<float>{1, 0}));
 }
 
-TEST(ResampleLevel, RefusesNullAndTakesAnEmptySourceAsDone) {
+TEST(ResampleLevel, RefusesNullAndDoesNothingWithAnEmptySource) {
     const std::vector<float> source(16, 1.0f), untouched(16, 7.0f);
     std::vector<float> destination = untouched;
-    EXPECT_TRUE(resampleLevel(source.data(), destination.data(), 0, 2, 1, 1, 2, 1, eResizeLinear) && destination == untouched);
-    EXPECT_FALSE(resampleLevel<float>(nullptr, destination.data(), 2, 2, 1, 1, 2, 1, eResizeLinear) ||
-                 resampleLevel<float>(source.data(), nullptr, 2, 2, 1, 1, 2, 1, eResizeLinear));
+    EXPECT_TRUE(resampleLevel(source.data(), destination.data(), 0, 2, 1, 1, 2, 1, eResizeLinear));
+    EXPECT_EQ(destination, untouched);
+    EXPECT_FALSE(resampleLevel<float>(nullptr, destination.data(), 2, 2, 1, 1, 2, 1, eResizeLinear));
+    EXPECT_FALSE(resampleLevel<float>(source.data(), nullptr, 2, 2, 1, 1, 2, 1, eResizeLinear));
 }
 
-TEST(ResampleLevel, GivesTheBitsOfThePlainForm) {
+TEST(ResampleLevel, MatchesTheReference) {
     testimages::Random random(3);
     // Several strips of columns, and lengths whose last position rounds up to the end of the axis.
     std::vector<std::pair<Size, Size>> sizes = {

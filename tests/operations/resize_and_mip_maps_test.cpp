@@ -2,7 +2,7 @@
 
 #include "image_operations.h"
 #include "operation_textures.h"
-#include "operations/resample/resample_level.h"
+#include "reference/resample_reference.h"
 
 using namespace moktexture;
 using namespace operationtextures;
@@ -11,22 +11,25 @@ namespace {
 
 constexpr EResizeMode unknownMode = static_cast<EResizeMode>(3);
 
-TEST(Resize, ResamplesTheTopLevelOfEveryMemberAndFaceAndDropsTheOthers) {
+TEST(Resize, ResamplesTheTopLevelOfEverySurfaceAndDropsTheOthers) {
     forEachElementType([]<typename T>(T) {
         CMOKTexture texture = randomTexture<T>({9, 7, 2, 3, 2, 6});
         texture.setBumpMap(2.0f, CMOKTString("xyz"));
-        const std::vector<T> before = piece<T>(texture, 0, 1, 5);
+        const std::vector<T> before = elementsAt<T>(texture, 0, 1, 5);
         ASSERT_TRUE(Resize(texture, 5, 8, 3, eResizeLinear));
-        EXPECT_TRUE(texture.getNumMIPLevels() == 1 && texture.getBumpMapScale() == 2.0f);
+        EXPECT_EQ(texture.getNumMIPLevels(), 1u);
+        EXPECT_EQ(texture.getBumpMapScale(), 2.0f);
         std::vector<T> expected(std::size_t{4} * 5 * 8 * 3);
-        resampleLevelPlain(before.data(), expected.data(), 9, 7, 2, 5, 8, 3, eResizeLinear);
-        EXPECT_EQ(piece<T>(texture, 0, 1, 5), expected);
+        referenceResampleLevel(LevelView<const T>{before.data(), {9, 7, 2}}, LevelView<T>{expected.data(), {5, 8, 3}},
+                               eResizeLinear);
+        EXPECT_EQ(elementsAt<T>(texture, 0, 1, 5), expected);
     });
 }
 
-TEST(Resize, ScalesTheBorderAndMakesOneWhereThereIsNone) {
+TEST(Resize, ScalesTheBorderAndStoresOneWhereThereIsNone) {
     CMOKTexture texture = randomTexture<std::uint8_t>({4, 2, 3, 1, 1, 1});
-    EXPECT_TRUE(Resize(texture, 4, 2, 4, eResizeNearest) && texture.hasMetaData(0x034B4F4D, 4));
+    EXPECT_TRUE(Resize(texture, 4, 2, 4, eResizeNearest));
+    EXPECT_TRUE(texture.hasMetaData(0x034B4F4D, 4));
     texture.setBorder(2, 1, 3);
     ASSERT_TRUE(Resize(texture, 8, 3, 3, eResizeNearest));
     unsigned int x, y, z;
@@ -41,22 +44,22 @@ TEST(GenerateMIPMaps, MakesEachLevelFromTheOneAboveIt) {
     forEachElementType([&]<typename T>(T) {
         for (const auto& [filter, levels] : rows)
             for (const Shape& shape : {Shape{8, 1, 1, 2, 2, 1}, Shape{1, 8}, Shape{1, 1, 8}}) {
-                CMOKTexture texture = textureOf<T>(shape, alikePixels<T>(top));
+                CMOKTexture texture = textureOf<T>(shape, uniformPixels<T>(top));
                 ASSERT_TRUE(GenerateMIPMaps(texture, filter));
                 for (int n = 0; n < 4; ++n)
-                    EXPECT_EQ(piece<T>(texture, n), alikePixels<T>(levels[static_cast<std::size_t>(n)])) << "level " << n;
+                    EXPECT_EQ(elementsAt<T>(texture, n), uniformPixels<T>(levels[static_cast<std::size_t>(n)])) << "level " << n;
             }
     });
 }
 
 TEST(GenerateMIPMaps, CountsLevels) {
-    // Shape, levels asked for, result, levels then.
     // clang-format off
     const std::tuple<Shape, unsigned int, bool, std::uint32_t> rows[] = {
+        // shape, levels asked for, result, levels then
         {Shape{256, 64, 1}, allMIPLevels, true, 9}, {Shape{1, 1, 1}, allMIPLevels, true, 1}, {Shape{255, 3, 1}, allMIPLevels, true, 8},
         {Shape{2, 1, 9}, allMIPLevels, true, 4}, {Shape{8, 8, 1}, 1, true, 1}, {Shape{8, 8, 1}, 6, true, 6},
         {Shape{8, 8, 1}, 255, true, 255}, {Shape{8, 8, 1}, 256, false, 1}, {Shape{8, 8, 1}, 0, false, 1},
-        {Shape{8, 8, 1}, 0xFFFFFFFE, false, 1}};  // not the full chain
+        {Shape{8, 8, 1}, 0xFFFFFFFE, false, 1}};  // a number, not the full chain
     // clang-format on
     for (const auto& [shape, asked, result, levels] : rows) {
         CMOKTexture texture = textureOf<std::uint8_t>(shape, {});
@@ -68,12 +71,15 @@ TEST(GenerateMIPMaps, CountsLevels) {
 TEST(GenerateMIPMaps, LeavesAChainOfTheWantedLengthAlone) {
     CMOKTexture texture = randomTexture<std::uint16_t>({4, 4, 1, 3, 1, 1});
     const std::vector<std::uint16_t> stale = elementsOf<std::uint16_t>(texture);
-    EXPECT_TRUE(GenerateMIPMaps(texture, eResizeCubic) && GenerateMIPMaps(texture, unknownMode, 3));
-    EXPECT_TRUE(Resize(texture, 4, 4, 1, eResizeCubic) && elementsOf<std::uint16_t>(texture) == stale);
-    EXPECT_TRUE(Resize(texture, 2, 3, 1, unknownMode) && isAllZero(texture));
+    EXPECT_TRUE(GenerateMIPMaps(texture, eResizeCubic));
+    EXPECT_TRUE(GenerateMIPMaps(texture, unknownMode, 3));
+    EXPECT_TRUE(Resize(texture, 4, 4, 1, eResizeCubic));
+    EXPECT_EQ(elementsOf<std::uint16_t>(texture), stale);
+    EXPECT_TRUE(Resize(texture, 2, 3, 1, unknownMode));
+    EXPECT_TRUE(isAllZero(texture));
 }
 
-TEST(ColourMIPMaps, TakesTheMeanInTheElementsOwnArithmetic) {
+TEST(ColourMIPMaps, TintsByTheMeanInTheElementsOwnArithmetic) {
     const auto expectTints = []<typename T>(T red, T green, T blue, T g) {
         CMOKTexture texture = textureOf<T>({128, 1, 1, 8}, repeatedPixel<T>({red, green, blue, 7}, 255));
         ASSERT_TRUE(ColourMIPMaps(texture));
@@ -81,7 +87,7 @@ TEST(ColourMIPMaps, TakesTheMeanInTheElementsOwnArithmetic) {
         const std::vector<T> expected[8] = {{red, green, blue, 7}, {o, g, o, 7}, {o, o, g, 7}, {o, g, g, 7},
                                             {g, o, g, 7},          {g, g, o, 7}, {g, o, o, 7}, {o, g, o, 7}};
         for (int level = 0; level < 8; ++level)
-            EXPECT_EQ(piece<T>(texture, level), repeatedPixel(expected[level], 128u >> level)) << level;
+            EXPECT_EQ(elementsAt<T>(texture, level), repeatedPixel(expected[level], 128u >> level)) << level;
     };
     expectTints.operator()<std::uint8_t>(255, 255, 254, 254);
     expectTints.operator()<std::uint16_t>(65535, 65535, 65535, 65535);

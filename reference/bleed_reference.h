@@ -1,0 +1,11 @@
+#pragma once
+
+#include "operations/frame/level_view.h"
+
+namespace moktexture {
+
+/// bleedLevel() with each box summed by itself, in floats, by slices, then rows, then pixels, with alpha tested at every pixel.
+template <typename T>
+void referenceBleedLevel(const LevelView<T>& level);
+
+}  // namespace moktexture

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "operations/frame/level_view.h"
+#include "texture_enums.h"
+
+namespace moktexture {
+
+/// resampleLevel() with each destination pixel computed by itself. Data pointers are not null and no size is 0.
+template <typename T>
+void referenceResampleLevel(const LevelView<const T>& source, const LevelView<T>& destination, EResizeMode mode);
+
+}  // namespace moktexture
