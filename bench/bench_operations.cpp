@@ -29,7 +29,7 @@ void copy(benchmark::State& state, const BenchPicture& picture) {
     countPixels(state, target.size() / 4);
 }
 
-/// An operation that writes each pixel in its place.
+/// An operation that works in place.
 void operateInPlace(benchmark::State& state, const BenchPicture& picture, bool (*operation)(CMOKTexture&)) {
     CMOKTexture texture = textureOf(picture);
     for (auto _ : state) {
@@ -39,7 +39,7 @@ void operateInPlace(benchmark::State& state, const BenchPicture& picture, bool (
     countPixels(state, pixelsOf(texture));
 }
 
-/// An operation in place on the picture with every other square of 32 by 32 pixels made transparent.
+/// An operation in place on a picture in which every other square of 32 by 32 pixels is transparent.
 void operateOnCutOut(benchmark::State& state, const BenchPicture& picture, bool (*operation)(CMOKTexture&)) {
     BenchPicture cutOut = picture;
     for (std::size_t i = 0; i < cutOut.rgba.size() / 4; ++i) {
@@ -49,8 +49,8 @@ void operateOnCutOut(benchmark::State& state, const BenchPicture& picture, bool 
     operateInPlace(state, cutOut, operation);
 }
 
-/// An operation that makes a new texture, whose pixels count; the copy of the source is not measured.
-void operateAnew(benchmark::State& state, const BenchPicture& picture, const std::function<bool(CMOKTexture&)>& operation) {
+/// An operation that builds a new texture, whose pixels are counted; the copy of the source is not timed.
+void rebuild(benchmark::State& state, const BenchPicture& picture, const std::function<bool(CMOKTexture&)>& operation) {
     const CMOKTexture source = textureOf(picture);
     std::uint64_t pixels = 0;
     for (auto _ : state) {
@@ -124,7 +124,7 @@ void registerOperationBenchmarks(const std::vector<BenchPicture>& pictures) {
         {"CopyChannels/grey", makeGrey}, {"PreMultiplyAlpha", preMultiply},
         {"Flip/x", flip<eAxisX>},        {"Flip/y", flip<eAxisY>}};
     const std::pair<const char*, bool (*)(CMOKTexture&)> onCutOut[] = {{"Bleed/half", Bleed}};
-    const std::pair<const char*, std::function<bool(CMOKTexture&)>> anew[] = {
+    const std::pair<const char*, std::function<bool(CMOKTexture&)>> rebuilding[] = {
         {"Resize/nearest/half", resizeBy(1, eResizeNearest)},
         {"Resize/linear/half", resizeBy(1, eResizeLinear)},
         {"Resize/linear/1.5", resizeBy(3, eResizeLinear)},
@@ -147,9 +147,9 @@ void registerOperationBenchmarks(const std::vector<BenchPicture>& pictures) {
                 operateOnCutOut(state, picture, run);
             });
         }
-        for (const auto& [name, operation] : anew) {
-            benchmark::RegisterBenchmark(
-                nameOf(name).c_str(), [&picture, run = operation](benchmark::State& state) { operateAnew(state, picture, run); });
+        for (const auto& [name, operation] : rebuilding) {
+            benchmark::RegisterBenchmark(nameOf(name).c_str(),
+                                         [&picture, run = operation](benchmark::State& state) { rebuild(state, picture, run); });
         }
     }
 }

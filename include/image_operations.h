@@ -21,10 +21,10 @@
 /// then give false, except where they document a case that gives true; PreMultiplyAlpha() still sets the flag. The operations
 /// that build a new texture replace it none the less:
 ///
-/// | Operation                                          | no layers or no faces            | no levels, or no buffer          |
-/// | -------------------------------------------------- | -------------------------------- | -------------------------------- |
-/// | Resize(), Rotate90(), Border(), GenerateNormalMap() | false; new header, zeroed pixels | false; new header, zeroed pixels |
-/// | GenerateMIPMaps()                                  | true; new number of levels       | false; unchanged                 |
+/// | Operation                                           | no layers or no faces      | no levels, or no buffer          |
+/// | --------------------------------------------------- | -------------------------- | -------------------------------- |
+/// | Resize(), Rotate90(), Border(), GenerateNormalMap() | false; new header          | false; new header, pixels all 0  |
+/// | GenerateMIPMaps()                                   | true; new number of levels | false; unchanged                 |
 ///
 /// Resize(), GenerateMIPMaps(), Rotate90(), Border() and GenerateNormalMap() replace the buffer: earlier results of getDataPtr()
 /// dangle. The others write to the buffer in place.
@@ -65,7 +65,8 @@ MOKTEX_API bool CopyChannels(CMOKTexture& destination, const CMOKTexture& source
 /// The linear filter truncates every product of integer elements, so that even a flat picture darkens, by up to a unit for each
 /// axis. White of 32-bit integer elements becomes 0 in the linear and cubic filters. The cubic filter clamps floats to the range
 /// 0 to 1.
-/// @return false if the texture is refused, a new size is 0, or the result does not fit in 32 bits.
+/// @return false if the texture is refused, a new size is 0, or the result does not fit in 32 bits; also for a texture without
+///         pixels, which is replaced by one of the new size.
 MOKTEX_API bool Resize(CMOKTexture& texture, const unsigned int& newWidth, const unsigned int& newHeight,
                        const unsigned int& newDepth, EResizeMode mode);
 
@@ -78,7 +79,8 @@ inline constexpr unsigned int allMIPLevels = 0xFFFFFFFFu;
 ///        if the levels are stale. Levels beyond the full chain are 1 by 1 by 1. From level 32 on, the sizes in the header repeat
 ///        from that of level 0: of such levels only the first pixel is written, the others are 0.
 /// @return false if the texture is refused, if it has layers and faces but no level 0 to start from, if `levels` is 0 or above
-///         255, or if the result does not fit in 32 bits; the texture is then unchanged.
+///         255, or if the result does not fit in 32 bits; the texture is then unchanged. True for a texture without layers or
+///         faces, whose header gets the new number of levels.
 MOKTEX_API bool GenerateMIPMaps(CMOKTexture& texture, EResizeMode filter, unsigned int levels = allMIPLevels);
 
 /// Tints each level but level 0 with a colour of its own, so that a viewer shows which level is sampled: green, blue, cyan,
@@ -106,11 +108,13 @@ MOKTEX_API bool Bleed(CMOKTexture& texture);
 /// @return false if the texture is refused.
 MOKTEX_API bool Flip(CMOKTexture& texture, EMOKTAxis axis);
 
-/// Turns every slice of every level by a quarter about Z: width and height are exchanged.
+/// Rotates every slice of every level by 90 degrees about Z: width and height are exchanged.
 /// @param axis  eAxisZ. Every other axis gives pixels of 0: eAxisX exchanges depth and height, eAxisY sets the height to the
 ///        width, and an unknown axis, which gives false, keeps the size.
 /// @param forward  true moves the top left pixel to the top right, clockwise; false to the bottom left
-/// @return false if the texture is refused, the result does not fit in 32 bits, or the axis is unknown.
+/// @return false if the texture is refused, the result does not fit in 32 bits, or the axis is unknown; also for a texture
+/// without
+///         pixels, which is replaced by one of the new dimensions.
 MOKTEX_API bool Rotate90(CMOKTexture& texture, EMOKTAxis axis, bool forward);
 
 /// Extends level 0 on both sides of each axis, drops all other levels, and stores the sizes with setBorder(), in place of an
@@ -119,7 +123,8 @@ MOKTEX_API bool Rotate90(CMOKTexture& texture, EMOKTAxis axis, bool forward);
 /// @param borderX,borderY  pixels on each side. All borders 0 do nothing and give true.
 /// @param borderZ  slices on each side, whose content is not a border: the first slice and those behind the image are 0, those
 ///        between mirror the image about its first slice, and `borderZ` - 1 slices before the image's last one become 0.
-/// @return false if the texture is refused or the result does not fit in 32 bits.
+/// @return false if the texture is refused or the result does not fit in 32 bits; also for a texture without pixels, which is
+///         replaced by one of the new size, with the border stored.
 MOKTEX_API bool Border(CMOKTexture& texture, unsigned int borderX, unsigned int borderY, unsigned int borderZ);
 
 /// Converts heights, in the red channel, to a map of surface normals, PixelTypeRGBA32 with eVarFloat whatever the source format;
@@ -130,7 +135,8 @@ MOKTEX_API bool Border(CMOKTexture& texture, unsigned int borderX, unsigned int 
 ///        values invert the relief. 0 gives false and a texture of the new format with all pixels 0.
 /// @param channelOrder  content of the channels red to alpha: x, y and z of the normal, 0.5 for a component of 0, and h for the
 ///        height; other letters, and channels without one, give 1.0. Of equal letters the last one applies.
-/// @return false if the texture is refused, the result does not fit in 32 bits, or `scale` is 0.
+/// @return false if the texture is refused, the result does not fit in 32 bits, or `scale` is 0; also for a texture without
+///         pixels, which is replaced by one of the new format, with scale and order stored.
 ///
 /// @code
 /// moktexture::GenerateNormalMap(texture, 2.0f, "xyzh");
