@@ -4,7 +4,8 @@
 
 #include "bench_pictures.h"
 #include "dxtn/dxtn.h"
-#include "dxtn/dxtn_encoder.h"
+#include "dxtn/dxtn_kernels.h"
+#include "reference/dxtn_reference_axis.h"
 
 namespace {
 
@@ -33,9 +34,22 @@ void copy(benchmark::State& state, const BenchPicture& picture) {
 
 void encode(benchmark::State& state, const BenchPicture& picture, DXTMode mode, const dxtn::EncoderKernel& kernel) {
     std::vector<std::uint8_t> blocks = encoded(picture, mode);
+    const ConstImageView image = packedImage(picture.rgba.data(), picture.width, picture.height);
     for (auto _ : state) {
-        kernel.encode(picture.rgba.data(), blocks.data(), picture.width, picture.height, mode);
+        kernel.encode(image, blocks.data(), mode);
         benchmark::ClobberMemory();
+    }
+    countPixels(state, pixelsOf(picture));
+}
+
+/// The axis search of every block by itself, in scalar code.
+void searchAxes(benchmark::State& state, const BenchPicture& picture) {
+    const ConstImageView image = packedImage(picture.rgba.data(), picture.width, picture.height);
+    for (auto _ : state) {
+        for (std::size_t y = 0; y < image.height; y += blockEdge) {
+            for (std::size_t x = 0; x < image.width; x += blockEdge)
+                benchmark::DoNotOptimize(dxtn::encodeAlongAxisReference(loadBlock(image, x, y), 0));
+        }
     }
     countPixels(state, pixelsOf(picture));
 }
@@ -57,11 +71,13 @@ void registerDXTnBenchmarks(const std::vector<BenchPicture>& pictures) {
     for (const BenchPicture& picture : pictures) {
         benchmark::RegisterBenchmark(("dxtn/memcpy/" + picture.name).c_str(),
                                      [&picture](benchmark::State& state) { copy(state, picture); });
+        benchmark::RegisterBenchmark(("dxtn/axis/reference/" + picture.name).c_str(),
+                                     [&picture](benchmark::State& state) { searchAxes(state, picture); });
         for (const DXTMode mode : measuredModes) {
             const std::string format = "dxtn/DXT" + std::to_string(mode);
-            for (const InstructionSet level : {InstructionSet::baseline, InstructionSet::sse41, InstructionSet::avx2}) {
-                if (level > detected) continue;
-                const dxtn::EncoderKernel& kernel = dxtn::encoderFor(level);
+            for (const InstructionSet set : {InstructionSet::baseline, InstructionSet::sse41, InstructionSet::avx2}) {
+                if (set > detected) continue;
+                const dxtn::EncoderKernel& kernel = dxtn::encoderFor(set);
                 benchmark::RegisterBenchmark(
                     (format + "/encode/" + kernel.name + "/" + picture.name).c_str(),
                     [&picture, mode, &kernel](benchmark::State& state) { encode(state, picture, mode, kernel); });

@@ -1,55 +1,32 @@
-#include "dxtn/dxtn_encoder.h"
-
 #include "dxtn/dxtn.h"
-#include "dxtn/dxtn_alpha_encoder.h"
 #include "dxtn/dxtn_block.h"
-#include "dxtn/dxtn_colour_encoder.h"
+#include "dxtn/dxtn_kernels.h"
+
+// The encoder's method, the same in all kernels. Blocks are independent and come in one pass:
+//
+//   for each block:
+//       modes 2, 3:  alpha block = the top 4 bits of each pixel's alpha
+//       modes 4, 5:  a0, a1 = greatest and smallest alpha; each pixel takes the nearest of the eight steps between them
+//       transparent = mode 1: the pixels of alpha 0
+//       by the number of different colours in 5-6-5 form:
+//           1, 2:    they are the endpoints
+//           more:    endpoints along the principal axis of the colours (dxtn_axis_lanes.h)
+//
+// The order of the endpoints selects four colours or, in a block with transparent pixels, three and transparent black: in that
+// case c0 is the smaller one. There is no refit of endpoints after the indices are known.
+//
+// The axis takes most of the time. It is computed for several blocks side by side: blocks of more than two colours wait in a
+// batch until it is full. The kernels differ in the width of that batch and in how they do the rest.
 
 namespace moktexture {
 namespace dxtn {
-namespace {
 
-BlockPixels readBlock(const std::uint8_t* pixels, std::size_t rowBytes) {
-    BlockPixels block;
-    for (std::size_t row = 0; row < blockEdge; ++row)
-        std::memcpy(&block[row * blockEdge], pixels + row * rowBytes, blockEdge * bytesPerPixel);
-    return block;
-}
-
-/// Writes one block and returns the place of the next.
-std::uint8_t* encodeBlock(const BlockPixels& block, std::uint8_t* out, DXTMode mode) {
-    // Kept: the premultiplied modes 2 and 4 are written like 3 and 5; callers multiply beforehand, and would get it twice.
-    if (alphaHalfOf(mode) != AlphaHalf::none) {
-        const bool isExplicit = alphaHalfOf(mode) == AlphaHalf::explicitBits;
-        writeHalf(out, isExplicit ? EncodeExplicitAlpha(block) : EncodeInterpolatedAlpha(block));
-        out += bytesPerHalf;
-    }
-    writeHalf(out, packColourHalf(encodeColours(block, mode)));
-    return out + bytesPerHalf;
-}
-
-void encodeImage(const std::uint8_t* pixels, std::uint8_t* out, std::size_t width, std::size_t height, DXTMode mode) {
-    const std::size_t rowBytes = width * bytesPerPixel;
-    for (std::size_t y = 0; y < height; y += blockEdge) {
-        for (std::size_t x = 0; x < width; x += blockEdge)
-            out = encodeBlock(readBlock(pixels + y * rowBytes + x * bytesPerPixel, rowBytes), out, mode);
-    }
-}
-
-}  // namespace
-
-const EncoderKernel plainEncoder = {"plain", encodeImage};
-
-const EncoderKernel& encoderFor(InstructionSet level) {
-    switch (level) {
-        case InstructionSet::avx2:
-            return avx2Encoder;
-        case InstructionSet::sse41:
-            return sse41Encoder;
-        case InstructionSet::baseline:
-            break;
-    }
-    return plainEncoder;
+const EncoderKernel& encoderFor([[maybe_unused]] InstructionSet instructionSet) {
+#if MOKTEX_X86_KERNELS
+    if (instructionSet == InstructionSet::avx2) return avx2Encoder;
+    if (instructionSet == InstructionSet::sse41) return sse41Encoder;
+#endif
+    return baselineEncoder;
 }
 
 }  // namespace dxtn
@@ -61,8 +38,8 @@ std::uint32_t CompressDXTn(const void* pixels, void* out, const std::uint32_t* w
     const std::uint32_t size = *width * *height >> (*mode == 1 ? 1 : 0);
     if (pixels == nullptr || out == nullptr) return size;
     if (!isWholeBlocks(*width, *height, *mode)) return 0;
-    encoderFor(detectInstructionSet())
-        .encode(static_cast<const std::uint8_t*>(pixels), static_cast<std::uint8_t*>(out), *width, *height, *mode);
+    const EncoderKernel& kernel = encoderFor(detectInstructionSet());
+    kernel.encode(packedImage(pixels, *width, *height), static_cast<std::uint8_t*>(out), *mode);
     return size;
 }
 

@@ -1,22 +1,25 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "core/base/image_view.h"
+#include "core/base/instruction_set.h"
+#include "dxtn/dxtn.h"
 
 namespace moktexture::dxtn {
 
-/// Encodes a whole image: `width * height` RGBA8 pixels, multiples of 4 and not 0, in a mode from 1 to 5.
-using EncodeImage = void (*)(const std::uint8_t* pixels, std::uint8_t* out, std::size_t width, std::size_t height,
-                             std::uint32_t mode);
-
-/// The encoder's forms for one processor level. All give the same bytes.
+/// The encoder for one instruction set. All give the same bytes.
 struct EncoderKernel {
     const char* name;
-    EncodeImage encode;
+    /// Encodes an image, whose sides are multiples of 4, in a mode from 1 to 5.
+    void (*encode)(const ConstImageView& image, std::uint8_t* out, DXTMode mode);
 };
 
-extern const EncoderKernel plainEncoder;
+extern const EncoderKernel baselineEncoder;
+#if MOKTEX_X86_KERNELS
 extern const EncoderKernel sse41Encoder;
 extern const EncoderKernel avx2Encoder;
+#endif
+
+/// The encoder for a processor with this instruction set.
+const EncoderKernel& encoderFor(InstructionSet instructionSet);
 
 }  // namespace moktexture::dxtn

@@ -1,10 +1,13 @@
-#include "dxtn/dxtn_encoder_lanes.h"
 #include "dxtn/dxtn_kernels.h"
+
+#if MOKTEX_X86_KERNELS
+
+#include "dxtn/dxtn_sse41_blocks.h"
 
 namespace {
 
 /// Eight blocks side by side.
-struct AVX2Lanes {
+struct EightLanes {
     typedef float Floats __attribute__((vector_size(32)));
     typedef std::int32_t Integers __attribute__((vector_size(32)));
     static constexpr int count = 8;
@@ -16,6 +19,8 @@ struct AVX2Lanes {
 
 namespace moktexture::dxtn {
 
-const EncoderKernel avx2Encoder = {"AVX2", encodeImage<AVX2Lanes>};
+const EncoderKernel avx2Encoder = {"AVX2", encodeImage<EightLanes>};
 
 }  // namespace moktexture::dxtn
+
+#endif

@@ -1,25 +1,34 @@
 #pragma once
 
-#include "etc1/etc1_half.h"
+#include "etc1/etc1_subblock.h"
 
 namespace moktexture::etc1 {
 
-/// A half with its modifiers chosen.
+/// A subblock's modifiers around a base colour.
 struct TableFit {
     int error;
     std::uint32_t table;
-    std::array<std::uint32_t, halfArea> indices;  ///< of the half's pixels
+    std::array<std::uint32_t, subblockArea> indices;  ///< of the subblock's pixels
     bool operator==(const TableFit&) const = default;
 };
 
-/// Finds the first modifier table, and for each pixel the first modifier in ascending order, of least error around a base colour.
-/// Kept: perceptual errors are compared as floats here, but handed on truncated, so that near colours tie and the first one
-/// stays.
-using BestTable = TableFit (*)(const Half& half, const Colour& base);
+/// Finds the modifier table of least error around a base colour, and for each pixel the modifier of least error in that table.
+/// Of equal tables the first one wins, of equal modifiers the lowest.
+/// Kept (etc1-truncated-error): perceptual errors are compared as floats here but returned truncated to integers, so that base
+/// colours within 1 of each other tie and the first one tried wins; without that, blocks encoded at qualities 1, 3 and 5 would
+/// differ from those in stored .mok files.
+TableFit BestTable(const Subblock& subblock, const Colour& base);
 
-TableFit BestTablePlain(const Half& half, const Colour& base);
+/// A complete block and the sum of its subblocks' errors.
+struct CodedBlock {
+    int error;
+    BlockWords words;
+};
 
-/// The same with all tables side by side.
-TableFit BestTableLanes(const Half& half, const Colour& base);
+/// Packs base colours and modifiers into a block.
+CodedBlock packBlock(Split split, ColourMode mode, const std::array<Codes, 2>& codes, const std::array<TableFit, 2>& fits);
+
+/// Chooses the modifiers of both subblocks around their base colours and packs the block.
+CodedBlock codeBlock(const Subblocks& subblocks, Split split, ColourMode mode, const std::array<Codes, 2>& codes);
 
 }  // namespace moktexture::etc1

@@ -2,36 +2,71 @@
 
 #include <algorithm>
 
+// The base colour of least error among up to 3375, without computing most of their errors.
+//
+// The tables. The error of a pixel is the sum of its channels' errors, so that with E[channel][code] tabulated for each pixel,
+// modifier and table, a colour's error takes additions and minima only, eight tables side by side:
+//
+//   error(r, g, b) = min over tables of the sum over pixels of min over modifiers of (E[red][r] + E[green][g] + E[blue][b])
+//
+// The bounds. The least of a sum is not below the sum of the leasts. With, for each channel and code,
+//
+//   bound[channel][code] = sum over pixels of min over modifiers of E[channel][code]          (one value a table)
+//
+// a colour's error is, with each table, at least the sum of its channels' bounds. With red and green fixed, the least of their
+// sum, plus the bound of blue, is a tighter bound for a whole row of blues.
+//
+// The search of `lowestError`:
+//
+//   best = a good colour found by steps downhill from `start`;  limit = min(limit, its error)
+//   for each red, for each green:
+//       if bound[red] + bound[green] + lowest bound of blue > limit in all tables:       skip all blues
+//       redGreen = E[red] + E[green];  floor = its sum of leasts
+//       if floor + lowest bound of blue > limit in all tables:                           skip all blues
+//       for each blue:
+//           if floor + bound[blue] > limit in all tables:                                skip
+//           compute the error; if it comes before the best in (error, red, green, blue): best = it, limit = its error
+//
+// It ends as the box is finite and visited once; a step downhill lowers an integer error that is not negative. Nothing better is
+// missed: a colour is skipped only if its error is above the limit, and the limit is never below the least error that is still
+// wanted. Colours of equal error are never skipped, so that the first of them wins as in a walk over all. In the worst case all
+// colours are computed; with a good start colour few are.
+//
+// Bounds are sums in another order than errors, so that floats round them otherwise: `roundingMargin` covers that. With uniform
+// weights all values are exact.
+
 namespace moktexture::etc1 {
 namespace {
 
-/// Sums of floats in different orders differ by less than this part of them.
+/// Above the relative difference of two sums of the same values in different orders: some fifty additions, each within 2^-24. A
+/// larger margin would cost time and change no result.
 constexpr float roundingMargin = 1.0f / 65536.0f;
 
-/// Bounds above this are bounds of errors above `limit`.
+/// If a bound is above this, the error is above `limit` even once truncated to an integer.
 float cutoffFor(int limit) {
     return static_cast<float>(limit + 1) * (1.0f + roundingMargin);
 }
 
-bool reaches(const TableLanes& bounds, float cutoff) {
-    return lowest(bounds) <= cutoff;
+/// Whether any table's bound is low enough.
+bool mayReach(const TableLanes& bounds, float cutoff) {
+    return minOfTables(bounds) <= cutoff;
 }
 
-/// The sum over the pixels of the least among the modifiers, pixel by pixel.
+/// The sum over the pixels of the least among the modifiers, each pixel by itself.
 TableLanes sumOfLeast(const ChannelErrors& errors) {
-    TableLanes sum = filled(0);
+    TableLanes sum = broadcast(0);
     for (const std::array<TableLanes, modifierCount>& pixel : errors)
-        sum = sum + lower(lower(pixel[0], pixel[1]), lower(pixel[2], pixel[3]));
+        sum = sum + min(min(pixel[0], pixel[1]), min(pixel[2], pixel[3]));
     return sum;
 }
 
-ChannelErrors channelErrors(const Half& half, std::size_t channel, int base) {
-    const ModifiedLanes modified = modifiedLanes(base, half.wrapsBelowZero);
-    const TableLanes weight = filled(half.measure == Measure::perceptual ? perceptualWeights[channel] : 1.0f);
+ChannelErrors channelErrors(const Subblock& subblock, std::size_t channel, int base) {
+    const ModifiedLanes modified = modifiedLanes(base, subblock.wrapsBelowZero);
+    const TableLanes weight = broadcast(channelWeights(subblock.metric)[channel]);
     ChannelErrors errors;
-    for (std::size_t n = 0; n < halfArea; ++n) {
+    for (std::size_t n = 0; n < subblockArea; ++n) {
         for (std::size_t step = 0; step < modifierCount; ++step) {
-            const TableLanes difference = filled(half.pixels[n][channel]) - modified[step];
+            const TableLanes difference = broadcast(subblock.pixels[n][channel]) - modified[step];
             errors[n][step] = weight * (difference * difference);
         }
     }
@@ -42,27 +77,27 @@ const ChannelErrors& errorsOf(const CodeErrors& errors, std::size_t channel, int
     return errors.channels[channel].errors[static_cast<std::size_t>(code - errors.box.first[channel])];
 }
 
-const TableLanes& floorOf(const CodeErrors& errors, std::size_t channel, int code) {
-    return errors.channels[channel].floors[static_cast<std::size_t>(code - errors.box.first[channel])];
+const TableLanes& lowerBoundOf(const CodeErrors& errors, std::size_t channel, int code) {
+    return errors.channels[channel].lowerBounds[static_cast<std::size_t>(code - errors.box.first[channel])];
 }
 
 void add(const ChannelErrors& a, const ChannelErrors& b, ChannelErrors& sum) {
-    for (std::size_t n = 0; n < halfArea; ++n) {
+    for (std::size_t n = 0; n < subblockArea; ++n) {
         for (std::size_t step = 0; step < modifierCount; ++step)
             sum[n][step] = a[n][step] + b[n][step];
     }
 }
 
-/// The half's error with the best table, from the errors of red and green together and of blue.
+/// The subblock's error with the best table, from the errors of red and green together and of blue.
 float errorWithBlue(const ChannelErrors& redGreen, const ChannelErrors& blue) {
-    TableLanes sum = filled(0);
-    for (std::size_t n = 0; n < halfArea; ++n) {
+    TableLanes sum = broadcast(0);
+    for (std::size_t n = 0; n < subblockArea; ++n) {
         TableLanes least = redGreen[n][0] + blue[n][0];
         for (std::size_t step = 1; step < modifierCount; ++step)
-            least = lower(least, redGreen[n][step] + blue[n][step]);
+            least = min(least, redGreen[n][step] + blue[n][step]);
         sum = sum + least;
     }
-    return lowest(sum);
+    return minOfTables(sum);
 }
 
 int errorOf(const CodeErrors& errors, const Codes& codes) {
@@ -71,28 +106,29 @@ int errorOf(const CodeErrors& errors, const Codes& codes) {
     return static_cast<int>(errorWithBlue(redGreen, errorsOf(errors, 2, codes[2])));
 }
 
-/// Calls `visit` with every colour of the box whose error may be at most `limit`, and its error. The visitor may lower the limit.
+/// Calls `visit` with the colours of the box, red outermost, and their errors, without those whose error is certainly above
+/// `limit`. The visitor may lower the limit.
 template <class Visit>
 void visitColours(const CodeErrors& errors, const CodeBox& box, const int& limit, Visit visit) {
     for (int r = box.first[0]; r <= box.last[0]; ++r) {
         for (int g = box.first[1]; g <= box.last[1]; ++g) {
-            const TableLanes& lowestBlue = errors.channels[2].lowestFloor;
-            if (!reaches(floorOf(errors, 0, r) + floorOf(errors, 1, g) + lowestBlue, cutoffFor(limit))) continue;
+            const TableLanes& lowestBlue = errors.channels[2].lowestBound;
+            if (!mayReach(lowerBoundOf(errors, 0, r) + lowerBoundOf(errors, 1, g) + lowestBlue, cutoffFor(limit))) continue;
             ChannelErrors redGreen;
             add(errorsOf(errors, 0, r), errorsOf(errors, 1, g), redGreen);
-            const TableLanes floor = sumOfLeast(redGreen);
-            if (!reaches(floor + lowestBlue, cutoffFor(limit))) continue;
+            const TableLanes redGreenBound = sumOfLeast(redGreen);
+            if (!mayReach(redGreenBound + lowestBlue, cutoffFor(limit))) continue;
             for (int b = box.first[2]; b <= box.last[2]; ++b) {
-                if (!reaches(floor + floorOf(errors, 2, b), cutoffFor(limit))) continue;
+                if (!mayReach(redGreenBound + lowerBoundOf(errors, 2, b), cutoffFor(limit))) continue;
                 visit(Codes{r, g, b}, static_cast<int>(errorWithBlue(redGreen, errorsOf(errors, 2, b))));
             }
         }
     }
 }
 
-/// A number that orders colours by their errors, and equal errors as the box is walked.
-std::int64_t rank(int error, const Codes& codes) {
-    return std::int64_t{error} << 15 | codes[0] << 10 | codes[1] << 5 | codes[2];
+/// Whether a comes before b in the order of errors, and of equal errors in the order in which a box is walked.
+bool isBefore(const ColourError& a, const ColourError& b) {
+    return a.error != b.error ? a.error < b.error : a.codes < b.codes;
 }
 
 bool contains(const CodeBox& box, const Codes& codes) {
@@ -102,9 +138,9 @@ bool contains(const CodeBox& box, const Codes& codes) {
     return true;
 }
 
-/// A good colour of the box, found by steps downhill from the codes nearest to `start`.
+/// A good colour of the box, found by steps downhill from the codes nearest to `start`. Steps go along each channel, and along
+/// grey because the modifiers can make up for a grey error.
 ColourError descend(const CodeErrors& errors, const CodeBox& box, const Codes& start) {
-    // Steps along the channels and along grey, for which the modifiers may make up.
     static constexpr Codes steps[] = {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0},
                                       {0, 0, 1}, {0, 0, -1}, {1, 1, 1}, {-1, -1, -1}};
     ColourError best{};
@@ -128,34 +164,34 @@ ColourError descend(const CodeErrors& errors, const CodeBox& box, const Codes& s
 
 }  // namespace
 
-CodeErrors::CodeErrors(const Half& half, const CodeBox& codeBox, Form form) : box(codeBox) {
+CodeErrors::CodeErrors(const Subblock& subblock, const CodeBox& codeBox, ColourMode mode) : box(codeBox) {
     for (std::size_t channel = 0; channel < channelCount; ++channel) {
         Channel& tables = channels[channel];
         const auto codes = static_cast<std::size_t>(box.last[channel] - box.first[channel] + 1);
-        for (std::size_t place = 0; place < codes; ++place) {
-            const int code = box.first[channel] + static_cast<int>(place);
-            const int base = form == Form::individual ? expandFourBits(code) : expandFiveBits(code);
-            tables.errors[place] = channelErrors(half, channel, base);
-            tables.floors[place] = sumOfLeast(tables.errors[place]);
-            tables.lowestFloor = place == 0 ? tables.floors[0] : lower(tables.lowestFloor, tables.floors[place]);
+        for (std::size_t offset = 0; offset < codes; ++offset) {
+            const int code = box.first[channel] + static_cast<int>(offset);
+            const int base = mode == ColourMode::individual ? expandFourBits(code) : expandFiveBits(code);
+            tables.errors[offset] = channelErrors(subblock, channel, base);
+            tables.lowerBounds[offset] = sumOfLeast(tables.errors[offset]);
+            tables.lowestBound = offset == 0 ? tables.lowerBounds[0] : min(tables.lowestBound, tables.lowerBounds[offset]);
         }
     }
 }
 
-int errorFloor(const CodeErrors& errors) {
-    const TableLanes sum = errors.channels[0].lowestFloor + errors.channels[1].lowestFloor + errors.channels[2].lowestFloor;
-    return static_cast<int>(lowest(sum) * (1.0f - roundingMargin));
+int errorLowerBound(const CodeErrors& errors) {
+    const TableLanes sum = errors.channels[0].lowestBound + errors.channels[1].lowestBound + errors.channels[2].lowestBound;
+    return static_cast<int>(minOfTables(sum) * (1.0f - roundingMargin));
 }
 
 std::optional<ColourError> lowestError(const CodeErrors& errors, const CodeBox& box, const Codes& start, int limit) {
     for (std::size_t channel = 0; channel < channelCount; ++channel) {
         if (box.first[channel] > box.last[channel]) return std::nullopt;
     }
-    if (limit < errorFloor(errors)) return std::nullopt;
+    if (limit < errorLowerBound(errors)) return std::nullopt;
     ColourError best = descend(errors, box, start);
     int bound = std::min(limit, best.error);
     visitColours(errors, box, bound, [&](const Codes& codes, int error) {
-        if (rank(error, codes) >= rank(best.error, best.codes)) return;
+        if (!isBefore({codes, error}, best)) return;
         best = {codes, error};
         bound = std::min(bound, error);
     });
@@ -169,10 +205,10 @@ void collectErrors(const CodeErrors& errors, int limit, BoxErrors& collected) {
             row.fill(noError);
     }
     visitColours(errors, errors.box, limit, [&](const Codes& codes, int error) {
-        std::array<std::size_t, channelCount> place;
+        std::array<std::size_t, channelCount> offset;
         for (std::size_t channel = 0; channel < channelCount; ++channel)
-            place[channel] = static_cast<std::size_t>(codes[channel] - errors.box.first[channel]);
-        if (error <= limit) collected[place[0]][place[1]][place[2]] = error;
+            offset[channel] = static_cast<std::size_t>(codes[channel] - errors.box.first[channel]);
+        if (error <= limit) collected[offset[0]][offset[1]][offset[2]] = error;
     });
 }
 

@@ -5,48 +5,69 @@
 #include "etc1/etc1_search.h"
 #include "etc1/etc1_table_lanes.h"
 
+/// @file
+/// The errors of a subblock around all base colours of a box, and the searches in them.
+
 namespace moktexture::etc1 {
 
-/// Squared errors of one channel of a half: for each pixel and modifier, in ascending order, with every table.
-using ChannelErrors = std::array<std::array<TableLanes, modifierCount>, halfArea>;
+/// Squared errors of one channel of a subblock: for each pixel and modifier, in ascending order, with every table.
+using ChannelErrors = std::array<std::array<TableLanes, modifierCount>, subblockArea>;
 
-/// The errors of a half with all base colours of a box, kept by channel. The error of a pixel is the sum of its channels', a
-/// half's error the sum over its pixels of the least among the modifiers.
+/// The errors around the base colours of a box, tabulated by channel and code. About 47 KB.
 struct CodeErrors {
-    static constexpr std::size_t mostCodes = greatestIndividualCode + 1;
+    static constexpr std::size_t maxCodes = greatestIndividualCode + 1;
 
     struct Channel {
-        std::array<ChannelErrors, mostCodes> errors;  ///< by code, from the first of the box
-        std::array<TableLanes, mostCodes> floors;     ///< by code: what this channel alone adds to a half's error at least
-        TableLanes lowestFloor;                       ///< of all codes
+        std::array<ChannelErrors, maxCodes> errors;    ///< by code, from the first of the box
+        std::array<TableLanes, maxCodes> lowerBounds;  ///< by code: the least that this channel adds to a subblock's error
+        TableLanes lowestBound;                        ///< of all codes
     };
 
-    CodeErrors(const Half& half, const CodeBox& box, Form form);
+    /// The box is at most `maxCodes` wide.
+    CodeErrors(const Subblock& subblock, const CodeBox& codeBox, ColourMode mode);
 
-    CodeBox box;  ///< at most `mostCodes` wide
+    CodeBox box;
     std::array<Channel, channelCount> channels;
 };
 
-/// A base colour and the half's error with its best table.
+/// A base colour and the subblock's error with its best table, as BestTable computes it.
 struct ColourError {
     Codes codes;
     int error;
 };
 
-/// A bound: no colour of the box has a lower error.
-int errorFloor(const CodeErrors& errors);
+/// No colour of the box has a lower error than this.
+int errorLowerBound(const CodeErrors& errors);
 
-/// The first colour of least error in a box inside the tabulated one, if that error is at most `limit`. The search is quick if
-/// colours near `start`, any codes, are good.
+/// The first colour of least error, red outermost, in a box inside the tabulated one, if that error is at most `limit`. The
+/// search is fast if colours near `start`, any codes, are good.
 std::optional<ColourError> lowestError(const CodeErrors& errors, const CodeBox& box, const Codes& start, int limit);
 
-/// Errors of the colours of a box of at most `widestBox` codes a channel, by their places in it.
-inline constexpr int widestBox = 2 * wideRadius + 1;
-inline constexpr int noError = blockErrorBound;
-using BoxErrors = std::array<std::array<std::array<int, widestBox>, widestBox>, widestBox>;
+/// Errors of the colours of a box of at most `maxBoxEdge` codes a channel, by their offsets from its first code.
+inline constexpr int maxBoxEdge = 2 * wideRadius + 1;
+using BoxErrors = std::array<std::array<std::array<int, maxBoxEdge>, maxBoxEdge>, maxBoxEdge>;
 
-/// The errors, red outermost, of all colours whose error is at most `limit`, and `noError` for the others. The tabulated box is
-/// at most `widestBox` wide.
+/// Stands for an error above the limit.
+inline constexpr int noError = blockErrorBound;
+
+/// The errors of all colours whose error is at most `limit`, and `noError` for the others. The tabulated box is at most
+/// `maxBoxEdge` wide.
 void collectErrors(const CodeErrors& errors, int limit, BoxErrors& collected);
+
+/// Two base colours that a differential block can store and the sum of their errors.
+struct PairError {
+    std::array<Codes, 2> codes;
+    int error;
+};
+
+/// Errors of the first or second base colours of a differential block.
+struct PairSide {
+    const BoxErrors& errors;
+    const CodeBox& box;
+};
+
+/// The first legal pair of least error: colours of the first box before colours of the second one, red outermost. Colours without
+/// an error are left out; the result's error is at least `noError` if no pair remains.
+PairError lowestLegalPair(const PairSide& first, const PairSide& second);
 
 }  // namespace moktexture::etc1

@@ -10,8 +10,18 @@ namespace {
 
 constexpr std::uint32_t opaque = 0xFF000000u;
 
-/// The four colours that a half's indices choose from.
-std::array<std::uint32_t, modifierCount> halfPalette(const Colour& base, std::uint32_t table) {
+template <class Byte>
+bool containsBlock(const BasicImageView<Byte>& image, std::size_t x, std::size_t y) {
+    return image.width - x >= blockEdge && image.height - y >= blockEdge;
+}
+
+template <class Byte>
+std::size_t pixelCount(const BasicImageView<Byte>& image) {
+    return std::size_t{image.width} * image.height;
+}
+
+/// The four colours that a subblock's indices select.
+std::array<std::uint32_t, modifierCount> subblockPalette(const Colour& base, std::uint32_t table) {
     std::array<std::uint32_t, modifierCount> palette;
     for (std::size_t index = 0; index < modifierCount; ++index) {
         std::uint32_t rgba = opaque;
@@ -23,37 +33,37 @@ std::array<std::uint32_t, modifierCount> halfPalette(const Colour& base, std::ui
 }
 
 template <Split split>
-BlockPixels decodeHalves(const BlockWords& words) {
+PixelBlock decodeSubblocks(const BlockWords& words) {
     const std::array<Codes, 2> codes = codesOf(words);
-    BlockPixels block;
-    for (std::size_t half = 0; half < 2; ++half) {
+    PixelBlock block;
+    for (std::size_t subblock = 0; subblock < 2; ++subblock) {
         const std::array<std::uint32_t, modifierCount> palette =
-            halfPalette(expand(codes[half], formOf(words)), tableOf(words, half));
-        for (std::size_t n = 0; n < halfArea; ++n) {
-            const std::size_t pixel = pixelNumber(split, half, n);
-            block[rasterPlace(pixel)] = palette[indexOf(words, pixel)];
+            subblockPalette(expand(codes[subblock], colourModeOf(words)), tableOf(words, subblock));
+        for (std::size_t n = 0; n < subblockArea; ++n) {
+            const std::size_t pixel = pixelNumber(split, subblock, n);
+            block[rasterIndex(pixel)] = palette[indexOf(words, pixel)];
         }
     }
     return block;
 }
 
-void storePixel(std::uint32_t pixel, std::uint8_t* pixels, const Level& level, std::size_t x, std::size_t y) {
-    const std::size_t index = level.indexOf(x, y);
-    if (index < level.pixelCount()) std::memcpy(pixels + index * bytesPerPixel, &pixel, bytesPerPixel);
+void writePixel(std::uint32_t pixel, const ImageView& image, std::size_t x, std::size_t y) {
+    const std::size_t index = y * image.width + x;
+    if (index < pixelCount(image)) std::memcpy(image.pixels + index * bytesPerRGBA8Pixel, &pixel, bytesPerRGBA8Pixel);
 }
 
-/// Stores the two halves in step, row by row.
-/// Kept: in levels below 4 pixels wide the later of two pixels that fall together stays, be it the spilled one; small MIP levels
-/// look as they always have.
-void storeOverhanging(const BlockPixels& block, Split split, std::uint8_t* pixels, const Level& level, std::size_t x,
-                      std::size_t y) {
+/// Writes a block that overhangs the image: row by row, each pixel of the first subblock followed by its counterpart in the
+/// second.
+/// Kept (etc1-last-write-wins): in images below 4 pixels wide two pixels of a block may have the same number; the one that this
+/// order writes last stays, even if it is the spilled one. The small MIP levels of .mok and KTX files would change.
+void writeOverhanging(const PixelBlock& block, Split split, const ImageView& image, std::size_t x, std::size_t y) {
     const bool isFlipped = split == Split::topBottom;
     const std::size_t columns = isFlipped ? 4 : 2, rows = isFlipped ? 2 : 4;
     const std::size_t secondColumn = isFlipped ? 0 : 2, secondRow = isFlipped ? 2 : 0;
     for (std::size_t row = 0; row < rows; ++row) {
         for (std::size_t column = 0; column < columns; ++column) {
-            storePixel(block[row * blockEdge + column], pixels, level, x + column, y + row);
-            storePixel(block[(row + secondRow) * blockEdge + column + secondColumn], pixels, level, x + column + secondColumn,
+            writePixel(block[row * blockEdge + column], image, x + column, y + row);
+            writePixel(block[(row + secondRow) * blockEdge + column + secondColumn], image, x + column + secondColumn,
                        y + row + secondRow);
         }
     }
@@ -61,14 +71,25 @@ void storeOverhanging(const BlockPixels& block, Split split, std::uint8_t* pixel
 
 }  // namespace
 
-BlockPixels decodeBlock(const BlockWords& words) {
-    return splitOf(words) == Split::leftRight ? decodeHalves<Split::leftRight>(words) : decodeHalves<Split::topBottom>(words);
+PixelBlock readBlock(const ConstImageView& image, std::size_t x, std::size_t y) {
+    if (containsBlock(image, x, y)) return loadBlock(image, x, y);
+    PixelBlock block;
+    for (std::size_t n = 0; n < blockArea; ++n) {
+        std::size_t index = (y + n / blockEdge) * image.width + x + n % blockEdge;
+        if (index >= pixelCount(image)) index = std::size_t{image.height - 1} * image.width + index % image.width;
+        std::memcpy(&block[n], image.pixels + index * bytesPerRGBA8Pixel, bytesPerRGBA8Pixel);
+    }
+    return block;
 }
 
-void storeBlock(const BlockPixels& block, Split split, std::uint8_t* pixels, const Level& level, std::size_t x, std::size_t y) {
-    if (!level.holdsBlock(x, y)) return storeOverhanging(block, split, pixels, level, x, y);
-    for (std::size_t row = 0; row < blockEdge; ++row)
-        std::memcpy(pixels + level.indexOf(x, y + row) * bytesPerPixel, &block[row * blockEdge], blockEdge * bytesPerPixel);
+PixelBlock decodeBlock(const BlockWords& words) {
+    return splitOf(words) == Split::leftRight ? decodeSubblocks<Split::leftRight>(words)
+                                              : decodeSubblocks<Split::topBottom>(words);
+}
+
+void writeBlock(const PixelBlock& block, Split split, const ImageView& image, std::size_t x, std::size_t y) {
+    if (containsBlock(image, x, y)) return storeBlock(block, image, x, y);
+    writeOverhanging(block, split, image, x, y);
 }
 
 }  // namespace etc1
@@ -76,14 +97,14 @@ void storeBlock(const BlockPixels& block, Split split, std::uint8_t* pixels, con
 std::uint32_t DecompressETC1(const void* blocks, void* pixels, const std::uint32_t* width, const std::uint32_t* height) {
     using namespace etc1;
     if (width == nullptr || height == nullptr) return 0;
-    const std::uint32_t size = *width * *height * static_cast<std::uint32_t>(bytesPerPixel);
+    const std::uint32_t size = *width * *height * static_cast<std::uint32_t>(bytesPerRGBA8Pixel);
     if (blocks == nullptr || pixels == nullptr) return size;
+    const ImageView image = packedImage(pixels, *width, *height);
     const auto* source = static_cast<const std::uint8_t*>(blocks);
-    const Level level{*width, *height};
-    for (std::size_t y = 0; y < level.height; y += blockEdge) {
-        for (std::size_t x = 0; x < level.width; x += blockEdge, source += bytesPerBlock) {
+    for (std::size_t y = 0; y < image.height; y += blockEdge) {
+        for (std::size_t x = 0; x < image.width; x += blockEdge, source += bytesPerBlock) {
             const BlockWords words = readWords(source);
-            storeBlock(decodeBlock(words), splitOf(words), static_cast<std::uint8_t*>(pixels), level, x, y);
+            writeBlock(decodeBlock(words), splitOf(words), image, x, y);
         }
     }
     return size;

@@ -1,83 +1,99 @@
-#include "etc1/etc1_legal_pairs.h"
-
 #include <algorithm>
+#include <cstdint>
+
+#include "etc1/etc1_code_errors.h"
+
+// The best legal pair of two boxes of n^3 colours each. Going through all pairs takes n^6 steps, 1.8 million at radius 5. But the
+// second colours that are legal for a first one form a box of 8 codes a channel, and the least over a box is the least along one
+// channel of the leasts along the next:
+//
+//   rank[r][g][b] = error << 15 | red << 10 | green << 5 | blue        of each second colour: orders ties as the box is walked
+//   for each channel:
+//       for each line of ranks along that channel:
+//           line[first code] = min over the second codes of that line with a difference of -4 to 3
+//   for each first colour, red outermost:
+//       error = first's error + (rank at its place) >> 15;  keep the first pair of least error
+//
+// That is 3 * n^3 * 8 comparisons at most and two boxes of memory, 16 KB. The rank also carries the second colour, so that
+// nothing else must be remembered.
 
 namespace moktexture::etc1 {
 namespace {
 
-/// Orders second colours by their errors, and equal errors as their box is walked: error << 15 | red << 10 | green << 5 | blue.
 using Rank = std::int64_t;
-using Ranks = std::array<std::array<std::array<Rank, widestBox>, widestBox>, widestBox>;
+using Ranks = std::array<std::array<std::array<Rank, maxBoxEdge>, maxBoxEdge>, maxBoxEdge>;
 
 constexpr Rank noRank = std::int64_t{noError} << 15;
 
-Rank rankOf(const BoxErrors& errors, const CodeBox& box, std::size_t r, std::size_t g, std::size_t b) {
-    const int error = errors[r][g][b];
-    if (error == noError) return noRank;
-    const auto code = [&](std::size_t channel, std::size_t place) { return box.first[channel] + static_cast<int>(place); };
-    return std::int64_t{error} << 15 | code(0, r) << 10 | code(1, g) << 5 | code(2, b);
+/// Calls `visit(r, g, b)` for each offset in a box, red outermost.
+template <class Visit>
+void forEachOffset(Visit visit) {
+    for (std::size_t r = 0; r < maxBoxEdge; ++r) {
+        for (std::size_t g = 0; g < maxBoxEdge; ++g) {
+            for (std::size_t b = 0; b < maxBoxEdge; ++b)
+                visit(r, g, b);
+        }
+    }
 }
 
-/// Lowest rank of the second codes that are legal for each first code, along one channel; the result stands by first codes.
-std::array<Rank, widestBox> slidingLowest(const std::array<Rank, widestBox>& ranks, int firstCode, int secondCode) {
-    std::array<Rank, widestBox> result;
-    for (int place = 0; place < widestBox; ++place) {
-        const int nearest = firstCode + place - secondCode;
-        const int from = std::max(nearest + leastDelta, 0), to = std::min(nearest + greatestDelta, widestBox - 1);
+Codes codesAt(const CodeBox& box, std::size_t r, std::size_t g, std::size_t b) {
+    return {box.first[0] + static_cast<int>(r), box.first[1] + static_cast<int>(g), box.first[2] + static_cast<int>(b)};
+}
+
+Rank rankOf(int error, const Codes& codes) {
+    if (error == noError) return noRank;
+    return std::int64_t{error} << 15 | codes[0] << 10 | codes[1] << 5 | codes[2];
+}
+
+/// Replaces the ranks by second codes along one channel by the lowest rank among the second codes that are legal for each first
+/// code. `firstCode` and `secondCode` are those at offset 0.
+std::array<Rank, maxBoxEdge> lowestLegal(const std::array<Rank, maxBoxEdge>& ranks, int firstCode, int secondCode) {
+    std::array<Rank, maxBoxEdge> result;
+    for (int offset = 0; offset < maxBoxEdge; ++offset) {
+        const int equalCode = firstCode + offset - secondCode;
+        const int from = std::max(equalCode + minDelta, 0), to = std::min(equalCode + maxDelta, maxBoxEdge - 1);
         Rank least = noRank;
         for (int other = from; other <= to; ++other)
             least = std::min(least, ranks[static_cast<std::size_t>(other)]);
-        result[static_cast<std::size_t>(place)] = least;
+        result[static_cast<std::size_t>(offset)] = least;
     }
     return result;
 }
 
-/// Slides along each channel in turn, which together covers all legal differences.
-void slideAll(Ranks& ranks, const CodeBox& first, const CodeBox& second) {
-    for (std::size_t channel = 0; channel < channelCount; ++channel) {
-        for (std::size_t i = 0; i < widestBox; ++i) {
-            for (std::size_t j = 0; j < widestBox; ++j) {
-                const auto at = [&](std::size_t k) -> Rank& {
-                    return channel == 0 ? ranks[k][i][j] : channel == 1 ? ranks[i][k][j] : ranks[i][j][k];
-                };
-                std::array<Rank, widestBox> line;
-                for (std::size_t k = 0; k < widestBox; ++k)
-                    line[k] = at(k);
-                line = slidingLowest(line, first.first[channel], second.first[channel]);
-                for (std::size_t k = 0; k < widestBox; ++k)
-                    at(k) = line[k];
-            }
+void takeLowestLegal(Ranks& ranks, const CodeBox& first, const CodeBox& second, std::size_t channel) {
+    for (std::size_t i = 0; i < maxBoxEdge; ++i) {
+        for (std::size_t j = 0; j < maxBoxEdge; ++j) {
+            const auto at = [&](std::size_t k) -> Rank& {
+                return channel == 0 ? ranks[k][i][j] : channel == 1 ? ranks[i][k][j] : ranks[i][j][k];
+            };
+            std::array<Rank, maxBoxEdge> line;
+            for (std::size_t k = 0; k < maxBoxEdge; ++k)
+                line[k] = at(k);
+            line = lowestLegal(line, first.first[channel], second.first[channel]);
+            for (std::size_t k = 0; k < maxBoxEdge; ++k)
+                at(k) = line[k];
         }
     }
 }
 
 }  // namespace
 
-PairError bestLegalPair(const BoxErrors& firstErrors, const CodeBox& first, const BoxErrors& secondErrors,
-                        const CodeBox& second) {
+PairError lowestLegalPair(const PairSide& first, const PairSide& second) {
     Ranks partners;
-    for (std::size_t r = 0; r < widestBox; ++r) {
-        for (std::size_t g = 0; g < widestBox; ++g) {
-            for (std::size_t b = 0; b < widestBox; ++b)
-                partners[r][g][b] = rankOf(secondErrors, second, r, g, b);
-        }
-    }
-    slideAll(partners, first, second);
+    forEachOffset([&](std::size_t r, std::size_t g, std::size_t b) {
+        partners[r][g][b] = rankOf(second.errors[r][g][b], codesAt(second.box, r, g, b));
+    });
+    for (std::size_t channel = 0; channel < channelCount; ++channel)
+        takeLowestLegal(partners, first.box, second.box, channel);
     PairError best{{}, noError};
-    for (std::size_t r = 0; r < widestBox; ++r) {
-        for (std::size_t g = 0; g < widestBox; ++g) {
-            for (std::size_t b = 0; b < widestBox; ++b) {
-                const Rank partner = partners[r][g][b];
-                const int error = firstErrors[r][g][b] + static_cast<int>(partner >> 15);
-                if (error >= best.error) continue;
-                best.error = error;
-                best.codes[0] = {first.first[0] + static_cast<int>(r), first.first[1] + static_cast<int>(g),
-                                 first.first[2] + static_cast<int>(b)};
-                best.codes[1] = {static_cast<int>(partner >> 10 & 31), static_cast<int>(partner >> 5 & 31),
-                                 static_cast<int>(partner & 31)};
-            }
-        }
-    }
+    forEachOffset([&](std::size_t r, std::size_t g, std::size_t b) {
+        const Rank partner = partners[r][g][b];
+        const int error = first.errors[r][g][b] + static_cast<int>(partner >> 15);
+        if (error >= best.error) return;
+        const Codes partnerCodes = {static_cast<int>(partner >> 10 & 31), static_cast<int>(partner >> 5 & 31),
+                                    static_cast<int>(partner & 31)};
+        best = {{codesAt(first.box, r, g, b), partnerCodes}, error};
+    });
     return best;
 }
 

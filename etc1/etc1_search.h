@@ -1,26 +1,16 @@
 #pragma once
 
-#include <optional>
-
-#include "etc1/etc1_coded_block.h"
-#include "etc1/etc1_quantiser.h"
+#include "etc1/etc1_subblock.h"
 
 namespace moktexture::etc1 {
 
-/// Searches base colours around the averages, in boxes of `radius` codes of 5 bits, and beyond radius 3 among codes of 4 bits.
-using CompressBlockSearch = BlockWords (*)(const BlockPixels& block, int radius, Measure measure);
-
-/// Tries every colour and every pair. Slow; the reference of the bounded search.
-BlockWords CompressBlockSearchPlain(const BlockPixels& block, int radius, Measure measure);
-
-/// The same words with tabulated errors, leaving out what cannot win.
-BlockWords CompressBlockSearchBounded(const BlockPixels& block, int radius, Measure measure);
-
-/// Radii of the narrow and the wide search.
+/// Radii of the narrow search (qualities 2 and 3) and the wide one (4 and 5), in codes of 5 bits. A larger radius finds better
+/// base colours; the number of colours grows with its third power. Bytes depend on both.
 inline constexpr int narrowRadius = 3, wideRadius = 5;
 
-/// The individual form is tried for each colour of these codes, 0 included.
-/// Kept: 15 is never tried, so that white is reached by positive modifiers; searched blocks come out as they always have.
+/// The individual mode is searched from code 0 to this one.
+/// Kept (etc1-no-code-15): 15 is never tried, so that white is reached by positive modifiers only. Bright blocks encoded at
+/// qualities 2 to 5 would come out as other bytes than in stored .mok files.
 inline constexpr int greatestIndividualCode = 14;
 
 /// A box of codes, each channel from first to last.
@@ -29,17 +19,24 @@ struct CodeBox {
     Codes last;
 };
 
-/// The box of codes of 5 bits within the radius of a code.
+/// The base colours of the individual mode.
+inline constexpr CodeBox individualBox = {{0, 0, 0}, {greatestIndividualCode, greatestIndividualCode, greatestIndividualCode}};
+
+/// The box of codes of 5 bits within a radius of a code.
 CodeBox boxAround(const Codes& centre, int radius);
 
-/// Whether averages that far apart are searched in the differential form.
+/// Whether the differential mode is searched: whether the boxes around two averages in 5 bits hold a legal pair.
 bool isDifferentialSearched(const std::array<Codes, 2>& averages, int radius);
 
-/// Whether the individual form is searched.
-/// Kept: the narrow search tries it only where the differential form is left out, even if it would be better; files of quality 2
-/// and 3 come out as they always have.
+/// Whether the individual mode is searched.
+/// Kept (etc1-narrow-skips-individual): the narrow search leaves it out wherever the differential mode is searched, even if it
+/// would be better. .mok files encoded at qualities 2 and 3 would change, and the encoding would take longer.
 constexpr bool isIndividualSearched(bool differentialSearched, int radius) {
     return radius == wideRadius || !differentialSearched;
 }
+
+/// Codes a block with the base colours of least error: in the differential mode all legal pairs of colours within `radius`, one
+/// of the two above, of the averages in 5 bits; in the individual mode all colours of `individualBox`.
+BlockWords CompressBlockSearch(const PixelBlock& block, int radius, ErrorMetric metric);
 
 }  // namespace moktexture::etc1

@@ -17,9 +17,9 @@ std::vector<std::uint32_t> decode(const std::vector<std::uint8_t>& blocks, DXTMo
     return pixels;
 }
 
-std::vector<std::uint32_t> decode(const std::vector<std::uint64_t>& halves, DXTMode mode, std::uint32_t edge = 4) {
-    std::vector<std::uint8_t> blocks(8 * halves.size());
-    std::memcpy(blocks.data(), halves.data(), blocks.size());
+std::vector<std::uint32_t> decode(const std::vector<std::uint64_t>& words, DXTMode mode, std::uint32_t edge = 4) {
+    std::vector<std::uint8_t> blocks(8 * words.size());
+    std::memcpy(blocks.data(), words.data(), blocks.size());
     return decode(blocks, mode, edge);
 }
 
@@ -28,12 +28,13 @@ std::vector<std::uint32_t> decode(const std::vector<std::uint64_t>& halves, DXTM
 TEST(DXTnDecoder, BuildsThePaletteOfEachRule) {
     // clang-format off
     const struct { DXTMode mode; std::uint64_t c0, c1; std::uint32_t palette[4]; } cases[] = {
+        // Mode, c0, c1, the four colours
         {1, 0xFFFF, 0x0000, {0xFFFFFFFF, 0xFF000000, 0xFFA7A7A7, 0xFF575757}},  // 42 and 22 over 64
         {1, 0xF800, 0x07E0, {0xFF0000FF, 0xFF00FF00, 0xFF0057A7, 0xFF00A757}},
         {1, 0x8410, 0x0821, {0xFF848284, 0xFF080408, 0xFF595659, 0xFF322F32}},  // replicated bits
         {1, 0x0000, 0xFFFF, {0xFF000000, 0xFFFFFFFF, 0xFF7F7F7F, 0x00000000}},  // transparent black
         {1, 0x8410, 0x8410, {0xFF848284, 0xFF848284, 0xFF848284, 0x00000000}},  // equal: three colours
-        {1, 0x7FFF, 0x8000, {0xFFFFFF7B, 0xFF000084, 0xFF7F7F7F, 0x00000000}},  // compared without sign
+        {1, 0x7FFF, 0x8000, {0xFFFFFF7B, 0xFF000084, 0xFF7F7F7F, 0x00000000}},  // compared as unsigned
         {2, 0xFFFF, 0x0000, {0x55FFFFFF, 0x55000000, 0x55A7A7A7, 0x55575757}},
         {3, 0x0000, 0xFFFF, {0x55000000, 0x55FFFFFF, 0x557F7F7F, 0x55000000}},  // three colours here too
         {5, 0x8410, 0x8410, {0x55848284, 0x55848284, 0x55848284, 0x55000000}}};
@@ -66,8 +67,8 @@ TEST(DXTnDecoder, ExpandsAlpha) {
     }
 }
 
-/// Digests by a slow second writing of the decoder; modes 2 and 3 are alike, and 4 and 5.
-TEST(DXTnDecoder, DecodesRandomBitsLikeASecondWriting) {
+/// Digests by an independent implementation; modes 2 and 3 are alike, and 4 and 5.
+TEST(DXTnDecoder, DecodesRandomBitsLikeAnIndependentImplementation) {
     const std::uint64_t digests[] = {0xED41C2D894B922E3, 0x8EEB12DA8C78E8A5, 0xB5F669C4E672B075};
     for (const DXTMode mode : {1u, 2u, 3u, 4u, 5u}) {
         const auto blocks = testimages::randomBytes(mode == 1 ? 2048 : 4096, mode | 1);
@@ -78,5 +79,5 @@ TEST(DXTnDecoder, DecodesRandomBitsLikeASecondWriting) {
 }
 
 TEST(DXTnDecoder, ReturnsZeroAfterAFullDecode) {
-    EXPECT_EQ(decode({0xFFFF}, 1)[15], 0xFFFFFFFFu);  // its result is expected to be 0 in all of these tests
+    EXPECT_EQ(decode({0xFFFF}, 1)[15], 0xFFFFFFFFu);  // `decode` expects the result 0
 }

@@ -13,9 +13,9 @@ namespace {
 
 using Pixels = std::array<std::uint32_t, 16>;
 
-using Halves = std::array<std::uint64_t, 2>;  // alpha, which is 0 in mode 1; colour
+using Words = std::array<std::uint64_t, 2>;  // alpha block, 0 in mode 1; colour block
 
-Halves encode(const Pixels& pixels, DXTMode mode) {
+Words encode(const Pixels& pixels, DXTMode mode) {
     const std::uint32_t edge = 4;
     std::vector<std::uint64_t> block(mode == 1 ? 1 : 2);
     CompressDXTn(pixels.data(), block.data(), &edge, &edge, &mode);
@@ -35,7 +35,7 @@ Pixels checked(std::uint32_t even, std::uint32_t odd) {
     return {even, odd, even, odd, even, odd, even, odd, even, odd, even, odd, even, odd, even, odd};
 }
 
-/// Rows of the same grey, evenly spaced on the axis, no end near a step of 5-6-5.
+/// A grey for each row, evenly spaced on the axis, with no endpoint near a step of 5-6-5.
 Pixels greyRows(std::uint32_t lastAlpha = 255) {
     Pixels pixels;
     for (std::uint32_t pixel = 0; pixel < 16; ++pixel)
@@ -43,13 +43,13 @@ Pixels greyRows(std::uint32_t lastAlpha = 255) {
     return pixels;
 }
 
-/// Colours around (100, 100, 100) whose channels all add up to 300: the first multiplication of (1, 1, 1) gives zero.
-Pixels acrossTheFirstVector() {
+/// Colours around (100, 100, 100) whose channels add up to 300: multiplying the start axis (1, 1, 1) gives zero.
+Pixels acrossTheStartAxis() {
     constexpr std::uint32_t a = 0xFF644C7C, b = 0xFF4C7C64, c = 0xFF7C644C;
     return {a, b, c, a, b, c, a, b, c, a, b, c, a, b, c, grey(100)};
 }
 
-/// Three colours just above steps of 5-6-5 in one channel each, with both ends just below all of them.
+/// Three colours just above a step of 5-6-5 in one channel each; both endpoints fall below all of these steps.
 Pixels insideOneStep() {
     constexpr std::uint32_t o = 0xFF070307, r = 0xFF070308, g = 0xFF070407, b = 0xFF080307;
     return {o, o, r, o, o, o, o, g, o, o, o, b, o, o, o, o};
@@ -77,7 +77,7 @@ TEST(DXTnEncoder, EncodesTheColoursOfHandWorkedBlocks) {
         {"two, one all cut out",    checked(dark, white & 0xFFFFFF),        0xCCCCCCCCFFFF11AA, 0x1111111111AAFFFF},
         {"along the axis",          greyRows(),                             0x00AAFF552124E73C, 0x00AAFF552124E73C},
         {"along the axis, cut out", withAlpha(greyRows(), 15, 0),           0xD5AAAA00E73C2124, 0x00AAFF552124E73C},
-        {"no axis",                 acrossTheFirstVector(),                 0x00000000632C632C, 0x00000000632C632C}};
+        {"no axis",                 acrossTheStartAxis(),                 0x00000000632C632C, 0x00000000632C632C}};
     // clang-format on
     for (const auto& row : cases) {
         EXPECT_EQ(encode(row.pixels, 1)[1], row.inMode1) << row.name;
@@ -86,13 +86,13 @@ TEST(DXTnEncoder, EncodesTheColoursOfHandWorkedBlocks) {
     }
 }
 
-TEST(DXTnEncoder, LosesTransparencyWhereBothEndsAreOneColour) {
+TEST(DXTnEncoder, LosesTransparencyWhereBothEndpointsAreEqual) {
     EXPECT_EQ(encode(insideOneStep(), 1)[1], 0u);
     EXPECT_EQ(encode(withAlpha(insideOneStep(), 0, 0), 1)[1], 0u);
-    EXPECT_EQ(encode(withAlpha(acrossTheFirstVector(), 3, 0), 1)[1], 0x00000000632C632Cu);
+    EXPECT_EQ(encode(withAlpha(acrossTheStartAxis(), 3, 0), 1)[1], 0x00000000632C632Cu);
 }
 
-TEST(DXTnEncoder, LetsTransparentPixelsPullTheEndPoints) {
+TEST(DXTnEncoder, LetsTransparentPixelsPullTheEndpoints) {
     EXPECT_EQ(encode(greyRows(0), 1)[1], 0xFFAAAA00E73C2124u);  // c1 is the transparent row's colour
 }
 
@@ -106,8 +106,8 @@ TEST(DXTnEncoder, TruncatesExplicitAlpha) {
 
 TEST(DXTnEncoder, InterpolatesAlpha) {
     // clang-format off
-    // Indices in octal, the last pixel's first: values beside halves, then on halves.
     const struct { std::uint32_t alphas[16]; std::uint64_t indices; std::uint64_t ends; } cases[] = {
+        // Alphas; indices in octal, the last pixel's first; endpoints. Values beside halves, then on halves.
         {{0, 18, 19, 54, 55, 91, 92, 127, 128, 163, 164, 200, 201, 236, 237, 255}, 0022334455667711, 0x00FF},
         {{100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 113, 114, 114}, 0002233445566771, 0x6472},
         {{3, 3, 3, 3, 3, 3, 4, 3, 3, 3, 3, 3, 3, 3, 3, 3}, 01111111110111111, 0x0304},
@@ -121,8 +121,8 @@ TEST(DXTnEncoder, InterpolatesAlpha) {
     }
 }
 
-/// Digests by a slow second writing of the encoder.
-TEST(DXTnEncoder, EncodesImagesLikeASecondWriting) {
+/// Digests by an independent implementation.
+TEST(DXTnEncoder, EncodesImagesLikeAnIndependentImplementation) {
     // clang-format off
     const std::uint64_t digests[][3] = {
         // DXT1,            DXT3,               DXT5

@@ -6,9 +6,10 @@
 
 using namespace moktexture;
 
-TEST(DXTnSizes, AreRefusedWithoutATouch) {
+TEST(DXTnSizes, RefusedSizesAndModesWriteNothing) {
     const std::vector<std::uint32_t> source(64, 0xFFFFFFFF), untouched(64, 7);
-    const std::uint32_t refused[][3] = {{6, 4, 1}, {4, 2, 5}, {2, 2, 3}, {0, 4, 1}, {4, 0, 1}, {4, 4, 0}, {4, 4, 6}, {4, 4, ~0u}};
+    const std::uint32_t refused[][3] = {// Width, height, mode
+                                        {6, 4, 1}, {4, 2, 5}, {2, 2, 3}, {0, 4, 1}, {4, 0, 1}, {4, 4, 0}, {4, 4, 6}, {4, 4, ~0u}};
     for (const auto& [width, height, mode] : refused) {
         std::vector<std::uint32_t> target = untouched;
         EXPECT_EQ(DecompressDXTn(source.data(), target.data(), &width, &height, &mode), 0u);
@@ -25,10 +26,11 @@ TEST(DXTnSizes, AreRefusedWithoutATouch) {
     EXPECT_EQ(target, untouched);
 }
 
-TEST(DXTnSizes, AreAnsweredForNullBuffersModulo32Bits) {
+TEST(DXTnSizes, NullBuffersGiveTheSizeModulo32Bits) {
     // clang-format off
     const struct { std::uint32_t width, height, mode, pixelBytes, blockBytes; } cases[] = {
-        {4, 8, 1, 128, 16}, {4, 8, 5, 128, 32}, {4, 6, 2, 96, 24},  // answered, though it would be refused
+        // Width, height, mode, bytes of pixels, bytes of blocks
+        {4, 8, 1, 128, 16}, {4, 8, 5, 128, 32}, {4, 6, 2, 96, 24},  // answered, though it would not be encoded
         {65536, 65536, 3, 0, 0}, {65532, 65540, 5, 0xFFFFFFC0, 0xFFFFFFF0},
         {65540, 65540, 1, 0x00200040, 0x00040008}};  // wraps, then halves
     // clang-format on

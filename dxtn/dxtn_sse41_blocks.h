@@ -1,13 +1,14 @@
 #pragma once
 
-// The fast form of the encoder: blocks of one or two colours and all alpha by themselves, other colours in batches. Included by
-// one kernel file for each instruction set from SSE4.1 upward, with its `Lanes` (see dxtn_axis_lanes.h).
+// The encoder in SSE4.1 but for the batches, whose width the including kernel chooses: alpha blocks, and blocks of one or two
+// colours. Included by one kernel file for SSE4.1 and one for AVX2.
 
 #include <immintrin.h>
 
 #include <cstddef>
 #include <cstdint>
 
+#include "core/base/image_view.h"
 #include "dxtn/dxtn_axis_lanes.h"
 
 namespace {
@@ -58,18 +59,18 @@ inline __m128i toBytes(const BlockValues& values) {
     return _mm_packus_epi16(values.first, values.second);
 }
 
-inline std::uint64_t lowHalf(__m128i value) {
+inline std::uint64_t lowWord(__m128i value) {
     return static_cast<std::uint64_t>(_mm_cvtsi128_si64(value));
 }
 
 inline std::uint64_t encodeExplicitAlpha(const BlockValues& alphas) {
     const __m128i nibbles = toBytes({_mm_srli_epi16(alphas.first, 4), _mm_srli_epi16(alphas.second, 4)});
     const __m128i pairs = _mm_maddubs_epi16(nibbles, _mm_set1_epi16(0x1001));
-    return lowHalf(_mm_packus_epi16(pairs, pairs));
+    return lowWord(_mm_packus_epi16(pairs, pairs));
 }
 
-/// For 8 pixels, 7 less than the step of 0 to 7 that is nearest to 7 * offset / range; halves go up. The quotient as a float is
-/// below s + 1/2 exactly where 14 * offset is below (2 * s + 1) * range.
+/// For 8 pixels, 7 less than the step of 0 to 7 that is nearest to 7 * offset / range; halves round up. The quotient is below
+/// s + 1/2 where 14 * offset is below (2 * s + 1) * range.
 inline __m128i stepsBelowLast(__m128i offsets, __m128i range) {
     const __m128i position = _mm_mullo_epi16(offsets, _mm_set1_epi16(14));
     __m128i steps = _mm_setzero_si128();
@@ -84,7 +85,7 @@ inline __m128i stepsBelowLast(__m128i offsets, __m128i range) {
 inline std::uint64_t packThreeBits(__m128i values) {
     const __m128i pairs = _mm_maddubs_epi16(values, _mm_set1_epi16(0x0801));
     const __m128i fours = _mm_madd_epi16(pairs, _mm_set1_epi32(0x00400001));
-    const std::uint64_t first = lowHalf(fours), second = lowHalf(_mm_unpackhi_epi64(fours, fours));
+    const std::uint64_t first = lowWord(fours), second = lowWord(_mm_unpackhi_epi64(fours, fours));
     return (first & 0xFFF) | first >> 32 << 12 | (second & 0xFFF) << 24 | second >> 32 << 36;
 }
 
@@ -103,7 +104,7 @@ inline std::uint64_t encodeInterpolatedAlpha(const BlockValues& alphas) {
     return static_cast<std::uint64_t>(greatest) | static_cast<std::uint64_t>(smallest) << 8 | indices << 16;
 }
 
-/// Writes the colour half of a block of one or two colours: index 3 for `transparent` pixels, 1 for the others in `second`,
+/// Writes the colour block of one or two colours: index 3 for `transparent` pixels, 1 for the others in `second`,
 /// otherwise 0.
 inline void writeFewColours(std::uint8_t* out, std::uint32_t c0, std::uint32_t c1, std::uint32_t second,
                             std::uint32_t transparent) {
@@ -111,25 +112,25 @@ inline void writeFewColours(std::uint8_t* out, std::uint32_t c0, std::uint32_t c
     __builtin_memcpy(out, words, sizeof words);
 }
 
-/// Leaves a block to the batch, and encodes the batch once it is full.
+/// Adds a block to the batch, and encodes the batch once it is full.
 template <class Lanes>
 inline void encodeManyColours(Batch<Lanes>& batch, const BlockRows& block, std::uint32_t transparent, std::uint8_t* out) {
-    alignas(16) std::int32_t pixels[blockArea];
+    alignas(16) std::uint32_t pixels[pixelCount];
     for (int row = 0; row < 4; ++row)
         _mm_store_si128(reinterpret_cast<__m128i*>(pixels + 4 * row), block.row[row]);
     append<Lanes>(batch, pixels, transparent, out);
     if (batch.filled == Lanes::count) flush<Lanes>(batch);
 }
 
-/// The second of a block's colours, where `areFirst` tells the pixels of the first.
+/// The second of a block's colours; `areFirst` has a bit for each pixel of the first.
 inline std::uint32_t secondOf(const BlockValues& colours, std::uint32_t areFirst) {
-    alignas(16) std::uint16_t values[blockArea];
+    alignas(16) std::uint16_t values[pixelCount];
     _mm_store_si128(reinterpret_cast<__m128i*>(values), colours.first);
     _mm_store_si128(reinterpret_cast<__m128i*>(values + 8), colours.second);
     return values[__builtin_ctz(~areFirst)];
 }
 
-/// Writes the block's colour half at once where it has one or two colours, otherwise leaves it to the batch.
+/// Writes the colour block of one or two colours at once, and adds a block of more to the batch.
 template <class Lanes>
 inline void encodeColours(Batch<Lanes>& batch, const BlockRows& block, std::uint32_t transparent, std::uint8_t* out) {
     constexpr std::uint32_t allPixels = 0xFFFF;
@@ -149,17 +150,17 @@ inline void encodeColours(Batch<Lanes>& batch, const BlockRows& block, std::uint
 }
 
 template <class Lanes>
-void encodeImage(const std::uint8_t* pixels, std::uint8_t* out, std::size_t width, std::size_t height, std::uint32_t mode) {
-    const std::size_t rowBytes = 4 * width;
+void encodeImage(const moktexture::ConstImageView& image, std::uint8_t* out, std::uint32_t mode) {
     Batch<Lanes> batch;
-    for (std::size_t y = 0; y < height; y += 4, pixels += 4 * rowBytes) {
-        for (std::size_t x = 0; x < width; x += 4) {
-            const BlockRows block = readRows(pixels + 4 * x, rowBytes);
+    const std::uint8_t* pixels = image.pixels;
+    for (std::size_t y = 0; y < image.height; y += 4, pixels += 4 * image.rowBytes) {
+        for (std::size_t x = 0; x < image.width; x += 4) {
+            const BlockRows block = readRows(pixels + 4 * x, image.rowBytes);
             const BlockValues alphas = alphasOf(block);
             if (mode != 1) {
-                const std::uint64_t half = mode <= 3 ? encodeExplicitAlpha(alphas) : encodeInterpolatedAlpha(alphas);
-                __builtin_memcpy(out, &half, sizeof half);
-                out += sizeof half;
+                const std::uint64_t word = mode <= 3 ? encodeExplicitAlpha(alphas) : encodeInterpolatedAlpha(alphas);
+                __builtin_memcpy(out, &word, sizeof word);
+                out += sizeof word;
             }
             encodeColours<Lanes>(batch, block, mode == 1 ? pixelsEqualTo(alphas, 0) : 0, out);
             out += 8;

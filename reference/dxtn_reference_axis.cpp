@@ -1,11 +1,12 @@
-#include "dxtn/dxtn_axis_encoder.h"
+#include "reference/dxtn_reference_axis.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
 
-// All in single precision, sums left to right and pixels in raster order: the fast forms do the same operations lane by lane.
+// All in single precision, sums left to right and pixels in raster order: the library's form does the same operations lane by
+// lane.
 
 namespace moktexture::dxtn {
 namespace {
@@ -58,9 +59,8 @@ Vector toVector(std::uint32_t rgba) {
     return {static_cast<float>(rgba & 255), static_cast<float>(rgba >> 8 & 255), static_cast<float>(rgba >> 16 & 255)};
 }
 
-CentredBlock centre(const BlockPixels& pixels) {
+CentredBlock centre(const PixelBlock& pixels) {
     CentredBlock block = {{0.0f, 0.0f, 0.0f}, {}};
-    // Kept: transparent pixels count too, and pull the end points; encoded textures come out as they always have.
     for (const std::uint32_t pixel : pixels)
         block.mean = block.mean + toVector(pixel);
     block.mean = 0.0625f * block.mean;
@@ -85,15 +85,15 @@ Covariance covarianceOf(const CentredBlock& block) {
 /// The direction of greatest variance by power iteration. Where the matrix sends the vector to zero it is zero, so that all
 /// projections are 0 and both end points fall on the mean.
 Vector principalAxis(const Covariance& matrix) {
-    constexpr int mostSteps = 100;
-    constexpr float closeEnough = 1e-5f;
+    constexpr int maxSteps = 100;
+    constexpr float smallChange = 1e-5f;
     Vector axis = {1.0f, 1.0f, 1.0f};
-    for (int step = 0; step < mostSteps; ++step) {
+    for (int step = 0; step < maxSteps; ++step) {
         const Vector product = matrix * axis;
         const float productLength = length(product);
         if (!(productLength > 0.0f)) return {0.0f, 0.0f, 0.0f};
         const Vector last = std::exchange(axis, product / productLength);
-        if (length(axis - last) < closeEnough) break;
+        if (length(axis - last) < smallChange) break;
     }
     return axis;
 }
@@ -114,8 +114,7 @@ std::uint16_t quantise(const Vector& colour) {
     return packRGB565(channel(colour.r) | channel(colour.g) << 8 | channel(colour.b) << 16);
 }
 
-/// Number of the step nearest to `t`, which runs from 0 to 1 over `steps` steps; rounding of `t` beyond them gives the nearest
-/// end.
+/// The step nearest to `t`, which runs from 0 to 1 over `steps` steps; values of `t` beyond them give the nearer end.
 std::uint32_t nearestStep(float t, std::uint32_t steps) {
     const float position = t * static_cast<float>(steps) + 0.5f;
     if (!(position > 0.0f)) return 0;
@@ -139,15 +138,14 @@ std::uint32_t indicesAlongAxis(const CentredBlock& block, const Vector& start, c
 
 }  // namespace
 
-ColourHalf encodeAlongAxis(const BlockPixels& pixels, std::uint32_t transparent) {
+ColourBlock encodeAlongAxisReference(const PixelBlock& pixels, std::uint32_t transparent) {
     const CentredBlock block = centre(pixels);
     const Vector axis = principalAxis(covarianceOf(block));
     const Extremes points = project(block, axis);
     const std::uint16_t low = quantise(block.mean + points.low);
     const std::uint16_t high = quantise(block.mean + points.high);
-    // Kept: all indices 0, so that transparent pixels turn opaque; encoded textures come out as they always have.
     if (low == high) return {low, high, 0};
-    // The order of the two tells the decoder whether there are four colours or three.
+    // The order of the two selects four colours or three.
     const bool highFirst = transparent != 0 ? high < low : low < high;
     if (highFirst) return {high, low, indicesAlongAxis(block, points.high, points.low, transparent)};
     return {low, high, indicesAlongAxis(block, points.low, points.high, transparent)};

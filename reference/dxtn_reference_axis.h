@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+
+#include "dxtn/dxtn_block.h"
+
+namespace moktexture::dxtn {
+
+/// The colour block of a block of three colours or more, computed by itself: endpoints at the extremes of the block's principal
+/// axis. Bit i of `transparent` asks for index 3 at pixel i; if any bit is set the block gets three colours and transparent
+/// black.
+ColourBlock encodeAlongAxisReference(const PixelBlock& pixels, std::uint32_t transparent);
+
+}  // namespace moktexture::dxtn
