@@ -12,7 +12,7 @@
 namespace moktexture {
 
 enum class FileLayout {
-    mok,      ///< native, version 3 or legacy: the first word tells which
+    mok,      ///< native, version 3 or legacy, by its first word
     ktx,      ///< KTX 1.1
     dds,      ///< DDS
     cHeader,  ///< C source; written only

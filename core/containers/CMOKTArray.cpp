@@ -11,9 +11,9 @@ namespace {
 
 constexpr unsigned int defaultCapacity = 16;
 
-/// A store of `capacity` constructed elements, the first `count` of which are copies of `source`'s.
+/// Allocates `capacity` constructed elements and copies the first `count` from `source`.
 template <class T>
-std::unique_ptr<T[]> makeStore(unsigned int capacity, const T* source, unsigned int count) {
+std::unique_ptr<T[]> makeElements(unsigned int capacity, const T* source, unsigned int count) {
     std::unique_ptr<T[]> store(new T[capacity]());
     std::copy_n(source, count, store.get());
     return store;
@@ -26,7 +26,7 @@ CMOKTArray<T>::CMOKTArray() : size(0), capacity(defaultCapacity), data(new T[def
 
 template <class T>
 CMOKTArray<T>::CMOKTArray(const CMOKTArray& other)
-    : size(other.size), capacity(other.capacity), data(makeStore(other.capacity, other.data, other.size).release()) {}
+    : size(other.size), capacity(other.capacity), data(makeElements(other.capacity, other.data, other.size).release()) {}
 
 template <class T>
 CMOKTArray<T>::~CMOKTArray() {
@@ -80,7 +80,7 @@ unsigned int CMOKTArray<T>::Append() {
 template <class T>
 unsigned int CMOKTArray<T>::Append(const T& value) {
     if (size == capacity) {
-        const T copy(value);  // growth frees the store that the value may lie in
+        const T copy(value);  // growth frees the elements, one of which `value` may be
         SetCapacity(size + 1);
         data[size] = copy;
     } else {
@@ -108,7 +108,7 @@ template <class T>
 EMOKTError CMOKTArray<T>::SetCapacity(unsigned int newCapacity) {
     if (newCapacity <= capacity) return eMOKTSuccess;
     const unsigned int grown = std::max(newCapacity, capacity * 2);
-    T* store = makeStore(grown, data, size).release();
+    T* store = makeElements(grown, data, size).release();
     delete[] data;
     data = store;
     capacity = grown;

@@ -29,7 +29,7 @@ template <class K, class V>
 V& CMOKTMap<K, V>::operator[](K key) {
     const unsigned int found = GetIndexOf(key);
     if (found < size) return values[found];
-    // All that may raise std::bad_alloc comes before the first change.
+    // Everything that may raise std::bad_alloc precedes the first change.
     keys.SetCapacity(keys.GetSize() + 1);
     values.Append(V());
     // Kept (map-new-key-behind-stale): the key goes behind the stale entries that Remove and Clear leave in the arrays, and is

@@ -1,4 +1,4 @@
-// Changing a string in place, cutting parts out of it, and building new ones.
+// Editing a string, extracting parts of it, and formatting new ones.
 
 #include <algorithm>
 #include <cstdarg>

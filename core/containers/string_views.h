@@ -4,7 +4,7 @@
 
 #include "CMOKTString.h"
 
-/// Views of the arguments that CMOKTString's operations take.
+/// Views of the arguments of CMOKTString's operations.
 namespace moktexture {
 
 inline std::string_view viewOf(const CMOKTString& string) {
@@ -21,7 +21,7 @@ inline std::string_view viewOf(const char* chars) {
 inline std::string_view viewOf(const char* chars, std::size_t count) {
     return chars == nullptr || count == CMOKTString::npos ? viewOf(chars) : std::string_view(chars, count);
 }
-/// `count` bytes from `start`, cut to what exists.
+/// `count` bytes from `start`, clamped to the string.
 inline std::string_view viewOf(const CMOKTString& string, std::size_t start, std::size_t count) {
     return start < string.length() ? viewOf(string).substr(start, count) : std::string_view();
 }

@@ -27,7 +27,7 @@ std::int64_t tellFile(std::FILE* file) {
 #endif
 }
 
-/// Length of a file, which is left at its start, or -1.
+/// Length of a file, or -1; the position is then the start.
 std::int64_t lengthOf(std::FILE* file) {
     if (!seekFile(file, 0, SEEK_END)) return -1;
     const std::int64_t length = tellFile(file);
@@ -57,7 +57,7 @@ void ByteReader::fail() {
 
 FileReader::FileReader(std::FILE* openFile)
     : ByteReader(static_cast<std::uint64_t>(std::max<std::int64_t>(lengthOf(openFile), 0))), file(openFile) {
-    // A pipe or a device has no length, and a folder may pass for an empty file until it is read.
+    // A pipe or a device has no length, and a folder has length 0 until it is read.
     if (remaining() == 0 && (std::fgetc(file) != EOF || std::ferror(file) != 0)) fail();
 }
 

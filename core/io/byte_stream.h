@@ -7,34 +7,38 @@
 #include <vector>
 
 /// @file
-/// The byte stream that all file readers and writers work on: a file form and a memory form. Files are borrowed, not owned.
+/// The byte streams that all file readers and writers use, each with a file form and a memory form. Files are borrowed, not
+/// owned.
+///
+/// A reader knows its length from the start, so that a size in a file can be compared with remaining() before memory is allocated
+/// for it. A read past the end returns the bytes that exist; a read error also sets failed(). A writer appends.
 
 namespace moktexture {
 
-/// Bytes to read, of known length, with a position.
+/// Source of bytes with a known length and a position.
 class ByteReader {
 public:
     virtual ~ByteReader() = default;
     ByteReader(const ByteReader&) = delete;
     ByteReader& operator=(const ByteReader&) = delete;
 
-    /// Reads up to `count` bytes and moves on by as many as it read. Fewer than `count` means the end, or a failure.
+    /// Reads up to `count` bytes, advances by their number and returns it. Fewer than `count` means the end, or a failure.
     std::size_t read(void* target, std::size_t count);
-    /// Whether all `count` bytes could be read; those that exist are read in any case.
+    /// Whether all `count` bytes were read; those that exist are read in any case.
     bool readAll(void* target, std::size_t count) { return read(target, count) == count; }
-    /// Moves to a position from the start; positions past the end become the end.
+    /// Moves to a position from the start, clamped to the end.
     void seek(std::uint64_t newPosition);
 
     std::uint64_t position() const { return current; }
     std::uint64_t remaining() const { return length - current; }
-    /// Whether the source itself failed, other than by its end.
+    /// Whether a read or seek failed for another reason than the end.
     bool failed() const { return hasFailed; }
 
 protected:
     explicit ByteReader(std::uint64_t size) : length(size) {}
-    /// Takes `count` bytes at position(), which all lie within the length, and returns how many came.
+    /// Reads `count` bytes at position(), all within the length, and returns the number read.
     virtual std::size_t fetch(void* target, std::size_t count) = 0;
-    /// Readies fetch() for another position.
+    /// Sets the position of the next fetch().
     virtual bool moveTo(std::uint64_t newPosition) = 0;
     void fail();
 
@@ -44,7 +48,7 @@ private:
     bool hasFailed = false;
 };
 
-/// Reads a file from its start. A file whose length cannot be told has length 0 and failed().
+/// Reads a file from its start. A file without a known length, such as a pipe, has length 0 and failed().
 class FileReader final : public ByteReader {
 public:
     explicit FileReader(std::FILE* file);
@@ -59,7 +63,7 @@ private:
 /// Reads from memory that outlives the reader, and never beyond its size.
 class MemoryReader final : public ByteReader {
 public:
-    /// For an image that its owner vouches for.
+    /// For an image whose size is not known: its reads are not bounded.
     static constexpr std::size_t unknownSize = ~std::size_t{0};
 
     MemoryReader(const void* image, std::size_t size) : ByteReader(size), bytes(static_cast<const unsigned char*>(image)) {}
@@ -71,7 +75,7 @@ private:
     const unsigned char* bytes;
 };
 
-/// A place to append bytes to.
+/// Target to append bytes to.
 class ByteWriter {
 public:
     virtual ~ByteWriter() = default;
@@ -79,7 +83,7 @@ public:
     ByteWriter(const ByteWriter&) = delete;
     ByteWriter& operator=(const ByteWriter&) = delete;
 
-    /// Whether all `count` bytes were taken.
+    /// Appends `count` bytes; false if not all of them were written.
     virtual bool write(const void* source, std::size_t count) = 0;
 };
 
@@ -109,7 +113,7 @@ struct FileCloser {
 /// An open file that closes itself.
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Closes a written file and tells whether everything reached it.
+/// Closes a written file; false if any write to it failed.
 bool closeWritten(FileHandle& file);
 
 }  // namespace moktexture

@@ -51,7 +51,7 @@ void CMOKTexture::Swap(CMOKTexture& other) noexcept {
 
 void* CMOKTexture::getDataPtr(unsigned int mipLevel, unsigned int arrayMember, unsigned int face) const {
     if (mipLevel == 0xFFFFFFFFu || data == nullptr) return nullptr;
-    // Sizes repeat every 32 levels, so that a level far out of range takes no longer than another.
+    // Sizes repeat every 32 levels: the offset of a level far out of range takes no longer than that of another.
     const auto sizeOfLevels = [this](unsigned int count) {
         std::uint32_t size = 0;
         for (unsigned int level = 0; level < count; ++level)
@@ -75,7 +75,7 @@ const CMOKTextureHeader& CMOKTexture::getHeader() const {
 unsigned char* TextureInternals::newBuffer(std::uint64_t size, const void* content) {
     if (size > std::numeric_limits<std::size_t>::max()) throw std::bad_alloc();
     const std::size_t bytes = size == 0 ? 1 : static_cast<std::size_t>(size);
-    // Zero pages cost nothing until they are touched, which a header that promises more than its file holds relies on.
+    // calloc() commits no memory for zero pages, so that a header that declares more than its file holds costs little.
     void* const buffer = content == nullptr ? std::calloc(bytes, 1) : std::malloc(bytes);
     if (buffer == nullptr) throw std::bad_alloc();
     if (content != nullptr) std::memcpy(buffer, content, static_cast<std::size_t>(size));

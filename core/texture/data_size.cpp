@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::uint64_t limit32 = 0xFFFFFFFFu;
 
-/// Multiplies `value`, at most 32 bits, by `factor` and tells whether the product still fits in 32 bits.
+/// Multiplies `value`, at most 32 bits, by `factor`; false if the product does not fit in 32 bits.
 bool multiplyWithin32(std::uint64_t& value, std::uint64_t factor) {
     // A factor has at most 33 bits, being at most a 32-bit size rounded up to its block.
     if (factor != 0 && value > limit32 / factor) return false;

@@ -20,7 +20,7 @@ bool isPackedType(unsigned int type) {
            type == GL_UNSIGNED_INT_2_10_10_10_REV;
 }
 
-/// Kept (opengl-base-format-lookup): a layout is found by the base format in the place of the internal format, but half floats by
+/// Kept (opengl-base-format-lookup): a layout is found by the base format, passed as internal format, but half floats by
 /// `format`; KTX files pass their glBaseInternalFormat there, and sized internal formats stay unknown.
 unsigned int baseFormat(unsigned int internalFormat, unsigned int format, unsigned int type) {
     const bool isHalfFloat = type == GL_HALF_FLOAT || type == GL_HALF_FLOAT_OES;

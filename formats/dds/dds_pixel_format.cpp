@@ -2,9 +2,9 @@
 //
 //   DDPF_FOURCC         a FourCC; a number below 256 there is a D3DFORMAT
 //   DDPF_RGB            masks of red, green and blue, and of alpha with DDPF_ALPHAPIXELS
-//   DDPF_BUMPLUMINANCE  masks of u, v and luminance in the place of red, green and blue
+//   DDPF_BUMPLUMINANCE  masks of u, v and luminance, stored as red, green and blue
 //   DDPF_BUMPDUDV       masks of u, v, w and q
-//   DDPF_LUMINANCE      mask of luminance in the place of red, and of alpha with DDPF_ALPHAPIXELS
+//   DDPF_LUMINANCE      mask of luminance, stored as red, and of alpha with DDPF_ALPHAPIXELS
 //   DDPF_ALPHA          mask of alpha
 //
 // A reader takes the first of these flags that is set and searches that flag's table for the bits per pixel and the masks. A

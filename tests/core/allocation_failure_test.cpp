@@ -1,4 +1,4 @@
-// Every allocation of an array fails once in every operation: the object must be as it was, and nothing may leak.
+// Every array allocation of every operation fails once: the object must be unchanged, and nothing may leak.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -29,7 +29,7 @@ void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); 
 
 namespace {
 
-/// Runs each operation with its first, second, … allocation failing until it succeeds; a failure is to leave `state` as it was.
+/// Runs each operation with its first, second, … allocation failing until it succeeds; a failure must leave `state` unchanged.
 void failEachAllocation(const std::function<std::string()>& state, const std::vector<std::function<void()>>& operations) {
     for (const auto& operation : operations) {
         const std::string before = state();
@@ -46,7 +46,7 @@ void failEachAllocation(const std::function<std::string()>& state, const std::ve
     }
 }
 
-TEST(AllocationFailure, LeavesArraysAndMapsAsTheyWere) {
+TEST(AllocationFailure, LeavesArraysAndMapsUnchanged) {
     CMOKTArray<MetaDataBlock> array;
     OuterMap map;
     CMOKTextureHeader header;
@@ -67,7 +67,7 @@ TEST(AllocationFailure, LeavesArraysAndMapsAsTheyWere) {
     // clang-format on
 }
 
-TEST(AllocationFailure, LeavesStringsAsTheyWere) {
+TEST(AllocationFailure, LeavesStringsUnchanged) {
     using S = CMOKTString;
     S string, other("other text");
     const auto state = [&] { return string.c_str() + std::to_string(string.length()) + ' ' + std::to_string(string.capacity()); };

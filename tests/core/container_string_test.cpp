@@ -21,7 +21,7 @@ std::string bytesOf(const S& string) {
     return std::string(string.data(), string.length());
 }
 
-TEST(ContainerString, IsBuiltEditedCutAndFormatted) {
+TEST(ContainerString, ConstructsEditsExtractsAndFormats) {
     const S letters("abcdef");
     const std::string longText(5000, 'y');
     // clang-format off
@@ -46,11 +46,13 @@ TEST(ContainerString, IsBuiltEditedCutAndFormatted) {
     for (const auto& [result, expected] : rows)
         EXPECT_EQ(bytesOf(result), expected);
     char buffer[4] = "...";
-    EXPECT_TRUE(letters.copy(buffer, 2, 1) == 2 && letters.copy(buffer + 1, npos, 5) == 1 && buffer == S("bf."));
+    EXPECT_EQ(letters.copy(buffer, 2, 1), 2u);
+    EXPECT_EQ(letters.copy(buffer + 1, npos, 5), 1u);
+    EXPECT_EQ(buffer, S("bf."));
     EXPECT_EQ(letters.copy(buffer, 2, 7) + letters.copy(nullptr, 2), 0u);
 }
 
-TEST(ContainerString, TakesExactlyTheRoomItNeeds) {
+TEST(ContainerString, GrowsToExactlyTheLengthNeeded) {
     // clang-format off
     const struct { void (*change)(S& s); std::size_t capacity; const char* text; } steps[] = {
         {[](S&) {}, 1, ""}, {[](S& s) { s.append("abcd").append(2, 'e'); }, 7, "abcdee"},
@@ -70,7 +72,7 @@ TEST(ContainerString, TakesExactlyTheRoomItNeeds) {
     EXPECT_EQ(bytesOf(string), "ab");
 }
 
-TEST(ContainerString, TakesItsOwnTextAsSource) {
+TEST(ContainerString, AcceptsItsOwnTextAsSource) {
     // clang-format off
     const std::pair<void (*)(S& s), const char*> rows[] = {
         {[](S& s) { s = *&s; }, "abcabd"}, {[](S& s) { s = s.c_str() + 2; }, "cabd"}, {[](S& s) { s = nothing; }, ""},
@@ -96,7 +98,11 @@ TEST(ContainerString, ComparesWholeStringsUnsignedAndRangesSigned) {
     // clang-format on
     for (const auto& [result, sign] : rows)
         EXPECT_EQ((result > 0) - (result < 0), sign) << "row " << (&result - &rows[0].first) / 2;
-    EXPECT_TRUE(low < high && string == "abcdef" && string != "abc" && S() == nothing && string != high);
+    EXPECT_TRUE(low < high);
+    EXPECT_EQ(string, "abcdef");
+    EXPECT_NE(string, "abc");
+    EXPECT_EQ(S(), nothing);
+    EXPECT_NE(string, high);
 }
 
 /// The results of a search for a set or text of two letters in its four forms: the first letter, both, the first, both.
@@ -106,7 +112,7 @@ Four inForms(Search search, const char* chars, std::size_t position) {
             at(search(S(chars), position))};
 }
 
-TEST(ContainerString, SearchesTakeSetsAndTexts) {
+TEST(ContainerString, SearchesForSetsAndTexts) {
     const S s("abcabcab"), empty;
     // Positions count from the end in the searches for the last.
     EXPECT_EQ(inForms([&](auto... a) { return s.find_first_of(a...); }, "cb", 3), (Four{5, 4, 5, 4}));

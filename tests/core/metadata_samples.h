@@ -7,7 +7,7 @@
 #include "CMOKTMap.h"
 #include "MetaDataBlock.h"
 
-/// Metadata blocks and maps that are easy to tell apart, and their content as text.
+/// Metadata blocks and maps with distinct content, and their content as text.
 namespace metadatasamples {
 
 using InnerMap = CMOKTMap<unsigned int, MetaDataBlock>;

@@ -1,4 +1,4 @@
-// The native file through every door: the constructors from a path and from memory, LoadTexture() and LoadTextureFile().
+// Native files by every loader: the constructors from a path and from memory, LoadTexture() and LoadTextureFile().
 #include "core/io/native_file.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,8 @@ constexpr std::uint32_t huge = 0xFFFFFFFFu;
 MOKTextureHeaderV3 smallRecord(std::uint32_t metaDataSize) {
     return {MOKTextureHeaderV3::magic, 0, PixelTypeRGBA8.id, eColourSpaceLinear, eVarUByteNorm, 2, 3, 1, 2, 1, 2, metaDataSize};
 }
-const ReadPolicy byPath = ReadPolicy::lenient(ReadMode::lenientFile), byAddress = ReadPolicy::lenient(ReadMode::lenientMemory);
+const ReadPolicy fileConstructor = ReadPolicy::lenient(ReadMode::lenientFile),
+                 memoryConstructor = ReadPolicy::lenient(ReadMode::lenientMemory);
 constexpr std::uint64_t smallSize = 2 * 4 * (6 + 1);
 
 const std::vector<Block> twoBlocks = {{owner, 7, {1, 2, 3, 4, 5}}, {owner, 8, {6}}};
@@ -31,15 +32,15 @@ ELoadStatus load(const Bytes& image, const LoadLimits& limits = {}, CMOKTexture&
     return LoadTexture(texture, exact.empty() ? &huge : static_cast<const void*>(exact.data()), exact.size(), limits);
 }
 
-/// What a door with these rules leaves of an image.
-Contents readBy(const ReadPolicy& rules, const Bytes& image, std::size_t size) {
+/// Content of the texture that is read with a policy.
+Contents readBy(const ReadPolicy& policy, const Bytes& image, std::size_t size) {
     CMOKTexture texture;
     MemoryReader reader(image.data(), size);
-    readNativeFile(reader, rules, texture);
+    readNativeFile(reader, policy, texture);
     return contentsOf(texture);
 }
 
-/// What is to be found of a file; `pixels` are filled up with zeroes, and null stands for no buffer.
+/// Expected content of a loaded texture; `pixels` are padded with zeroes, and null stands for no buffer.
 Contents expected(MOKTextureHeaderV3 record, const std::vector<Block>& blocks, const Bytes* pixels) {
     const std::uint32_t size = CMOKTextureHeader(record, 0, nullptr).getDataSize();
     record.metaDataSize = static_cast<std::uint32_t>(make({}, blocks, {}).size()) - 52;
@@ -48,7 +49,7 @@ Contents expected(MOKTextureHeaderV3 record, const std::vector<Block>& blocks, c
     return {make(record, blocks, present), pixels != nullptr, size};
 }
 
-TEST(NativeFile, EveryFormatComesBackBitForBit) {
+TEST(NativeFile, EveryFormatRoundTripsBitForBit) {
     const TemporaryFolder folder;
     for (std::uint64_t id = 0; id <= eFmtUnknown + 1; ++id) {
         SCOPED_TRACE(id);
@@ -66,16 +67,17 @@ TEST(NativeFile, EveryFormatComesBackBitForBit) {
         Bytes saved = {1};
         EXPECT_EQ(SaveTexture(texture, ".MOK", saved), !pixels.empty());
         EXPECT_EQ(texture.saveFile(folder.path("out.mok").c_str()), !pixels.empty());
-        EXPECT_TRUE(saved == (pixels.empty() ? Bytes{1} : image) && folder.read("out.mok") == image);
+        EXPECT_EQ(saved, (pixels.empty() ? Bytes{1} : image));
+        EXPECT_EQ(folder.read("out.mok"), image);
     }
 }
 
-TEST(NativeFile, EveryPrefixLeavesAKnownState) {
+TEST(NativeFile, EveryTruncationLeavesADefinedState) {
     const TemporaryFolder folder;
     const Bytes image = make(smallRecord(twoBlocksSize), twoBlocks, testimages::randomBytes(smallSize, 3));
     const std::size_t pixelStart = 52 + twoBlocksSize;
-    // Prefixes of a length below `end`, from the end of the row before: blocks that the constructor from a path takes, and
-    // whether there is a buffer. Below 49 bytes the record does not tell of metadata.
+    // For files of a length below `end`, from the `end` of the row before: metadata blocks that the constructor from a path
+    // reads, and whether there is a buffer. Below 49 bytes the record declares no metadata.
     // clang-format off
     const struct { std::size_t end, blocks; bool hasBuffer; } ranges[] = {
         {4, 0, false}, {49, 0, true}, {52 + 17, 0, false}, {pixelStart, 1, false}, {image.size() + 1, 2, true}};
@@ -95,19 +97,20 @@ TEST(NativeFile, EveryPrefixLeavesAKnownState) {
             CMOKTexture kept(CMOKTextureHeader(eFmtDXT1, 1, 1, 1, 1, 1, 1, eColourSpaceSRGB, eVarUByteNorm, true), nullptr);
             const Contents before = contentsOf(kept);
             const ELoadStatus status = length == image.size() ? eLoadOk : length == 0 ? eLoadUnknown : eLoadTruncated;
-            EXPECT_TRUE(LoadTextureFile(kept, path.c_str()) == status && load(prefix, {}, std::move(kept)) == status);
+            EXPECT_EQ(LoadTextureFile(kept, path.c_str()), status);
+            EXPECT_EQ(load(prefix, {}, std::move(kept)), status);
             EXPECT_EQ(contentsOf(kept) == before, status != eLoadOk);
         }
     EXPECT_EQ(load(make(smallRecord(0), {}, Bytes(smallSize + 1))), eLoadOk);
 }
 
-TEST(NativeFile, OddMetaDataIsReadAsEachDoorDoes) {
+TEST(NativeFile, MalformedMetaDataIsReadByEachPolicy) {
     const Block a = twoBlocks[0], b = twoBlocks[1], empty = {owner, 1, {}}, zero = {0, 0, {}};
     // clang-format off
     const struct {
         std::uint32_t declared; std::vector<Block> blocks, inFile, inMemory; bool fileHasBuffer; ELoadStatus status; } cases[] = {
         {twoBlocksSize - 1, {a, b}, {a}, {a, b}, true, eLoadCorrupt},  // the last one overruns
-        {5, {a, b}, {}, {a}, true, eLoadCorrupt},  // less than a block's head
+        {5, {a, b}, {}, {a}, true, eLoadCorrupt},  // less than the header of a block
         {twoBlocksSize + 1, {a, b}, {a, b}, {a, b, zero}, false, eLoadTruncated},  // pixels are taken for an empty block
         {13 + 12, {b, empty}, {b}, {b, empty}, false, eLoadCorrupt}};
     // clang-format on
@@ -119,7 +122,7 @@ TEST(NativeFile, OddMetaDataIsReadAsEachDoorDoes) {
         for (const bool isFile : {true, false}) {
             const std::vector<Block>& blocks = isFile ? item.inFile : item.inMemory;
             const Bytes rest(image.begin() + std::ssize(make({}, blocks, {})), image.end());
-            EXPECT_EQ(readBy(isFile ? byPath : byAddress, image, image.size()),
+            EXPECT_EQ(readBy(isFile ? fileConstructor : memoryConstructor, image, image.size()),
                       expected(smallRecord(0), blocks, isFile && !item.fileHasBuffer ? nullptr : &rest));
         }
         EXPECT_EQ(load(image), item.status);
@@ -128,31 +131,36 @@ TEST(NativeFile, OddMetaDataIsReadAsEachDoorDoes) {
     // A block that would end behind 2^32 bytes overruns whatever is declared.
     std::memset(pixels.data() + 8, 0xFF, 4);
     const Bytes image = make(smallRecord(huge), {}, pixels);
-    EXPECT_EQ(readBy(byPath, image, MemoryReader::unknownSize), expected(smallRecord(0), {}, &pixels));
-    EXPECT_EQ(readBy(byAddress, image, MemoryReader::unknownSize), contentsOf(CMOKTexture()));
+    EXPECT_EQ(readBy(fileConstructor, image, MemoryReader::unknownSize), expected(smallRecord(0), {}, &pixels));
+    EXPECT_EQ(readBy(memoryConstructor, image, MemoryReader::unknownSize), contentsOf(CMOKTexture()));
 }
 
-TEST(NativeFile, BlocksAreWrittenAsTheyAreAndCounted) {
+TEST(NativeFile, BlocksAreWrittenUnchanged) {
     CMOKTexture texture(CMOKTextureHeader(eFmtDXT1, 1, 1, 1, 1, 1, 6, eColourSpaceLinear, eVarUByteNorm, false), nullptr);
     texture.setCubeMapOrder("XxYyZz");
     Bytes image;
-    ASSERT_TRUE(SaveTexture(texture, "mok", image) && load(image, {}, std::move(texture)) == eLoadOk);
-    EXPECT_TRUE(texture.getCubeMapOrder().empty() && texture.getBumpMapOrder() == "Zz");
+    ASSERT_TRUE(SaveTexture(texture, "mok", image));
+    ASSERT_EQ(load(image, {}, std::move(texture)), eLoadOk);
+    EXPECT_TRUE(texture.getCubeMapOrder().empty());
+    EXPECT_EQ(texture.getBumpMapOrder(), "Zz");
 
     // A block that was replaced is counted twice in the file and written once.
     texture.addMetaData(texture.getMetaData(MOKTextureHeaderV3::magic, 1));
-    ASSERT_TRUE(SaveTexture(texture, "mok", image) && image.size() == 52u + 18 + texture.getDataSize());
-    EXPECT_TRUE(image[48] == 36 && load(image) == eLoadTruncated);
+    ASSERT_TRUE(SaveTexture(texture, "mok", image));
+    ASSERT_EQ(image.size(), 52u + 18 + texture.getDataSize());
+    EXPECT_EQ(image[48], 36u);
+    EXPECT_EQ(load(image), eLoadTruncated);
 
     // An empty one is written, but counts as not written.
     texture.setCubeMapOrder("");
     Bytes written;
     MemoryWriter writer(written);
-    EXPECT_FALSE(writeNativeFile(texture, writer) || SaveTexture(texture, "mok", image));
+    EXPECT_FALSE(writeNativeFile(texture, writer));
+    EXPECT_FALSE(SaveTexture(texture, "mok", image));
     EXPECT_EQ(written.size(), 52u + 18 + 12 + texture.getDataSize());
 }
 
-TEST(NativeFile, WhatIsRefusedSaysWhy) {
+TEST(NativeFile, RefusalsHaveTheirStatus) {
     using Record = MOKTextureHeaderV3;
     // clang-format off
     const struct { std::uint32_t Record::*field; std::uint32_t value; ELoadStatus status; LoadLimits limits = {}; } cases[] = {
@@ -171,12 +179,15 @@ TEST(NativeFile, WhatIsRefusedSaysWhy) {
         record.*item.field = item.value;
         EXPECT_EQ(load(make(record, twoBlocks, Bytes(smallSize)), item.limits), item.status) << &item - cases;
     }
-    EXPECT_TRUE(byPath.limits.maxMetaDataBlocks == 65536 && byAddress.limits.maxMetaDataBlocks == 65536);
+    EXPECT_EQ(fileConstructor.limits.maxMetaDataBlocks, 65536u);
+    EXPECT_EQ(memoryConstructor.limits.maxMetaDataBlocks, 65536u);
     const TemporaryFolder folder;
     const Bytes good = make(smallRecord(0), {}, Bytes(smallSize));
     CMOKTexture texture;
-    EXPECT_TRUE(LoadTexture(texture, nullptr, 0) == eLoadUnreadable && LoadTextureFile(texture, nullptr) == eLoadUnreadable);
-    EXPECT_TRUE(LoadTextureFile(texture, folder.path("none.mok").c_str()) == eLoadUnreadable && load({'h', 'i'}) == eLoadUnknown);
+    EXPECT_EQ(LoadTexture(texture, nullptr, 0), eLoadUnreadable);
+    EXPECT_EQ(LoadTextureFile(texture, nullptr), eLoadUnreadable);
+    EXPECT_EQ(LoadTextureFile(texture, folder.path("none.mok").c_str()), eLoadUnreadable);
+    EXPECT_EQ(load({'h', 'i'}), eLoadUnknown);
     EXPECT_EQ(LoadTextureFile(texture, folder.path("").c_str()), eLoadUnreadable);
     EXPECT_EQ(LoadTextureFile(texture, folder.write("a.png", good).c_str()), eLoadOk);
     for (const char* name : {"a.ktx", "a.DDS"}) {

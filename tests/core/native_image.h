@@ -7,7 +7,7 @@
 #include "core/io/native_file.h"
 #include "core/texture/TextureInternals.h"
 
-/// Native files laid out by hand, and what is in a texture.
+/// Native files built by hand, and the content of a texture.
 namespace nativeimage {
 
 using Bytes = std::vector<unsigned char>;
@@ -22,7 +22,7 @@ inline void append(Bytes& bytes, const void* source, std::size_t count) {
     bytes.insert(bytes.end(), first, first + count);
 }
 
-/// Record, blocks and pixels, back to back. The record's `metaDataSize` is the caller's.
+/// Record, blocks and pixels, back to back. The caller sets the record's `metaDataSize`.
 inline Bytes make(const MOKTextureHeaderV3& record, const std::vector<Block>& blocks, const Bytes& pixels) {
     Bytes image;
     append(image, &record, sizeof(record));

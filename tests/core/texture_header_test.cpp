@@ -40,12 +40,12 @@ TEST(TextureHeader, SizesOfEveryFormatFollowTheTable) {
         EXPECT_EQ((std::vector{header(id, 1, 1).getDataSize(), volume, header(id, 5, 3, 3).getDataSize()}),
                   std::vector(sizes[id], sizes[id] + 3))
             << id;
-        EXPECT_TRUE(sizesFit32Bits(header(id, 17, 9, 3)) && (header(id, 4, 4).getTextureSize() == 0) == (bitsPerPixel(id) == 0))
-            << id;
+        EXPECT_TRUE(sizesFit32Bits(header(id, 17, 9, 3))) << id;
+        EXPECT_EQ((header(id, 4, 4).getTextureSize() == 0), (bitsPerPixel(id) == 0)) << id;
     }
 }
 
-TEST(TextureHeader, LevelsBeyondTheLastAnswerOnceAndBitsAreSummedOverTheLevels) {
+TEST(TextureHeader, SizesExistOneLevelPastTheLastAndBitsAreSummedOverLevels) {
     const CMOKTextureHeader texture = header(PixelTypeRGBA8, 40, 20, 33, 1, 1, 6);
     // clang-format off
     const std::uint32_t sizes[][4] = {
@@ -57,14 +57,17 @@ TEST(TextureHeader, LevelsBeyondTheLastAnswerOnceAndBitsAreSummedOverTheLevels) 
                   (std::array{level, width, height, depth}));
     EXPECT_EQ(texture.getDataSize(33, true, true), texture.getDataSize(1, true, true));
     const CMOKTextureHeader nibble = header(PixelType('l', 0, 0, 0, 4, 0, 0, 0), 2, 1, 2, 3, 2);
-    EXPECT_TRUE(nibble.getDataSize(1, true, true) == 0 && nibble.getDataSize(-1, false, false) == 1);
-    EXPECT_TRUE(nibble.getDataSize(-1, true, false) == 3 && nibble.getDataSize(-1, false, true) == 2);
-    EXPECT_TRUE(header(eFmtDXT1, 5, 3, 3).getTextureSize() == 64 && header(PixelTypeRGBA8, 0, 0).getWidth() == 1);
+    EXPECT_EQ(nibble.getDataSize(1, true, true), 0u);
+    EXPECT_EQ(nibble.getDataSize(-1, false, false), 1u);
+    EXPECT_EQ(nibble.getDataSize(-1, true, false), 3u);
+    EXPECT_EQ(nibble.getDataSize(-1, false, true), 2u);
+    EXPECT_EQ(header(eFmtDXT1, 5, 3, 3).getTextureSize(), 64u);
+    EXPECT_EQ(header(PixelTypeRGBA8, 0, 0).getWidth(), 1u);
     EXPECT_EQ(header(PixelType('r', 'g', 'b', 0, 8, 8, 8, 0), 1, 1).getTextureSize(), 1u);
     EXPECT_EQ(header(PixelType('l', 0, 0, 0, 8, 0, 0, 0), 1u << 14, 1u << 14, 1, 3).getTextureSize(), 1u << 28);  // wraps
 }
 
-TEST(TextureHeader, SizesThatWrapAreToldApart) {
+TEST(TextureHeader, SizesThatWrapAreDetected) {
     const PixelType byte('l', 0, 0, 0, 8, 0, 0, 0);
     const PixelType widest('r', 'g', 'b', 'a', 255, 255, 255, 255);
     // Header, size as it wraps, whether that is the true size.
@@ -82,7 +85,7 @@ TEST(TextureHeader, SizesThatWrapAreToldApart) {
         EXPECT_EQ(std::pair(texture.getDataSize(), sizesFit32Bits(texture)), std::pair(size, isTrue)) << texture.getWidth();
 }
 
-TEST(TextureHeader, SettersStoreWhatTheyGetAndClearingOneFlagClearsBoth) {
+TEST(TextureHeader, SettersStoreTheirValueAndClearingOneFlagClearsBoth) {
     const MOKTextureHeaderV3 expected = {own, 2, PixelTypeRGBA16.id, eColourSpaceSRGB, eVarFloat, 2, 3, 4, 6, 7, 5, 0};
     const CMOKTextureHeader built(PixelTypeRGBA16.id, 2, 3, 4, 5, 6, 7, eColourSpaceSRGB, eVarFloat, true);
     CMOKTextureHeader set;
@@ -93,13 +96,15 @@ TEST(TextureHeader, SettersStoreWhatTheyGetAndClearingOneFlagClearsBoth) {
         EXPECT_EQ(std::memcmp(&record, &expected, sizeof(record)), 0);
     for (const auto clear : {&CMOKTextureHeader::setIsFileCompressed, &CMOKTextureHeader::setIsPreMultiplied}) {
         set.setIsFileCompressed(true), set.setIsPreMultiplied(true);
-        EXPECT_TRUE(set.isFileCompressed() && set.isPreMultiplied() && set.getFileHeader().flags == 3);
+        EXPECT_TRUE(set.isFileCompressed());
+        EXPECT_TRUE(set.isPreMultiplied());
+        EXPECT_EQ(set.getFileHeader().flags, 3u);
         (set.*clear)(false);
         EXPECT_EQ(set.getFileHeader().flags, 0u);
     }
 }
 
-TEST(TextureMetaData, TopicsReadBackAndCountOnce) {
+TEST(TextureMetaData, TopicsRoundTripAndAreCountedOnce) {
     CMOKTextureHeader texture = header(PixelTypeRGBA8, 2, 2, 1, 1, 6);
     const float atlas[] = {1.5f, 0.0f};
     for (int pass = 0; pass < 2; ++pass) {
@@ -132,30 +137,42 @@ TEST(TextureMetaData, TopicsReadBackAndCountOnce) {
     EXPECT_TRUE(texture.getCubeMapOrder().empty());
 }
 
-TEST(TextureMetaData, ReadingMakesTheOuterEntryOnly) {
+TEST(TextureMetaData, QueriesInsertTheOuterEntry) {
     const CMOKTextureHeader texture;
-    EXPECT_TRUE(!texture.isBumpMap() && texture.getBumpMapScale() == 0.0f && texture.getBumpMapOrder().empty());
+    EXPECT_FALSE(texture.isBumpMap());
+    EXPECT_EQ(texture.getBumpMapScale(), 0.0f);
+    EXPECT_TRUE(texture.getBumpMapOrder().empty());
     EXPECT_EQ(texture.getMetaDataMap().GetSize(), 1u);
     EXPECT_FALSE(texture.hasMetaData(7, 7));
-    EXPECT_TRUE(texture.getMetaDataMap().GetSize() == 2 && texture.getMetaDataMap().GetDataAtIndex(1)->GetSize() == 0);
+    EXPECT_EQ(texture.getMetaDataMap().GetSize(), 2u);
+    EXPECT_EQ(texture.getMetaDataMap().GetDataAtIndex(1)->GetSize(), 0u);
     const MetaDataBlock missing = texture.getMetaData(7, 8);
-    EXPECT_TRUE(missing.data != nullptr && missing.dataSize == 0 && missing.fourCC == 0);
-    EXPECT_TRUE(texture.hasMetaData(7, 8) && texture.getMetaDataSize() == 0);
+    EXPECT_NE(missing.data, nullptr);
+    EXPECT_EQ(missing.dataSize, 0u);
+    EXPECT_EQ(missing.fourCC, 0u);
+    EXPECT_TRUE(texture.hasMetaData(7, 8));
+    EXPECT_EQ(texture.getMetaDataSize(), 0u);
 }
 
-TEST(TextureMetaData, GettersReadZeroesBehindAShortPayload) {
+TEST(TextureMetaData, GettersReadZeroesBeyondAShortPayload) {
     CMOKTextureHeader texture = header(PixelTypeRGBA8, 4, 4, 1, 1, 6);
     MetaDataBlock withoutPayload;
     withoutPayload.fourCC = own, withoutPayload.dataSize = 8;
     for (const MetaDataBlock& added : {withoutPayload, makeBlock({0, 0, -64, 63, 'x'}, 1, own), makeBlock("ab", 2, own),
                                        makeBlock("\1", 3, own), makeBlock({7, 0, 0, 0, 9}, 4, own)})
         texture.addMetaData(added);
-    EXPECT_TRUE(texture.getNumTextureAtlasMembers() == 0 && texture.getTextureAtlasData() == nullptr);
-    EXPECT_TRUE(texture.getBumpMapScale() == 1.5f && texture.getBumpMapOrder() == "x" && texture.getCubeMapOrder() == "ab");
-    EXPECT_TRUE(texture.getOrientation(eAxisX) == eOrientLeft && texture.getOrientation(eAxisZ) == eOrientIn);
+    EXPECT_EQ(texture.getNumTextureAtlasMembers(), 0);
+    EXPECT_EQ(texture.getTextureAtlasData(), nullptr);
+    EXPECT_EQ(texture.getBumpMapScale(), 1.5f);
+    EXPECT_EQ(texture.getBumpMapOrder(), "x");
+    EXPECT_EQ(texture.getCubeMapOrder(), "ab");
+    EXPECT_EQ(texture.getOrientation(eAxisX), eOrientLeft);
+    EXPECT_EQ(texture.getOrientation(eAxisZ), eOrientIn);
     unsigned int x, y, z;
     texture.getBorder(x, y, z);
-    EXPECT_TRUE(x == 7 && y == 9 && z == 0);
+    EXPECT_EQ(x, 7u);
+    EXPECT_EQ(y, 9u);
+    EXPECT_EQ(z, 0u);
     EXPECT_EQ(payloadOf(texture.getMetaData(own, 0)), std::string(8, 0));
 }
 
@@ -168,8 +185,10 @@ TEST(TextureMetaData, ReplacingCountsTwiceAndRemovingMayWrap) {
     EXPECT_EQ(texture.getMetaDataSize(), 100u + 14 + 13 + 13);
     EXPECT_EQ(payloadOf(texture.getMetaData(5, 1)), "3");
     texture.removeMetaData(5, 9), empty.removeMetaData(5, 9);
-    EXPECT_TRUE(texture.getMetaDataSize() == 127 && empty.getMetaDataSize() == 0u - 12u);
-    EXPECT_FALSE(texture.hasMetaData(5, 9) || empty.hasMetaData(5, 9));
+    EXPECT_EQ(texture.getMetaDataSize(), 127u);
+    EXPECT_EQ(empty.getMetaDataSize(), 0u - 12u);
+    EXPECT_FALSE(texture.hasMetaData(5, 9));
+    EXPECT_FALSE(empty.hasMetaData(5, 9));
 
     // Blocks and keys may lie in the map itself.
     CMOKTextureHeader full;

@@ -1,9 +1,9 @@
-// Textures as C source, and the names of their arrays.
+// C source of textures, and the names of its arrays.
 #include "formats/c_source/c_source_file.h"
 
-#include "foreign_image.h"
+#include "layout_files.h"
 
-using namespace foreignimage;
+using namespace layoutfiles;
 
 namespace {
 
@@ -25,7 +25,7 @@ std::string record(const std::string& width, const std::string& metaDataSize) {
            width + "0x00,0x00,0x00,\n" + one + one + one + one + metaDataSize + "0x00,0x00,0x00,\n";
 }
 
-/// What is written; behind a '!' if that counts as failed.
+/// The text that is written, prefixed by '!' if saveFile() returned false.
 std::string textOf(const CMOKTexture& texture) {
     const TemporaryFolder folder;
     const bool isSaved = texture.saveFile(folder.path("a.h").c_str());
@@ -45,7 +45,7 @@ TEST(CSourceFile, IsWrittenByteForByte) {
     texture.addMetaData(block);
     const std::string metaData = "0x31,0x32,0x33,0x34,\n0x01,0x02,0x00,0x00,\n0x04,0x00,0x00,0x00,\n0x09,0x08,0x7f,0xff,\n";
     EXPECT_EQ(textOf(texture), start + record("0x02,", "0x10,") + "\n/* Meta Data */\n" + metaData + data + "0xab,0xab," + end);
-    // Blocks are written whatever the record's count says; those of every 32nd owner have a line for each byte.
+    // Blocks are written whatever the record's metaDataSize; those of every 32nd FourCC have a line for each byte.
     MOKTextureHeaderV3 uncounted = row(2).getFileHeader();
     uncounted.metaDataSize = 0u - 16;
     CMOKTextureHeader header(uncounted, 1, &block);
@@ -57,7 +57,7 @@ TEST(CSourceFile, IsWrittenByteForByte) {
     EXPECT_NE(textOf(CMOKTexture(header, nullptr)).find("\n0x09,\n0x08,\n0x7f,\n0xff,\n\n\n/* Data"), std::string::npos);
 }
 
-TEST(CSourceFile, TheArrayIsNamedForThePathUpToItsFirstDot) {
+TEST(CSourceFile, ArrayNameEndsAtTheFirstDotOfThePath) {
     for (const auto& [path, name] : {std::pair{"out/logo.h", "logo"},
                                      {"./out/logo.h", ""},
                                      {"a.b/logo.h", "a"},
@@ -67,14 +67,14 @@ TEST(CSourceFile, TheArrayIsNamedForThePathUpToItsFirstDot) {
         EXPECT_EQ(arrayNameOf(path), name) << path;
 }
 
-TEST(CSourceFile, OnlyATextureWithoutItsPixelsIsRefused) {
+TEST(CSourceFile, OnlyTexturesWithMissingPixelsAreRefused) {
     CMOKTexture texture = row(2);
     texture.setWidth(3);
     EXPECT_EQ(textOf(texture), "!");
     const std::string text = textOf(CMOKTexture());
     EXPECT_EQ(text.substr(text.size() - 16), "\n\n/* Data */\n};\n");
 #if defined(__linux__)
-    // Nobody notices a disk that is full.
+    // A full disk is not reported.
     const TemporaryFolder folder;
     std::filesystem::create_symlink("/dev/full", folder.path("full.h"));
     EXPECT_TRUE(row(2).saveFile(folder.path("full.h").c_str()));

@@ -11,8 +11,8 @@
 #include "support/test_images.h"
 #include "texture_io.h"
 
-/// Files of other layouts, put together from words, and the doors that they go through.
-namespace foreignimage {
+/// Files of all layouts, built from 32-bit words, and the functions that load and save them.
+namespace layoutfiles {
 
 using namespace moktexture;
 using namespace nativeimage;
@@ -32,12 +32,12 @@ inline void setWord(Bytes& bytes, std::size_t offset, std::uint32_t value) {
     std::memcpy(bytes.data() + offset, &value, sizeof(value));
 }
 
-/// The texture that the constructor from a path makes of an image.
-inline CMOKTexture constructed(const Bytes& image, const std::string& name) {
+/// The texture that the constructor from a path loads from an image.
+inline CMOKTexture loadLeniently(const Bytes& image, const std::string& name) {
     return CMOKTexture(TemporaryFolder().write(name, image).c_str());
 }
 
-/// Loads from memory that is exactly as large as the image.
+/// Loads strictly, from memory that is exactly as large as the image.
 inline ELoadStatus load(const Bytes& image, CMOKTexture& texture, const LoadLimits& limits = {}) {
     const Bytes exact(image.begin(), image.end());
     static const unsigned char none = 0;
@@ -56,7 +56,7 @@ inline Bytes pixelsOf(const CMOKTexture& texture) {
     return data == nullptr ? Bytes() : Bytes(data, data + TextureInternals::dataSize(texture));
 }
 
-/// The image that SaveTexture() writes; empty if it gives false. saveFile() must write the same.
+/// The image that SaveTexture() writes; empty if it returns false. saveFile() must write the same.
 inline Bytes save(const CMOKTexture& texture, const std::string& extension) {
     const TemporaryFolder folder;
     Bytes image;
@@ -66,27 +66,27 @@ inline Bytes save(const CMOKTexture& texture, const std::string& extension) {
     return image;
 }
 
-/// A word of a head that is changed, and what becomes of the file.
-struct HeadCase {
+/// A header field that is overwritten, and the result of loading the file.
+struct HeaderFieldCase {
     std::size_t offset;
     std::uint32_t value;
-    ELoadStatus status;
-    std::int64_t size;  ///< of the constructor's buffer; -1: none
-    bool isDefault = false;
+    ELoadStatus status;      ///< of the strict load
+    std::int64_t size;       ///< of the buffer of the lenient load; -1: none
+    bool isDefault = false;  ///< whether the lenient load leaves a default texture
 };
 
-inline void tryHeads(const Bytes& image, const std::string& name, std::initializer_list<HeadCase> cases) {
-    for (const HeadCase& item : cases) {
+inline void checkHeaderFields(const Bytes& image, const std::string& name, std::initializer_list<HeaderFieldCase> cases) {
+    for (const HeaderFieldCase& item : cases) {
         SCOPED_TRACE(&item - cases.begin());
         Bytes changed = image;
         setWord(changed, item.offset, item.value);
         CMOKTexture loaded;
         EXPECT_EQ(load(changed, loaded), item.status);
-        const CMOKTexture texture = constructed(changed, name);
+        const CMOKTexture texture = loadLeniently(changed, name);
         const auto size = static_cast<std::int64_t>(TextureInternals::dataSize(texture));
         EXPECT_EQ(texture.getDataPtr() == nullptr ? -1 : size, item.size);
         EXPECT_EQ(contentsOf(texture) == contentsOf(CMOKTexture()), item.isDefault);
     }
 }
 
-}  // namespace foreignimage
+}  // namespace layoutfiles
