@@ -63,8 +63,8 @@ void computeSource(EChannelName source, const S* pixels, std::size_t count, D* c
             return computeElement(2);
         case eChannelLuminance:
             return computeEach([](const S* pixel) {
-                return 0.2126f * scaledElement<D>(pixel[0]) + 0.7152f * scaledElement<D>(pixel[1]) +
-                       0.0722f * scaledElement<D>(pixel[2]);
+                return luminanceWeights[0] * scaledElement<D>(pixel[0]) + luminanceWeights[1] * scaledElement<D>(pixel[1]) +
+                       luminanceWeights[2] * scaledElement<D>(pixel[2]);
             });
         case eChannelIntensity:
             return computeEach([](const S* pixel) {

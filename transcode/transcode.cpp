@@ -4,18 +4,25 @@
 
 #include "core/texture/TextureInternals.h"
 #include "core/texture/data_size.h"
-#include "transcode/compress_stage.h"
 #include "transcode/convert_layout.h"
-#include "transcode/decompress_stage.h"
-#include "transcode/dither_stage.h"
-#include "transcode/pixels/PixelCodec.h"
-#include "transcode/stage_frame.h"
+#include "transcode/stages.h"
+
+/// @file
+/// The driver: from any format to any other, through RGBA8 where a codec or the dither needs it.
+///
+///     compressed source                       decompressStage()   -> RGBA8, linear
+///     dither requested, target below 32 bits  ditherStage()       -> RGBA8, the target's error spread
+///     layout, type or colour space differs    convertLayout()     -> the target, or RGBA8 if it is compressed; curve applied
+///     compressed target                       compressStage()     -> the target
+///
+/// A stage that has nothing to do is left out. Each one builds a new texture and releases the one before. Precision is lost where
+/// RGBA8 is passed through, and once more by the curve, which works on quantised channels.
 
 namespace moktexture {
 
 namespace {
 
-/// Whether the request can be begun: there are pixels and a target, and every form on the way fits in 32 bits.
+/// Whether the conversion can be started: there are pixels and a target, and every format on the way fits 32 bits.
 bool isAcceptable(const CMOKTexture& texture, PixelType target, bool dithers) {
     if (!TextureInternals::hasValidPixelData(texture)) return false;
     if (isCompressed(target) && target.id >= eFmtUnknown) return false;
@@ -26,7 +33,7 @@ bool isAcceptable(const CMOKTexture& texture, PixelType target, bool dithers) {
     return (!passesRGBA8 || fitsAs(PixelTypeRGBA8)) && fitsAs(target);
 }
 
-/// A new texture of the form; RGBA8 in that colour space if the target is compressed, which the encoder then takes up.
+/// The texture in the target format and colour space; for a compressed target in RGBA8, as its encoder takes it.
 CMOKTexture convertedTo(const CMOKTexture& texture, PixelType target, EMOKTVariableType channelType,
                         EMOKTColourSpace colourSpace) {
     const bool willBeEncoded = isCompressed(target);
@@ -41,7 +48,8 @@ CMOKTexture convertedTo(const CMOKTexture& texture, PixelType target, EMOKTVaria
 }
 
 /// Whether the encoders wrote exactly the texture's size.
-/// Kept: this comparison alone tells of failure, so a target without encoder and without size succeeds with an empty texture.
+/// Kept (size-alone-tells-success): nothing else reports failure, so that a target with neither encoder nor data size, eFmtBC7
+/// for one, gives true and an empty texture. Callers convert headers to such formats this way.
 bool compress(CMOKTexture& texture, PixelType target, ECompressorQuality quality) {
     const std::uint32_t count = compressStage(texture, target, quality);
     return count == texture.getDataSize(CMOKTextureHeader::allLevels, true, true);
@@ -51,22 +59,25 @@ bool compress(CMOKTexture& texture, PixelType target, ECompressorQuality quality
 
 bool Transcode(CMOKTexture& texture, PixelType target, EMOKTVariableType channelType, EMOKTColourSpace colourSpace,
                ECompressorQuality quality, bool dither) {
-    // Kept: a target of 32 bits per pixel or more is never dithered, also where its channels are narrow.
+    // Kept (no-dither-from-32-bits): a target of 32 bits per pixel or more is never dithered, not even rgba 2.10.10.10, whose
+    // alpha has 2 bits. The bytes of such targets depend on it.
     const bool dithers = dither && bitsPerPixel(target) < 32;
     if (!isAcceptable(texture, target, dithers)) return false;
 
     if (isCompressed(texture.getPixelType())) decompressStage(texture);
-    // Kept: also where the texture has the target's form already, so that such a request changes the pixels.
+    // Kept (dither-of-equal-format): a texture that has the target's format already is dithered too, so that callers who pass
+    // `dither` get pixels on the dithered levels whatever the source was.
     if (dithers) ditherStage(texture, target);
 
-    // From here on the texture is uncompressed, so that a compressed target always differs.
+    // The texture is uncompressed now, so that a compressed target always differs.
     const bool differs =
         target != texture.getPixelType() || colourSpace != texture.getColourSpace() || channelType != texture.getChannelType();
     if (!differs) return true;
 
     CMOKTexture converted = convertedTo(texture, target, channelType, colourSpace);
     const bool succeeded = !isCompressed(target) || compress(converted, target, quality);
-    // Kept: the texture is replaced also where encoding failed; callers that get false hold a texture of the target format.
+    // Kept (failed-encoding-replaces): the texture is replaced also where encoding failed. Callers that get false hold a texture
+    // in the target format, with the levels that could be encoded.
     texture = std::move(converted);
     return succeeded;
 }

@@ -4,7 +4,7 @@
 #include <limits>
 
 /// @file
-/// Integer rules that every module shares.
+/// Rules for numbers that every module shares.
 
 namespace moktexture {
 
@@ -26,5 +26,8 @@ inline std::int64_t truncateToInteger(float value) {
 inline float canonicalNaN(float value) {
     return value == value ? value : std::numeric_limits<float>::quiet_NaN();
 }
+
+/// Shares of red, green and blue in the luminance of a pixel.
+inline constexpr float luminanceWeights[3] = {0.2126f, 0.7152f, 0.0722f};
 
 }  // namespace moktexture

@@ -5,6 +5,9 @@
 
 #include "CMOKTextureHeader.h"
 
+/// @file
+/// The subresources of a texture and the loops over them. A subresource is one MIP level of one face of one array layer.
+
 namespace moktexture {
 
 /// Size of one MIP level in pixels.
@@ -20,6 +23,49 @@ struct LevelSize {
 
 inline LevelSize levelSize(const CMOKTextureHeader& header, std::uint32_t level) {
     return {header.getWidth(level), header.getHeight(level), header.getDepth(level)};
+}
+
+struct Subresource {
+    std::uint32_t layer;
+    std::uint32_t face;
+    std::uint32_t level;
+    LevelSize size;
+};
+
+/// How many layers, faces and levels a loop visits.
+struct SubresourceCounts {
+    std::uint32_t layers;
+    std::uint32_t faces;
+    std::uint32_t levels;
+};
+
+inline SubresourceCounts subresourceCounts(const CMOKTextureHeader& header) {
+    return {header.getNumArrayMembers(), header.getNumFaces(), header.getNumMIPLevels()};
+}
+
+/// Calls `visit(const Subresource&)` for each layer, in it each face, in it each MIP level.
+/// @param header  gives the sizes of the levels
+template <class Visit>
+void forEachSubresource(const CMOKTextureHeader& header, const SubresourceCounts& counts, Visit&& visit) {
+    for (std::uint32_t layer = 0; layer < counts.layers; ++layer)
+        for (std::uint32_t face = 0; face < counts.faces; ++face)
+            for (std::uint32_t level = 0; level < counts.levels; ++level)
+                visit(Subresource{layer, face, level, levelSize(header, level)});
+}
+
+template <class Visit>
+void forEachSubresource(const CMOKTextureHeader& header, Visit&& visit) {
+    forEachSubresource(header, subresourceCounts(header), visit);
+}
+
+/// As forEachSubresource(), in the order of the texture's buffer: for each MIP level, in it each layer, in it each face.
+template <class Visit>
+void forEachSubresourceInBufferOrder(const CMOKTextureHeader& header, Visit&& visit) {
+    const SubresourceCounts counts = subresourceCounts(header);
+    for (std::uint32_t level = 0; level < counts.levels; ++level)
+        for (std::uint32_t layer = 0; layer < counts.layers; ++layer)
+            for (std::uint32_t face = 0; face < counts.faces; ++face)
+                visit(Subresource{layer, face, level, levelSize(header, level)});
 }
 
 }  // namespace moktexture

@@ -33,13 +33,6 @@
 
 namespace moktexture {
 
-/// One face of one layer at one MIP level.
-struct Subresource {
-    std::uint32_t layer;
-    std::uint32_t face;
-    std::uint32_t level;
-};
-
 /// The MIP levels that an operation visits.
 enum class VisitedLevels { all, first };
 
@@ -82,18 +75,11 @@ bool withElementType(EMOKTVariableType channelType, Routine&& routine) {
 /// Returns false at once for a texture without a buffer, layers, faces or levels, however large its other counts are.
 template <typename Visit>
 bool forEachSubresource(const CMOKTexture& texture, VisitedLevels levels, Visit&& visit) {
-    const std::uint32_t layerCount = texture.getNumArrayMembers();
-    const std::uint32_t faceCount = texture.getNumFaces();
-    const std::uint32_t levelCount = levels == VisitedLevels::all ? texture.getNumMIPLevels() : 1;
-    if (layerCount == 0 || faceCount == 0 || texture.getNumMIPLevels() == 0 || texture.getDataPtr() == nullptr) return false;
+    SubresourceCounts counts = subresourceCounts(texture);
+    if (counts.layers == 0 || counts.faces == 0 || counts.levels == 0 || texture.getDataPtr() == nullptr) return false;
+    if (levels == VisitedLevels::first) counts.levels = 1;
     bool result = false;
-    Subresource subresource = {};
-    for (subresource.layer = 0; subresource.layer < layerCount; ++subresource.layer) {
-        for (subresource.face = 0; subresource.face < faceCount; ++subresource.face) {
-            for (subresource.level = 0; subresource.level < levelCount; ++subresource.level)
-                result = visit(std::as_const(subresource));
-        }
-    }
+    forEachSubresource(texture, counts, [&](const Subresource& subresource) { result = visit(subresource); });
     return result;
 }
 

@@ -7,7 +7,7 @@
 
 using namespace samples;
 
-TEST(CodecTable, DecodesTrueSizesAndEncodesLevelsRepeatedToTheBlock) {
+TEST(CodecTable, PassesTrueSizesToDecodersAndTiledLevelsToEncoders) {
     // Digests of levels of 24 x 12, 12 x 6, 6 x 3, 3 x 1 and 1 x 1 in two members of six faces, to encode with one of
     // 32 x 16 behind. They were taken when each level
     // agreed with its codec called alone, in the true size to decode and repeated up to the block to encode.
@@ -36,7 +36,7 @@ TEST(CodecTable, DecodesTrueSizesAndEncodesLevelsRepeatedToTheBlock) {
     }
 }
 
-TEST(CodecTable, TellsTheSecondGenerationOfNoAlphaAndTakesLevelsOfAnySize) {
+TEST(CodecTable, SecondGenerationGetsNoAlphaFlagAndLevelsOfAnySize) {
     const struct {
         CompressedFormatId format;
         std::uint32_t blockWidth;

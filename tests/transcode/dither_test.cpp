@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "compressed_format_id.h"
+#include "reference/dither_reference.h"
 #include "support/test_images.h"
 
 using namespace moktexture;
@@ -37,7 +38,7 @@ TEST(Dither, ErrorGoesRightBelowAndLowerRight) {
             pixels.insert(pixels.end(), {c.before[i], 77, 78, 79});
             expected.insert(expected.end(), {c.after[i], 77, 78, 79});
         }
-        for (const auto dither : {ditherLevel, ditherLevelPlain}) {
+        for (const auto dither : {ditherLevel, ditherLevelReference}) {
             Values dithered = pixels;
             dither(dithered.data(), PixelType('r', 0, 0, 0, c.bits, 0, 0, 0), c.width, c.height, c.depth);
             EXPECT_EQ(dithered, expected) << c.what;
@@ -45,7 +46,7 @@ TEST(Dither, ErrorGoesRightBelowAndLowerRight) {
     }
 }
 
-TEST(Dither, RatesFollowTheLettersAndTheTable) {
+TEST(Dither, RatesFollowTheLayoutOrTheFormatTable) {
     const std::map<std::uint64_t, DitherRates> cases = {
         // clang-format off
         {PixelType('a', 'b', 'g', 'r', 2, 10, 3, 4).id, {4, 3, 10, 2}}, {PixelType('l', 'a', 0, 0, 4, 3, 0, 0).id, {4, 4, 4, 3}},
@@ -66,7 +67,7 @@ TEST(Dither, RatesFollowTheLettersAndTheTable) {
     EXPECT_EQ(testimages::digest(allRates), 10752368646626115781u);
 }
 
-TEST(Dither, RowsGiveTheBitsOfColumns) {
+TEST(Dither, EqualsTheReferenceForm) {
     const PixelType targets[] = {PixelType('r', 'g', 'b', 'a', 1, 2, 3, 4), PixelType('r', 'g', 'b', 'a', 5, 6, 7, 8),
                                  PixelType('a', 'l', 0, 0, 7, 1, 0, 0), eFmtDXT1, eFmtBW1bpp};
     testimages::Random random(7);
@@ -79,7 +80,7 @@ TEST(Dither, RowsGiveTheBitsOfColumns) {
         Values plain = fast;
         const PixelType target = targets[static_cast<std::size_t>(round) % std::size(targets)];
         ditherLevel(fast.data(), target, width, height, depth);
-        ditherLevelPlain(plain.data(), target, width, height, depth);
+        ditherLevelReference(plain.data(), target, width, height, depth);
         ASSERT_EQ(fast, plain) << width << " by " << height << " by " << depth;
     }
 }

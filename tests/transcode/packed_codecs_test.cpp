@@ -1,10 +1,10 @@
+#include "transcode/pixels/packed_codecs.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
 
 #include "compressed_format_id.h"
-#include "transcode/pixels/one_bit.h"
-#include "transcode/pixels/packed_yuv.h"
 
 using namespace moktexture;
 
@@ -58,7 +58,7 @@ TEST(PackedYUV, DecodesWithItsOwnFactorsAndClamps) {
     EXPECT_EQ(untouched, Bytes(8, 7));
 }
 
-TEST(PackedYUV, OddRowsSpillIntoTheNextAndStayInsideTheLevel) {
+TEST(PackedYUV, OddWidthsOverwriteTheNextRowAndStayInsideTheLevel) {
     // Luma 16 + 12 n gives grey 14 n, near enough to tell the groups: a row of 3 reads its own group and the next one.
     const Bytes groups = {16, 128, 28, 128, 40, 128, 52, 128, 64, 128, 76, 128, 88, 128, 100, 128};
     const Bytes pixels = decodedYUV(groups, 3, 3, eFmtYUY2);
@@ -67,7 +67,7 @@ TEST(PackedYUV, OddRowsSpillIntoTheNextAndStayInsideTheLevel) {
         EXPECT_NEAR(pixels[i * 4], greys[i], 1) << i;
 }
 
-TEST(PackedYUV, TellsMoreThanAnOddRowHas) {
+TEST(PackedYUV, ReturnsMoreBytesThanItWritesAtOddWidths) {
     const std::uint32_t three = 3, format = eFmtYUY2;
     Bytes groups(18, 7);
     EXPECT_EQ(encodeYUV(rgba(Bytes(27, 0)).data(), groups.data(), &three, &three, &format), 18);
@@ -75,7 +75,7 @@ TEST(PackedYUV, TellsMoreThanAnOddRowHas) {
     EXPECT_EQ(groups, (Bytes{16, 128, 16, 128, 16, 128, 16, 128, 16, 128, 16, 128, 7, 7, 7, 7, 7, 7}));
 }
 
-TEST(OneBit, IsTheMeanOfTheColoursInMemoryOrder) {
+TEST(OneBit, ThresholdsTheMeanColourInMemoryOrder) {
     const Bytes pixels = rgba({127, 127, 127, 128, 128, 128, 255, 255, 0,   128, 128, 127, 0, 0, 0, 255, 129, 0,
                                255, 255, 255, 0,   0,   255, 255, 255, 255, 9,   9,   9,   9, 9, 9, 9,   9,   9});
     const std::uint32_t width = 6, height = 2;

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "transcode/pixels/PixelCodec.h"
-#include "transcode/pixels/channel_name.h"
 
 using namespace moktexture;
 
@@ -125,7 +124,7 @@ TEST(PixelCodecTest, WritesChannelsOfEveryKind) {
     EXPECT_EQ(bytesOf(full, 2), (Bytes{0x1F, 0xF8})) << "writing clears the field's own bits alone";
 }
 
-TEST(PixelCodecTest, TakesGreyAlphaAndUnspecifiedFromWhatTheSourceHas) {
+TEST(PixelCodecTest, ChoosesTheSourceOfGreyAlphaAndUnspecified) {
     constexpr PixelType li{'l', 'i', 0, 0, 8, 8, 0, 0}, la{'l', 'a', 0, 0, 8, 8, 0, 0}, ri{'r', 'i', 0, 0, 8, 8, 0, 0};
     constexpr PixelType ax{'a', 'x', 0, 0, 8, 8, 0, 0}, rgbx{'r', 'g', 'b', 'x', 8, 8, 8, 8};
     constexpr PixelType rg{'r', 'g', 0, 0, 8, 8, 0, 0};

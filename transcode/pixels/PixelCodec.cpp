@@ -4,10 +4,8 @@
 #include <bit>
 #include <cstring>
 
-#include "transcode/pixels/bit_field.h"
-#include "transcode/pixels/channel_name.h"
+#include "core/base/numeric.h"
 #include "transcode/pixels/channel_value.h"
-#include "transcode/pixels/small_float.h"
 #include "transcode/pixels/transfer_curve.h"
 
 namespace moktexture {
@@ -49,14 +47,16 @@ void storeElement(unsigned char* pixel, std::uint64_t index, std::uint64_t raw) 
 
 /// The field under the mask of the low `wordBits` bits of the pixel word.
 std::uint64_t packedField(const PixelCodec& codec, int position, unsigned int wordBits) {
-    // Kept: where the widths of a layout differ, a channel that fills an element is read with its element number as the mask.
+    // Kept (element-number-as-mask): where the widths of a layout differ, a channel that fills an element is read with its
+    // element number as the mask. Integer layouts of mixed widths would load other values from .mok files.
     const std::uint64_t mask = codec.channelMask[position] & lowBits(wordBits);
     return shiftedRight(pixelWord(codec.pixelBuffer) & mask, codec.shiftRight[position]);
 }
 
-/// Clears the field and puts the low 32 bits of `raw` in its place.
+/// Replaces the field by the low 32 bits of `raw`.
 void storePacked(PixelCodec& codec, int position, std::uint64_t raw) {
-    // Kept: what exceeds the field spills into the channels above it.
+    // Kept (packed-values-spill): what exceeds the field spills into the channels above it. The bytes of packed layouts with
+    // values above 1.0 depend on it.
     const std::uint64_t field = shiftedLeft(raw & lowBits(32), codec.shiftRight[position]);
     const std::uint64_t word = (pixelWord(codec.pixelBuffer) & ~codec.channelMask[position]) | field;
     std::memcpy(codec.pixelBuffer, &word, sizeof word);
@@ -111,7 +111,7 @@ float readFloat(const PixelCodec& codec, int position) {
     }
 }
 
-/// Values that stand in for colour channels that the source lacks, and those of grey destination channels.
+/// The values of colour channels that the source lacks, and of grey destination channels.
 struct GreyValues {
     float grey = 0.0f;
     float luminance = 0.0f;
@@ -120,10 +120,10 @@ struct GreyValues {
 
 float mixedLuminance(const PixelCodec& source) {
     float luminance = 0.0f;
-    if (source.has(eChannelRed)) luminance += 0.2126f * source.readChannel(eChannelRed);
-    if (source.has(eChannelGreen)) luminance += 0.7152f * source.readChannel(eChannelGreen);
-    if (source.has(eChannelBlue)) luminance += 0.0722f * source.readChannel(eChannelBlue);
-    return withOneNaN(luminance);
+    if (source.has(eChannelRed)) luminance += luminanceWeights[0] * source.readChannel(eChannelRed);
+    if (source.has(eChannelGreen)) luminance += luminanceWeights[1] * source.readChannel(eChannelGreen);
+    if (source.has(eChannelBlue)) luminance += luminanceWeights[2] * source.readChannel(eChannelBlue);
+    return canonicalNaN(luminance);
 }
 
 float meanColour(const PixelCodec& source) {
@@ -134,11 +134,11 @@ float meanColour(const PixelCodec& source) {
         sum += source.readChannel(name);
         ++count;
     }
-    return count == 0 ? 0.0f : withOneNaN(sum / static_cast<float>(count));
+    return count == 0 ? 0.0f : canonicalNaN(sum / static_cast<float>(count));
 }
 
-// Kept: each pair of grey layouts fills only the values named here; the others stay 0, such as intensity where both sides have
-// luminance.
+// Kept (grey-fills-named-values): each pair of grey layouts fills only the values named here; the others stay 0, such as
+// intensity where both sides have luminance. valueSourceOf() makes the same choices, so that all forms write the same bytes.
 GreyValues greyValues(const PixelCodec& source, const PixelCodec& destination) {
     const bool toLuminance = destination.has(eChannelLuminance);
     const bool toIntensity = destination.has(eChannelIntensity);
@@ -178,6 +178,27 @@ float convertedValue(EChannelName name, const PixelCodec& source, const GreyValu
 }
 
 }  // namespace
+
+EChannelName channelNameFromChar(std::uint8_t letter) {
+    switch (letter) {
+        case 'r':
+            return eChannelRed;
+        case 'g':
+            return eChannelGreen;
+        case 'b':
+            return eChannelBlue;
+        case 'a':
+            return eChannelAlpha;
+        case 'l':
+            return eChannelLuminance;
+        case 'i':
+            return eChannelIntensity;
+        case 'x':
+            return eChannelUnspecified;
+        default:
+            return eChannelNone;
+    }
+}
 
 bool isSignedType(EMOKTVariableType type) {
     return type < eVarFloat && (type & 1u) != 0;
@@ -301,7 +322,8 @@ void PixelCodec::convertFrom(const PixelCodec& source) {
 void PixelCodec::convertColourSpace(EMOKTColourSpace target, EMOKTColourSpace source) {
     const TransferCurve curve = transferCurve(target, source);
     if (curve == nullptr || errorFlags != 0) return;
-    // Kept: the curve reads back what the layout could hold and is quantised a second time.
+    // Kept (curve-after-quantising): the curve is applied to the value read back from the quantised channel, and the result is
+    // quantised again. The bytes of every texture converted between colour spaces depend on it.
     for (const EChannelName name : {eChannelRed, eChannelGreen, eChannelBlue, eChannelLuminance, eChannelIntensity})
         if (has(name)) writeChannel(name, curve(readChannel(name)));
 }

@@ -8,26 +8,36 @@
 
 namespace moktexture {
 
-/// Description of an uncompressed pixel layout at run time, with one pixel of it in a buffer.
+/// @file
+/// A pixel layout at run time, and what the conversion of one pixel means.
 ///
-/// Channels are read and written as normalised floats. Two memory layouts exist. In the element layout channel i is storage
-/// element i of the pixel; in the packed layout the pixel is one little-endian word and channel 0 occupies its most significant
-/// bits. A layout with errors is never reported: nothing is converted from it or to it, so that its pixels come out zeroed.
+/// Channels are read and written as normalised floats. There are two memory layouts, chosen channel by channel:
 ///
-/// This is the plain form of every conversion; the forms beside convertLayout() give the same bits.
+///     element layout   channel i is storage element i:   rgba8 with an 8-bit type     byte  0  1  2  3
+///                                                                                           R  G  B  A
+///     packed layout    the pixel is one little-endian    rgb565 with a 16-bit type    bit  15 ... 11 10 ... 5 4 ... 0
+///                      word, channel 0 in its top bits                                     R         G        B
+///
+/// A layout with errors is never reported. Nothing is converted from it or to it, so that its pixels are zero.
+
+/// The channel that a letter of a PixelType names; eChannelNone for every letter other than r, g, b, a, l, i and x.
+EChannelName channelNameFromChar(std::uint8_t letter);
+
+/// An uncompressed pixel layout, and one pixel of it in a buffer. The per-pixel functions define every conversion; the faster
+/// forms that convertLayout() chooses give the same bytes.
 struct PixelCodec {
     /// Bits of `errorFlags`.
     enum LayoutError : std::uint32_t {
         repeatedName = 1,    ///< two positions carry the same name
-        emptyChannel = 2,    ///< a position has a name and no bits
-        namelessBits = 4,    ///< a position has bits and no name
+        emptyChannel = 2,    ///< a position has a name but no bits
+        namelessBits = 4,    ///< a position has bits but no name
         nameAfterGap = 8,    ///< a named position follows an unnamed one
         noWholeBytes = 16,   ///< `totalBits` is no multiple of 8
         exceedsBuffer = 32,  ///< the bits add up to more than `pixelBuffer` holds
     };
     static constexpr std::size_t bufferSize = 16;
 
-    /// Describes a layout. A number of CompressedFormatId gives a description without channels.
+    /// A number of CompressedFormatId gives a codec without channels.
     PixelCodec(PixelType type, EMOKTVariableType variableType);
 
     unsigned int getBitsPerPixel() const { return totalBits; }
@@ -38,37 +48,37 @@ struct PixelCodec {
     /// Whether the position is stored as an element, and its `channelMask` is the element's number.
     bool isElement(unsigned int position) const;
 
-    /// Copies getBytesPerPixel() bytes into the buffer, at most `bufferSize`; the other bytes keep what they held.
+    /// Copies getBytesPerPixel() bytes, at most `bufferSize`, into the buffer; its other bytes stay.
     /// @return false for a null pointer.
     bool loadPixel(const void* source);
     unsigned char* pixelBytes() { return pixelBuffer; }
     const unsigned char* pixelBytes() const { return pixelBuffer; }
     void clearPixel();
 
-    /// The channel's value; 1.0 for alpha and unspecified where the layout lacks them, 0.0 for the other names.
+    /// The channel's value. A channel that the layout lacks is 1.0 for alpha and unspecified, 0.0 for the other names.
     float readChannel(EChannelName name) const;
-    /// Write a value to a channel; nothing happens where the layout lacks it.
+    /// Write a value to a channel, if the layout has it.
     void writeUnsignedChannel(EChannelName name, float value);
     void writeSignedChannel(EChannelName name, float value);
     void writeFloatChannel(EChannelName name, float value);
-    /// Writes with the writer of `variableType`; nothing happens for a type above eVarFloat.
+    /// Writes with the writer of `variableType`; writes nothing for a type above eVarFloat.
     void writeChannel(EChannelName name, float value);
 
-    /// Fills the buffer from the pixel in `source`'s buffer. With an error in either layout the buffer stays as it was.
+    /// Converts the pixel in `source`'s buffer. With an error in either layout the buffer stays as it was.
     void convertFrom(const PixelCodec& source);
-    /// Takes the colour channels of the pixel in the buffer through the curve from `source` to `target`.
+    /// Applies the curve from `source` to `target` to the colour channels of the pixel in the buffer.
     void convertColourSpace(EMOKTColourSpace target, EMOKTColourSpace source);
 
     std::uint32_t errorFlags;
     EMOKTVariableType variableType;
     EChannelName channelNames[4];
-    /// By position: the channel's bits in the pixel word, or, where its bits fill a storage element, the element's number.
+    /// By position: the mask of the channel in the pixel word, or, if it fills a storage element, the element's number.
     std::uint64_t channelMask[4];
     /// By EChannelName: the position, or -1.
     std::int8_t channelIndexByName[8];
-    std::uint8_t bitOffset[4];    ///< bits of the positions before
+    std::uint8_t bitOffset[4];    ///< sum of the bits of the positions before
     std::uint8_t channelBits[4];  ///< bits of the position
-    std::uint8_t shiftRight[4];   ///< how far the channel lies above bit 0 of the pixel word
+    std::uint8_t shiftRight[4];   ///< bits below the channel in the pixel word
     std::uint8_t totalBits;
     std::uint8_t storageWidth;  ///< bits of a storage element
     std::uint8_t channelCount;

@@ -2,11 +2,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+
+#include "transcode/pixels/table_conversion.h"
 
 namespace moktexture {
 
-/// A conversion in which every byte of the destination pixel is a byte of the source pixel or a constant: reordered, dropped and
-/// added 8-bit channels, and 8-bit channels widened to 16.
+/// A conversion in which every byte of the destination pixel is a byte of the source pixel or a constant: channels of 8 bits are
+/// reordered, dropped, added, or widened to 16 bits.
 struct ByteShuffle {
     static constexpr std::uint8_t noSource = 0x80;
 
@@ -16,7 +19,12 @@ struct ByteShuffle {
     std::uint8_t constant[16];     ///< by destination byte: the value where there is no source, else 0
 };
 
-/// Converts in whole vectors as many pixels as it can without leaving either run, and returns their number.
-std::size_t moveBytesSSE41(const ByteShuffle& moves, const std::uint8_t* from, std::uint8_t* to, std::size_t pixels);
+/// The byte shuffle that gives the same bytes as the tables; nothing if there is none. All values of each table are looked at, so
+/// that the two are equal for every pixel.
+std::optional<ByteShuffle> makeByteShuffle(const TableConversion& tables);
+
+/// Converts in whole vectors as many pixels as it can without reading or writing beyond them, and returns their number. Built on
+/// x86-64 alone; other processors convert by tables.
+std::size_t shuffleBytesSSE41(const ByteShuffle& shuffle, const std::uint8_t* from, std::uint8_t* to, std::size_t pixels);
 
 }  // namespace moktexture

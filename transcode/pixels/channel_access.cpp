@@ -3,16 +3,15 @@
 #include <bit>
 #include <utility>
 
-#include "transcode/pixels/bit_field.h"
 #include "transcode/pixels/channel_value.h"
-#include "transcode/pixels/small_float.h"
 
 namespace moktexture {
 
 namespace {
 
 /// Whether integer channels are read as elements.
-// Kept: the average width decides it, while writing goes by each channel's own width; layouts of mixed widths depend on it.
+// Kept (average-width-decides-reading): the average width decides how a layout is read, each channel's own width how it is
+// written. Integer layouts with channels of 8 and other bits would load other values from .mok files.
 bool readsElements(const PixelCodec& codec) {
     return codec.totalBits / codec.channelCount == codec.storageWidth;
 }
@@ -37,12 +36,12 @@ ChannelField elementField(unsigned int position, unsigned int width) {
     return {offset / 64, offset % 64, lowBits(width) << offset % 64, lowBits(width)};
 }
 
-/// A field of the pixel word; one that lies above the word holds nothing.
+/// A field of the pixel word; one above the word is empty.
 ChannelField packedField(std::uint64_t mask, unsigned int shift) {
     return shift < 64 ? ChannelField{0, shift, mask, lowBits(32)} : ChannelField{};
 }
 
-/// The format and field that an integer channel is read by.
+/// The number form of an integer channel that is read, and its field.
 ChannelFormat integerSource(const PixelCodec& codec, unsigned int position, ChannelField& field) {
     const bool isSigned = isSignedType(codec.variableType);
     if (!readsElements(codec)) {
@@ -101,16 +100,16 @@ void ChannelReader::fillTable() {
     for (std::size_t raw = 0; raw < entries; ++raw)
         pixels[raw][field.half] = raw << field.shift;
     std::vector<float> values(entries);
-    readUntabled(pixels.data(), entries, values.data());
+    compute(pixels.data(), entries, values.data());
     table = std::move(values);
 }
 
 void ChannelReader::read(const PixelBits* pixels, std::size_t count, float* values) const {
-    if (table.empty()) return readUntabled(pixels, count, values);
+    if (table.empty()) return compute(pixels, count, values);
     readAll(field, pixels, count, values, [entries = table.data()](std::uint64_t raw) { return entries[raw]; });
 }
 
-void ChannelReader::readUntabled(const PixelBits* pixels, std::size_t count, float* values) const {
+void ChannelReader::compute(const PixelBits* pixels, std::size_t count, float* values) const {
     const unsigned int bits = width;
     switch (format) {
         case ChannelFormat::zero:

@@ -3,16 +3,29 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 
 #include "core/base/numeric.h"
-#include "transcode/pixels/bit_field.h"
 
 /// @file
-/// Integer channels as normalised floats and back. A width is the channel's bit rate, from 1 up.
-// Kept: integer types that are not normalised are taken as normalised, so that both kinds of a texture hold the same bits.
+/// The number forms of a channel: bit fields, integers and small floats, each to a normalised float and back. A width is the
+/// channel's bit count, from 1 up.
+// Kept (raw-integers-are-normalised): integer types that are not normalised are converted as normalised ones. A texture with
+// eVarUByte and one with eVarUByteNorm hold the same bytes after the same conversion.
 
 namespace moktexture {
+
+/// `count` one-bits from bit 0 up; all 64 from 64 up.
+constexpr std::uint64_t lowBits(unsigned int count) {
+    return count >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
+}
+
+/// Shifts by any count; 0 from 64 up.
+constexpr std::uint64_t shiftedLeft(std::uint64_t value, unsigned int count) {
+    return count >= 64 ? 0 : value << count;
+}
+constexpr std::uint64_t shiftedRight(std::uint64_t value, unsigned int count) {
+    return count >= 64 ? 0 : value >> count;
+}
 
 /// The largest value of a width as a float: 255, 65535. From 25 bits up it is the power of two above.
 inline float unsignedScale(unsigned int width) {
@@ -27,7 +40,8 @@ inline float unsignedToFloat(std::uint64_t raw, unsigned int width) {
 inline float signedToFloat(std::int64_t raw, unsigned int width) {
     const unsigned int magnitudeBits = std::min(width - 1, 63u);
     const std::int64_t sign = raw >> magnitudeBits;
-    // Kept: negatives count as sign and magnitude, over 2^c - 2 in an element and over 2^c in a packed field.
+    // Kept (negatives-read-as-magnitude): a negative value is read as sign and magnitude, over 2^c - 2 in an element and over 2^c
+    // in a packed field, c being the bits of the magnitude. Signed .mok textures decode to these values.
     const std::uint64_t divisor = (std::uint64_t{1} << magnitudeBits) + static_cast<std::uint64_t>(sign) - 1;
     if (divisor == 0) return static_cast<float>(raw);
     if (sign == 0) return static_cast<float>(raw) / static_cast<float>(divisor);
@@ -35,14 +49,16 @@ inline float signedToFloat(std::int64_t raw, unsigned int width) {
     return -(static_cast<float>(magnitude) / static_cast<float>(divisor));
 }
 
-// Kept: there is no upper clamp; values above 1.0 exceed the width, and 1.0 itself does from 24 bits up.
+// Kept (no-upper-clamp): values above 1.0 exceed the width, and 1.0 itself does from 24 bits up, so that white in a 32-bit
+// channel is stored as 0. Files of 32-bit normalised layouts hold such zeros.
 inline std::uint64_t floatToUnsigned(float value, unsigned int width) {
     const float positive = value > 0.0f ? value : 0.0f;
     return static_cast<std::uint64_t>(truncateToInteger(positive * unsignedScale(width) + 0.5f));
 }
 
-/// Sign and magnitude: the sign lies in the top bit of the width.
-// Kept: negatives are scaled by one more than positives, so that -1.0 exceeds the magnitude's bits.
+/// Sign and magnitude: the sign is the top bit of the width.
+// Kept (negatives-scaled-by-one-more): -1.0 is scaled by one more than 1.0, and so exceeds the bits of the magnitude. The stored
+// bytes of signed targets depend on it.
 inline std::uint64_t floatToSigned(float value, unsigned int width) {
     const unsigned int magnitudeBits = width - 1;
     const unsigned int negative = value < 0.0f ? 1 : 0;
@@ -51,9 +67,21 @@ inline std::uint64_t floatToSigned(float value, unsigned int width) {
     return magnitude | shiftedLeft(negative, magnitudeBits);
 }
 
-/// The result of a sum of channels: which of several NaNs an addition keeps is the compiler's choice, so that all become one.
-inline float withOneNaN(float sum) {
-    return std::isnan(sum) ? std::numeric_limits<float>::quiet_NaN() : sum;
-}
+/// A float of 5 exponent bits with bias 15. From bit 0 up: mantissa, exponent, sign if the format has one.
+struct SmallFloat {
+    unsigned int mantissaBits;
+    bool hasSign;
+};
+inline constexpr unsigned int smallFloatExponentBits = 5;
+inline constexpr SmallFloat smallFloat16{10, true};
+inline constexpr SmallFloat smallFloat11{6, false};
+inline constexpr SmallFloat smallFloat10{5, false};
+
+/// The value of a field; bits above the format's are ignored. There are no denormals, infinities or NaNs.
+float floatFromSmallFloat(std::uint32_t field, SmallFloat format);
+
+/// The field for a value, with the mantissa truncated. The range is not clamped: an exponent or a sign that the format has no
+/// room for is in the bits above it.
+std::uint32_t smallFloatFromFloat(float value, SmallFloat format);
 
 }  // namespace moktexture

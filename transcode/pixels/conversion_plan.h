@@ -4,34 +4,63 @@
 #include <cstdint>
 #include <vector>
 
+#include "core/base/instruction_set.h"
 #include "transcode/pixels/channel_access.h"
-#include "transcode/pixels/value_source.h"
 
 namespace moktexture {
 
-/// Conversion between any two layouts without errors, through floats like the plain code, with everything settled beforehand that
-/// depends on the layouts.
+/// A pair of layouts to convert between.
+struct ConversionRequest {
+    const PixelCodec& from;
+    const PixelCodec& to;
+    EMOKTColourSpace target;  ///< where target and source differ, colour channels go through the curve
+    EMOKTColourSpace source;
+    std::uint64_t pixels;  ///< how many will be converted in all: more of them are worth more preparation
+    InstructionSet instructionSet;
+};
+
+/// The source of a destination channel's value. It depends on the two layouts alone.
+struct ValueSource {
+    enum Kind {
+        constant,   ///< the number `value`
+        channel,    ///< the source's channel `name`
+        luminance,  ///< weighted sum of the source's colour channels
+        mean,       ///< mean of the source's colour channels
+    };
+    Kind kind;
+    float value;
+    EChannelName name;
+};
+
+/// The source of the channel `name`, which `destination` has, as PixelCodec::convertFrom() chooses it.
+ValueSource valueSourceOf(EChannelName name, const PixelCodec& source, const PixelCodec& destination);
+
+/// Whether both layouts are free of errors and have channels of a known type.
+bool areConvertible(const PixelCodec& source, const PixelCodec& destination);
+
+/// Whether a curve applies to the channel.
+bool isColourChannel(EChannelName name);
+
+/// Conversion channel by channel, with all decisions that depend on the layouts made beforehand.
 class ConversionPlan {
 public:
-    /// @param pixels  how many pixels will be converted: larger tables pay from some number on
     /// The layouts are such that areConvertible().
-    ConversionPlan(const PixelCodec& from, const PixelCodec& to, EMOKTColourSpace target, EMOKTColourSpace source,
-                   std::uint64_t pixels);
+    explicit ConversionPlan(const ConversionRequest& request);
 
     void convert(const std::uint8_t* from, std::uint8_t* to, std::size_t pixels) const;
 
 private:
-    /// One destination channel: the value it takes, and how it is written.
+    /// One destination channel: its value and its writer.
     struct Assignment {
         void evaluate(const PixelBits* pixels, std::size_t count, float* values) const;
 
         ValueSource source;
-        /// Of the channel, or of the colour channels of a mix with their weights.
+        /// Of the one channel, or of the colour channels that are mixed, with their weights.
         std::vector<ChannelReader> readers;
         std::vector<float> weights;
         ChannelWriter writer;
     };
-    /// A written channel that goes through the curve.
+    /// A written channel that is read back and goes through the curve.
     struct CurvedChannel {
         ChannelReader reader;
         ChannelWriter writer;
@@ -42,9 +71,9 @@ private:
 
     std::size_t sourceBytes;
     std::size_t destinationBytes;
-    PixelBits sourceRest;                       ///< what the source's buffer holds beyond the pixel
+    PixelBits sourceRest;                       ///< what the source's buffer holds above the pixel
     std::vector<Assignment> assignments;        ///< in the order of EChannelName
-    std::vector<CurvedChannel> curvedChannels;  ///< likewise
+    std::vector<CurvedChannel> curvedChannels;  ///< in the order of EChannelName
 };
 
 }  // namespace moktexture

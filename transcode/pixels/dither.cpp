@@ -6,7 +6,31 @@
 
 #include "core/texture/data_size.h"
 #include "format_info.h"
-#include "transcode/pixels/channel_name.h"
+#include "transcode/pixels/PixelCodec.h"
+
+/// @file
+/// Error diffusion.
+///
+/// Problem: reducing a channel to b bits makes visible steps. The error of each pixel is therefore spread over neighbours that
+/// are still to be quantised:
+///
+///              | pixel (quantised) | + error / 2
+///     ---------+-------------------+-------------
+///              |     + error / 4   | + error / 4      each share truncated toward zero, each sum clamped to 0 to 255
+///
+/// The definition walks each channel column by column, top to bottom. A pixel thus gets its shares in the order upper left, left,
+/// above, and since each sum is clamped this order decides the bytes. No other order of visits matters: a pixel depends on those
+/// three neighbours alone. The walk here goes row by row with all channels of a pixel together, which touches memory in order,
+/// and adds the shares in the same order:
+///
+///     for each row:
+///         upper left = left = 0
+///         for each pixel:
+///             value += upper left / 4;  value += left / 2;  value += errors[x] / 4     # clamped after each
+///             quantise by table; the error becomes left and errors[x], the old errors[x] becomes upper left
+///
+/// One pass over the level and one row of errors, 8 bytes a pixel. The channel-by-channel form is in
+/// reference/dither_reference.cpp.
 
 namespace moktexture {
 
@@ -15,7 +39,8 @@ namespace {
 constexpr std::size_t channels = 4;
 
 /// Rates of an uncompressed layout.
-// Kept: of two positions with one channel the later counts; an `a` behind an `x` decides.
+// Kept (later-position-decides-rate): of two positions with the same channel the later one decides, also an `a` behind an `x`.
+// The bytes of dithered targets such as r5 i2 depend on it.
 DitherRates layoutRates(const PixelType& target) {
     DitherRates rates{};
     for (std::size_t position = 0; position < channels; ++position) {
@@ -53,9 +78,9 @@ constexpr unsigned char clampToByte(int value) {
     return static_cast<unsigned char>(std::clamp(value, 0, 255));
 }
 
-/// The 8-bit value that stands for what `bits` bits keep of `value`.
-/// Kept: what is added to the upper bits is the value shifted by `bits`; for 1 to 3 bits the result is no level of the target
-/// (1 bit gives the top bit plus half of the value); dithered files depend on it.
+/// The 8-bit value that `bits` bits of `value` represent.
+/// Kept (dither-second-shift): the value shifted by `bits` is added to the upper bits, so that for 1 to 3 bits the result is no
+/// level of the target: 1 bit gives the top bit plus half of the value. The bytes of every dithered texture depend on it.
 constexpr unsigned char quantise(unsigned char value, unsigned int bits) {
     const unsigned int dropped = 8 - bits;
     return clampToByte(static_cast<int>((value >> dropped << dropped) + (value >> bits)));
@@ -65,26 +90,7 @@ void addError(unsigned char& value, int error) {
     value = clampToByte(value + error);
 }
 
-/// Dithers one channel of one slice, of which `slice` is the first byte.
-void ditherSlicePlain(unsigned char* slice, unsigned int bits, std::size_t width, std::size_t height) {
-    const std::size_t pitch = width * channels;
-    for (std::size_t x = 0; x < width; ++x) {
-        const bool hasRight = x + 1 < width;
-        for (std::size_t y = 0; y < height; ++y) {
-            unsigned char* const pixel = slice + y * pitch + x * channels;
-            const unsigned char value = *pixel;
-            *pixel = quantise(value, bits);
-            const int error = value - *pixel;
-            if (hasRight) addError(pixel[channels], error / 2);
-            if (y + 1 < height) {
-                if (hasRight) addError(pixel[pitch + channels], error / 4);
-                addError(pixel[pitch], error / 4);
-            }
-        }
-    }
-}
-
-/// Per channel, what each value becomes: itself in a channel that is not dithered, whose error is then always 0.
+/// Per channel, the quantised form of each value; in a channel that is not dithered the value itself, so that its error is 0.
 using QuantiserTables = std::array<std::array<unsigned char, 256>, channels>;
 
 QuantiserTables quantiserTables(const DitherRates& rates) {
@@ -100,8 +106,7 @@ QuantiserTables quantiserTables(const DitherRates& rates) {
 
 using PixelErrors = std::array<std::int16_t, channels>;
 
-/// Dithers one row. `above` holds the errors of the row before it, and takes up this row's. A pixel gets its three shares in the
-/// order in which the columns' walk gives them, since each sum is clamped: from the upper left, the left, then from above.
+/// Dithers one row. `above` holds the errors of the row above, and receives this row's.
 void ditherRow(unsigned char* row, std::size_t width, const QuantiserTables& tables, PixelErrors* above) {
     PixelErrors upperLeft{};
     PixelErrors left{};
@@ -139,16 +144,6 @@ void ditherLevel(unsigned char* rgba, PixelType target, unsigned int width, unsi
         std::fill(errors.begin(), errors.end(), PixelErrors{});
         for (unsigned int y = 0; y < height; ++y, rgba += pitch)
             ditherRow(rgba, width, tables, errors.data());
-    }
-}
-
-void ditherLevelPlain(unsigned char* rgba, PixelType target, unsigned int width, unsigned int height, unsigned int depth) {
-    const DitherRates rates = ditherRates(target);
-    const std::size_t slice = std::size_t{width} * height * channels;
-    for (std::size_t channel = 0; channel < channels; ++channel) {
-        if (!isDithered(rates[channel])) continue;
-        for (unsigned int z = 0; z < depth; ++z)
-            ditherSlicePlain(rgba + z * slice + channel, rates[channel], width, height);
     }
 }
 

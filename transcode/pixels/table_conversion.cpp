@@ -3,10 +3,26 @@
 #include <algorithm>
 #include <cstring>
 
-#include "transcode/pixels/bit_field.h"
-#include "transcode/pixels/pixel_bits.h"
+#include "transcode/pixels/channel_value.h"
 #include "transcode/pixels/transfer_curve.h"
-#include "transcode/pixels/value_source.h"
+
+/// @file
+/// Conversion by tables.
+///
+/// If each destination channel takes its value from one source channel of at most 8 bits, the destination pixel is the OR of one
+/// table entry per channel:
+///
+///     preparation, for each destination channel, for each value of its source field:
+///         convert a pixel that holds this value by PixelCodec, curve included
+///         if a bit outside the destination channel is set:  there is no table conversion
+///         table[channel][value] = the bits
+///     for each pixel:
+///         result = table[0][field 0] | table[1][field 1] | table[2][field 2] | table[3][field 3]
+///
+/// Equality with PixelCodec is proved before use, not assumed: the tables hold PixelCodec's own results for every value, and the
+/// test of the outside bits shows that channels do not influence each other. Where all source fields are whole bytes, the tables
+/// are joined by source byte, so that no shift depends on the layout. The pixel loop is compiled for each pair of pixel sizes.
+/// Preparation takes at most 4 x 256 pixel conversions and 8 KiB.
 
 namespace moktexture {
 
@@ -40,13 +56,13 @@ std::uint32_t fieldShift(const PixelCodec& codec, unsigned int position) {
     return codec.isElement(position) ? position * codec.channelBits[position] : codec.shiftRight[position];
 }
 
-/// Runs the plain code over the values of one source field, for one destination channel.
+/// Runs PixelCodec over the values of one source field, for one destination channel.
 class ChannelTableBuilder {
 public:
     ChannelTableBuilder(const PixelCodec& source, const PixelCodec& destination, TransferCurve valueCurve)
         : from(source), to(destination), curve(valueCurve) {}
 
-    /// False if the channel takes its value from more than one field or spills.
+    /// False if the channel takes its value from more than one field or spills into other channels.
     bool build(unsigned int position, TableConversion::Channel& channel) {
         const EChannelName name = to.channelNames[position];
         const ValueSource value = valueSourceOf(name, from, to);
@@ -80,7 +96,7 @@ private:
     TransferCurve curve;
 };
 
-/// Joins the tables of each source byte, if all fields are whole bytes and the destination has one half.
+/// Joins the tables of each source byte, if all fields are whole bytes and the destination has at most 8 bytes.
 void joinByteFields(TableConversion& tables) {
     const auto isByteField = [](const TableConversion::Channel& channel) {
         return channel.mask == 0 || (channel.mask == 255 && channel.shift % 8 == 0);
@@ -152,15 +168,16 @@ Kernel kernelFor(bool byteFields, unsigned int sourceBytes, unsigned int destina
 
 }  // namespace
 
-std::optional<TableConversion> TableConversion::settle(const PixelCodec& from, const PixelCodec& to, EMOKTColourSpace target,
-                                                       EMOKTColourSpace source) {
+std::optional<TableConversion> TableConversion::make(const ConversionRequest& request) {
+    const PixelCodec& from = request.from;
+    const PixelCodec& to = request.to;
     if (!areConvertible(from, to) || !isRegular(from) || !isRegular(to) || !hasNarrowChannels(from) ||
         kernelFor(false, from.getBytesPerPixel(), to.getBytesPerPixel()) == nullptr)
         return std::nullopt;
     std::optional<TableConversion> conversion(std::in_place);
     conversion->sourceBytes = from.getBytesPerPixel();
     conversion->destinationBytes = to.getBytesPerPixel();
-    ChannelTableBuilder builder(from, to, transferCurve(target, source));
+    ChannelTableBuilder builder(from, to, transferCurve(request.target, request.source));
     for (unsigned int i = 0; i < to.channelCount; ++i)
         if (!builder.build(i, conversion->channels[i])) return std::nullopt;
     joinByteFields(*conversion);

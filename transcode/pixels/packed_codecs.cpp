@@ -1,7 +1,8 @@
-#include "transcode/pixels/packed_yuv.h"
+#include "transcode/pixels/packed_codecs.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <iterator>
 
 #include "compressed_format_id.h"
@@ -12,7 +13,11 @@ namespace {
 constexpr std::size_t bytesPerPixel = 4;
 constexpr std::size_t bytesPerGroup = 4;
 
-/// Where a format keeps the four values of a group.
+unsigned int isLight(const std::uint8_t* pixel) {
+    return (pixel[0] + pixel[1] + pixel[2]) / 3 >= 128 ? 1u : 0u;
+}
+
+/// The byte of each value of a group, by format.
 struct GroupOrder {
     std::uint32_t format;
     std::uint8_t yEven, u, yOdd, v;
@@ -40,7 +45,8 @@ float luma(const std::uint8_t* rgba) {
            16.5f;
 }
 
-// Kept: the chroma of a pair is not averaged. U comes from the even pixel alone and V from the odd one; textures are encoded so.
+// Kept (chroma-is-not-averaged): U comes from the even pixel alone and V from the odd one. The bytes of every encoded eFmtUYVY
+// and eFmtYUY2 texture depend on it.
 void rgbPairToYUV(const std::uint8_t* even, const std::uint8_t* odd, const GroupOrder& order, std::uint8_t* group) {
     group[order.yEven] = byteFromSum(luma(even));
     group[order.yOdd] = byteFromSum(luma(odd));
@@ -58,12 +64,39 @@ void yuvToRGB(int y, int u, int v, std::uint8_t* rgba) {
     const int c = (y - 16) * 298, d = u - 128, e = v - 128;
     rgba[0] = byteFromFixedPoint(c + 409 * e + 128);
     rgba[1] = byteFromFixedPoint(c - 100 * d - 208 * e + 128);
-    // Kept: the factor is 517, one above the customary 516; decoded blues depend on it.
+    // Kept (blue-factor-517): one above the customary 516. The blue of every decoded YUV texture depends on it.
     rgba[2] = byteFromFixedPoint(c + 517 * d + 128);
     rgba[3] = 255;
 }
 
 }  // namespace
+
+int encode1bpp(const void* rgba, void* bits, const std::uint32_t* width, const std::uint32_t* height) {
+    // Kept (incomplete-byte-is-dropped): pixels of an incomplete last byte are dropped. Transcode() reports failure for such
+    // levels, because their data size is rounded up to 8 pixels.
+    const std::uint32_t bytes = *width * *height >> 3;
+    if (rgba == nullptr || bits == nullptr) return static_cast<int>(bytes);
+    const auto* pixel = static_cast<const std::uint8_t*>(rgba);
+    auto* const out = static_cast<std::uint8_t*>(bits);
+    for (std::size_t i = 0; i < bytes; ++i) {
+        unsigned int byte = 0;
+        for (unsigned int bit = 0; bit < 8; ++bit, pixel += bytesPerPixel)
+            byte |= isLight(pixel) << bit;
+        out[i] = static_cast<std::uint8_t>(byte);
+    }
+    return static_cast<int>(bytes);
+}
+
+int decode1bpp(const void* bits, void* rgba, const std::uint32_t* width, const std::uint32_t* height) {
+    const std::uint32_t pixels = *width * *height;
+    if (bits == nullptr || rgba == nullptr) return static_cast<int>(pixels * 4);
+    constexpr std::uint8_t black[] = {0, 0, 0, 255}, white[] = {255, 255, 255, 255};
+    const auto* const in = static_cast<const std::uint8_t*>(bits);
+    auto* out = static_cast<std::uint8_t*>(rgba);
+    for (std::size_t i = 0; i < pixels; ++i, out += bytesPerPixel)
+        std::memcpy(out, (in[i / 8] >> i % 8 & 1) != 0 ? white : black, bytesPerPixel);
+    return static_cast<int>(pixels * 4);
+}
 
 int encodeYUV(const void* rgba, void* yuv, const std::uint32_t* width, const std::uint32_t* height, const std::uint32_t* format) {
     const GroupOrder* const order = findGroupOrder(*format);
@@ -75,7 +108,8 @@ int encodeYUV(const void* rgba, void* yuv, const std::uint32_t* width, const std
         for (std::size_t i = 0; i < groups; ++i, pixel += 2 * bytesPerPixel, group += bytesPerGroup)
             rgbPairToYUV(pixel, pixel + bytesPerPixel, *order, group);
     }
-    // Kept: at an odd width fewer bytes were written; callers that compare the sum with the level's size refuse such levels.
+    // Kept (odd-width-yuv-count): at an odd width fewer bytes were written. Transcode() compares this count with the data size,
+    // which is rounded up to 2 pixels, and so reports failure.
     return static_cast<int>(*width * *height * 2);
 }
 
@@ -89,7 +123,8 @@ int decodeYUV(const void* yuv, void* rgba, const std::uint32_t* width, const std
             const std::size_t index = y * *width + x;
             std::uint8_t* const pixel = static_cast<std::uint8_t*>(rgba) + index * bytesPerPixel;
             yuvToRGB(group[order->yEven], group[order->u], group[order->v], pixel);
-            // Kept: in an odd row the odd pixel falls on the next row, which overwrites it. The last row's has no place.
+            // Kept (odd-width-yuv-overhang): at an odd width the second pixel of a row's last group is written to the first pixel
+            // of the next row, which then overwrites it. That of the last row is dropped.
             if (index + 1 < pixels) yuvToRGB(group[order->yOdd], group[order->u], group[order->v], pixel + bytesPerPixel);
         }
     }

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "dxtn/dxtn.h"
-#include "transcode/dither_stage.h"
+#include "transcode/stages.h"
 #include "transcode_samples.h"
 
 using namespace samples;
@@ -31,7 +31,7 @@ constexpr PixelType rgb565('r', 'g', 'b', 0, 5, 6, 5, 0), oneBitGrey('l', 0, 0, 
 
 }  // namespace
 
-TEST(Transcode, ConvertsOnlyWhereTheFormDiffers) {
+TEST(Transcode, ConvertsOnlyIfTheFormatDiffers) {
     // A layout with an error converts to zeros, so what is left of the pixels tells whether they were touched.
     const PixelType twiceRed('r', 'r', 0, 0, 8, 8, 0, 0), fourReds('r', 'r', 'r', 'r', 8, 8, 8, 8);
     constexpr auto norm = eVarUByteNorm;
@@ -139,7 +139,7 @@ TEST(Transcode, SmallLevelsAreTiledForTheEncoderAndLostByTheDecoder) {
     }
 }
 
-TEST(Transcode, DecodedDataCountsAsLinearWhateverItsTextureDeclares) {
+TEST(Transcode, DecodedDataIsLinearWhateverTheTextureDeclares) {
     CMOKTexture declared = textureOf(eFmtDXT1, {8, 8}, eColourSpaceSRGB), curved = textureOf(eFmtDXT1, {8, 8});
     ASSERT_TRUE(Transcode(curved, PixelTypeRGBA8, eVarUByteNorm, eColourSpaceLinear));
     const Bytes linear = bytesOf(curved);
@@ -149,7 +149,7 @@ TEST(Transcode, DecodedDataCountsAsLinearWhateverItsTextureDeclares) {
     EXPECT_NE(bytesOf(declared), linear);
 }
 
-TEST(Transcode, GreyTargetsNameTheSourceOfTheirDither) {
+TEST(Transcode, GreySourceFollowsTheTarget) {
     const std::pair<PixelType, EChannelName> rows[] = {
         // clang-format off
         {{'l', 'a', 0, 0, 4, 4, 0, 0}, eChannelLuminance}, {{'l', 'g', 'r', 0, 5, 6, 5, 0}, eChannelLuminance},
@@ -162,7 +162,7 @@ TEST(Transcode, GreyTargetsNameTheSourceOfTheirDither) {
         EXPECT_EQ(greySource(target), source) << target.id;
 }
 
-TEST(Transcode, DithersEveryImageBeforeTheCurve) {
+TEST(Transcode, DithersEverySubresourceBeforeTheCurve) {
     // Four pixels by two in 16 bits, 103, 63, 198 and 144 of 255.
     const std::uint16_t pixel[] = {0x6790, 0x3F40, 0xC720, 0x9090};
     CMOKTexture source = textureOf(PixelTypeRGBA16, {4, 2, 1, 1, 2, 6}, eColourSpaceSRGB, eVarUShortNorm);

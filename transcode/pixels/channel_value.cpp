@@ -1,8 +1,6 @@
-#include "transcode/pixels/small_float.h"
+#include "transcode/pixels/channel_value.h"
 
 #include <bit>
-
-#include "transcode/pixels/bit_field.h"
 
 namespace moktexture {
 
@@ -21,9 +19,11 @@ float floatFromSmallFloat(std::uint32_t field, SmallFloat format) {
     const std::uint32_t exponent = field >> format.mantissaBits & exponentMask;
     const std::uint32_t sign = format.hasSign ? field >> (format.mantissaBits + smallFloatExponentBits) << 31 : 0;
 
-    // Kept: exponent 0 is rebiased like any other, so a stored zero reads as 2 to the -15.
+    // Kept (small-float-zero): exponent 0 is rebiased like any other, so that a stored zero reads as 2 to the -15. Half-float
+    // textures that are converted to 32 bits hold this value for black.
     std::uint32_t exponentField = (exponent + biasDifference) << floatMantissaBits;
-    // Kept: an infinity or NaN reads as a tiny number, as its 255 lies at bit 0.
+    // Kept (small-float-infinity): the 255 is at bit 0, so that an infinity or NaN reads as a tiny number. Half-float textures
+    // that are converted to 32 bits hold it.
     if (exponent == exponentMask) exponentField = 255;
     return std::bit_cast<float>(sign | exponentField | mantissa);
 }
@@ -33,9 +33,11 @@ std::uint32_t smallFloatFromFloat(float value, SmallFloat format) {
     const std::uint32_t mantissa = (bits & 0x7FFFFFu) >> (floatMantissaBits - format.mantissaBits);
     const std::uint32_t exponent = bits >> floatMantissaBits & 255;
 
-    // Kept: nothing saturates; an exponent below or above the range runs into the bits above the format.
+    // Kept (small-float-range): the exponent is not clamped; one outside the range runs into the bits above the format. The bytes
+    // of half-float and r11g11b10 textures depend on it.
     const std::uint32_t exponentField = exponent == 0 ? 0 : (exponent - biasDifference) << format.mantissaBits;
-    // Kept: the sign goes above the exponent in the formats without one too, and so into the next channel of a packed pixel.
+    // Kept (small-float-sign): the sign goes above the exponent in the formats without one too, and so into the next channel of a
+    // packed pixel. The bytes of r11g11b10 textures with negative values depend on it.
     const std::uint32_t sign = bits >> 31 << (format.mantissaBits + smallFloatExponentBits);
     return sign | exponentField | mantissa;
 }
