@@ -5,7 +5,7 @@
 #include <cstdint>
 
 /// @file
-/// RGBA8 colours in a word, red in the lowest byte, and colours as four floats on the same scale of 0 to 255.
+/// Colours as 32-bit RGBA8 words, red in the lowest byte, and as four floats in the same range of 0 to 255.
 
 namespace moktexture::amtc {
 
@@ -50,7 +50,7 @@ constexpr float dotProduct(const ColourVector& first, const ColourVector& second
     return sum;
 }
 
-/// The point at `fraction` of the way from one colour to another; fractions beyond 0 and 1 extrapolate.
+/// The point at `fraction` of the way from one colour to another; fractions below 0 and above 1 extrapolate.
 constexpr ColourVector pointBetween(const ColourVector& from, const ColourVector& to, float fraction) {
     ColourVector point{};
     for (std::size_t channel = 0; channel < channelCount; ++channel)
@@ -58,7 +58,7 @@ constexpr ColourVector pointBetween(const ColourVector& from, const ColourVector
     return point;
 }
 
-/// A float rounded to a byte: plus 0.5, floored, held to 0 to 255. What is not a number gives 0.
+/// Rounds to a byte: adds 0.5, takes the floor, clamps to 0 to 255. A value that is not a number gives 0.
 constexpr std::uint32_t roundToByte(float value) {
     const float raised = value + 0.5f;
     if (!(raised >= 1)) return 0;

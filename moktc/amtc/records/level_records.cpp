@@ -20,7 +20,7 @@ AmtcLevelSettings makeLevelSettings(std::int32_t width, std::int32_t height, Blo
 }
 
 const Candidate& BlockRecord::best() const {
-    // Records stand in the order of their modes, from 0 or from 8.
+    // Records are in the order of their modes, which start at 0 or at 8.
     return repStarts[bestMode % mostRegionModes].candidates[0];
 }
 
@@ -32,8 +32,8 @@ std::uint32_t ListRegionModes(const AmtcLevelSettings& settings, bool extended, 
         std::abort();
     }
     const std::uint32_t first = settings.bitsPerPixel == 4 ? region_mode::standard : region_mode::direct;
-    const std::uint32_t ofGeneration = settings.bitsPerPixel == 4 ? 2 : 4;
-    const std::uint32_t count = settings.secondGeneration != 0 && extended ? 2 * ofGeneration : ofGeneration;
+    const std::uint32_t perGeneration = settings.bitsPerPixel == 4 ? 2 : 4;
+    const std::uint32_t count = settings.secondGeneration != 0 && extended ? 2 * perGeneration : perGeneration;
     for (std::uint32_t i = 0; i < count; ++i)
         list[i] = first + i;
     return count;

@@ -9,7 +9,7 @@
 #include "moktc/block/block_variant.h"
 
 /// @file
-/// What all passes over a level share: its settings and one record a block.
+/// The records that all passes over a level share: its settings and one record per block.
 
 namespace moktexture::amtc {
 
@@ -20,15 +20,15 @@ using moktc::Rate;
 /// The rate that was never finished: levels can be described and analysed, and the listing of its region modes aborts.
 inline constexpr Rate oneBpp{1};
 
-/// Region modes: how a block's colours reach its pixels and how its pixels choose between them.
+/// Region modes: whether a block's colours are upscaled, and how the modulation index of a pixel selects its blend.
 ///
 ///   4 bits per pixel                             2 bits per pixel
-///   0  four levels 0, 3/8, 5/8, 1                8           one bit a pixel
+///   0  four levels 0, 3/8, 5/8, 1                8           one bit per pixel
 ///   1  punch-through: 0, 1/2, transparent, 1     9, 10, 11   two bits on a checkerboard; the other pixels get the mean of all
 ///   2  flat: colours are not upscaled                        four neighbours (9), left and right (10), above and below (11)
-///   3  flat, corner palette                      12 to 15    the same four, flat
+///   3  flat, corner palette                      12 to 15    as 8 to 11, flat
 ///
-/// 2, 3 and 12 to 15 are of the second generation.
+/// Modes 2, 3 and 12 to 15 exist in the second generation only.
 namespace region_mode {
 inline constexpr std::uint32_t standard = 0;
 inline constexpr std::uint32_t punchThrough = 1;
@@ -45,32 +45,33 @@ inline constexpr std::uint32_t flatVertical = 15;
 }  // namespace region_mode
 inline constexpr std::size_t mostRegionModes = 8;
 
-/// A footprint is the pixels that a block's colours influence, and a ring around them: twice the block size plus 1 each way.
+/// A footprint consists of the pixels that a block's colours influence and a ring around them: twice the block size plus 1 each
+/// way.
 inline constexpr std::size_t mostFootprintWidth = 17;
-inline constexpr std::size_t mostFootprintPixels = 17 * 17;  ///< the unfinished 1 bit per pixel; 81 at 4 and 153 at 2
+inline constexpr std::size_t mostFootprintPixels = 17 * 17;  ///< at 1 bit per pixel; 81 at 4, 153 at 2
 
-/// RGBA8 pixels, rows of `footprintWidth` without a gap.
+/// RGBA8 pixels in rows of `footprintWidth`, without padding.
 using Footprint = std::array<std::uint32_t, mostFootprintPixels>;
-/// One weight a pixel of a footprint.
+/// One weight per pixel of a footprint.
 using FootprintKernel = std::array<float, mostFootprintPixels>;
-/// One byte a pixel of a footprint.
+/// One byte per pixel of a footprint.
 using FootprintMask = std::array<std::uint8_t, mostFootprintPixels>;
 
-/// One level's settings. Those from `refineIterations` on change from sweep to sweep.
+/// The settings of one level. Those from `refineIterations` on change from sweep to sweep.
 struct AmtcLevelSettings {
     std::uint8_t formatVersion;  ///< 4
-    std::uint8_t bitsPerPixel;   ///< 4, 2 or the unfinished 1
+    std::uint8_t bitsPerPixel;   ///< 4 or 2; 1 was never finished
     std::uint8_t blockWidth, blockHeight;
     std::uint8_t footprintWidth, footprintHeight;
-    std::uint32_t secondGeneration;          ///< 1 for the second-generation format
-    std::uint32_t blocksDown, blocksAcross;  ///< size of the grid
+    std::uint32_t secondGeneration;          ///< 1 for the second generation
+    std::uint32_t blocksDown, blocksAcross;  ///< size of the grid of blocks
     std::uint32_t refineIterations;          ///< evaluations per candidate
-    std::uint32_t candidatesKept;            ///< per mode, between visits
-    std::uint32_t forceVisit;                ///< 1: no block is skipped
-    std::uint32_t extendedModes;             ///< 1: the region modes of the second generation too
-    std::uint32_t neighbourModeVariants;     ///< 1: 8 variants of the neighbours' modes instead of 1
-    std::uint32_t clampToBounds;             ///< 1: solved colours stay in the representative's box
-    std::uint32_t useSegments;               ///< 1: connected segments share a modulation level
+    std::uint32_t candidatesKept;            ///< per mode, from one visit to the next
+    std::uint32_t forceVisit;                ///< 1: visit every block
+    std::uint32_t extendedModes;             ///< 1: also try the region modes of the second generation
+    std::uint32_t neighbourModeVariants;     ///< 1: try 8 variants of the neighbours' modes instead of 1
+    std::uint32_t clampToBounds;             ///< 1: clamp solved colours to the extent of the representative
+    std::uint32_t useSegments;               ///< 1: the pixels of a segment share a modulation index
 
     std::size_t footprintPixels() const { return std::size_t{footprintWidth} * footprintHeight; }
     Generation generation() const { return secondGeneration != 0 ? Generation::second : Generation::first; }
@@ -80,25 +81,25 @@ struct AmtcLevelSettings {
 /// a block.
 AmtcLevelSettings makeLevelSettings(std::int32_t width, std::int32_t height, BlockVariant variant);
 
-/// A representative: what a set of pixels looks like as a cloud in RGBA space.
+/// A representative: a set of pixels described as a cloud in RGBA space.
 struct Rep {
     ColourVector minColour, maxColour;
     std::array<std::uint8_t, channelCount> meanColour;  ///< rounded, R, G, B, A
-    std::array<ColourVector, channelCount> axes;        ///< unit vectors, the one along which the pixels spread most first
-    ColourVector projMin, projMax;                      ///< extent of the pixels along each axis
-    std::uint32_t isFlat;                               ///< 1 if the least and the greatest colour are the same
+    std::array<ColourVector, channelCount> axes;        ///< unit vectors, by descending spread of the pixels
+    ColourVector projMin, projMax;                      ///< smallest and largest projection of the pixels on each axis
+    std::uint32_t isFlat;                               ///< 1 if the minimum and the maximum colour are equal
 };
 
 enum RepIndex : std::size_t {
     wholeRep,         ///< the whole footprint
     opaqueRep,        ///< its pixels that do not count as transparent
     centreRep,        ///< the block itself
-    detailRep,        ///< what the interpolated means of the blocks around leave of the footprint
-    opaqueDetailRep,  ///< the same of pixels with an alpha above 0
+    detailRep,        ///< the footprint minus the interpolated means of the blocks around
+    opaqueDetailRep,  ///< the same, for pixels with an alpha above 0
     repCount
 };
 
-inline constexpr std::uint32_t unknownError = 0x3fffffff;  ///< above every error of a footprint
+inline constexpr std::uint32_t unknownError = 0x3fffffff;  ///< larger than any error of a footprint
 
 /// A pair of colours as a decoder sees them: RGBA8, stored bits expanded.
 struct ColourPair {
@@ -108,7 +109,7 @@ struct ColourPair {
 
 struct Candidate {
     std::uint32_t colourA, colourB;
-    std::uint32_t error = unknownError;  ///< over the footprint: sum of squared differences, all channels alike
+    std::uint32_t error = unknownError;  ///< sum of squared differences over the footprint, all channels with the same weight
     std::uint32_t spare = 0;
 
     ColourPair colours() const { return {colourA, colourB}; }
@@ -116,20 +117,20 @@ struct Candidate {
 
 inline constexpr std::size_t mostCandidates = 4;
 
-/// A block's candidates in one region mode, the best first after the first visit.
+/// The candidates of a block in one region mode, sorted best first after the first visit.
 struct RepStart {
     std::uint8_t mode;          ///< a region mode
     std::uint8_t count;         ///< candidates in use
     std::uint32_t isFlatStart;  ///< 1 if the candidates come from a flat representative
-    const Rep* axes;            ///< axes and bounds that hold solved colours; points into the same block's record
+    const Rep* axes;            ///< axes and extent to which solved colours are clamped; points into the same record
     std::array<Candidate, mostCandidates> candidates;
 };
 
-/// What the refinement of a block depends on, beside its pixels and its own candidates.
+/// The inputs of a block's refinement beside its pixels and its own candidates.
 struct RefinementInputs {
-    std::array<ColourPair, 9> neighbourColours;  ///< those of the block itself count for nothing and are 0
+    std::array<ColourPair, 9> neighbourColours;  ///< entry 4, the block itself, is not used and 0
     std::array<std::uint8_t, 9> neighbourModes;  ///< likewise
-    std::array<std::uint8_t, 5> rules;           ///< settings that change from sweep to sweep
+    std::array<std::uint8_t, 5> rules;           ///< the settings that change from sweep to sweep
     bool operator==(const RefinementInputs&) const = default;
 };
 
@@ -140,7 +141,7 @@ struct BlockRecord {
     std::uint32_t lastChanged;                        ///< step of the last visit that changed the block
     std::uint32_t lastVisited;                        ///< step of the last visit
     std::array<RepStart, mostRegionModes> repStarts;  ///< in the order of ListRegionModes with extended modes
-    std::uint32_t bestMode;                           ///< the region mode in force, which neighbours see
+    std::uint32_t bestMode;                           ///< the region mode in force, which the neighbours see
     RefinementInputs lastInputs;                      ///< of the last visit
     std::uint32_t convergedModes;  ///< bit i: a visit with `lastInputs` left repStarts[i] unchanged, and would again
 
@@ -150,27 +151,28 @@ struct BlockRecord {
 
 using RegionModeList = std::array<std::uint32_t, mostRegionModes>;
 
-/// Lists the region modes of the format, with the second generation's own if `extended`, and returns their number. At 1 bit per
-/// pixel it writes a message and aborts.
+/// Lists the region modes of the format, with those of the second generation only if `extended`, and returns their number. At 1
+/// bit per pixel it writes a message and aborts.
 std::uint32_t ListRegionModes(const AmtcLevelSettings& settings, bool extended, RegionModeList& list);
 
-/// Pointers to the rows of records. Entries behind the last row are null.
+/// Pointers to the rows of records. Entries after the last row are null.
 using BlockRows = std::array<BlockRecord*, largestSide / 4>;
 
-/// One array of records a block row. Zeroed, so that no run can differ from another by what its format's passes leave unset, such
-/// as the records of another generation's modes. False, and nothing kept, if memory is short.
+/// Allocates one array of records per block row. The records are zeroed, so that fields that the passes of a format never set,
+/// such as the starts of another generation's modes, are the same in every run. False, with nothing allocated, if memory is
+/// short.
 bool AllocateBlockRows(std::int32_t width, std::int32_t height, std::uint32_t blockWidth, std::uint32_t blockHeight,
                        BlockRows& blockRows);
 void FreeBlockRows(BlockRows& blockRows);
 
-/// Copies the footprint around the pixel (centreX, centreY), wrapping around the image's edges.
+/// Copies the footprint centred on the pixel (centreX, centreY), wrapping at the edges of the image.
 void LoadFootprint(const AmtcImage& image, std::uint32_t centreX, std::uint32_t centreY, const AmtcLevelSettings& settings,
                    Footprint& footprint);
 /// The same around the centre of the block at `row` and `column`.
 void LoadBlockFootprint(const AmtcImage& image, std::uint32_t row, std::uint32_t column, const AmtcLevelSettings& settings,
                         Footprint& footprint);
 
-/// The records of the 3 by 3 blocks around one, row by row, wrapping around the grid's edges; the block itself is number 4.
+/// The records of the 3 by 3 blocks around one, row by row, wrapping at the edges of the grid; entry 4 is the block itself.
 using Neighbourhood = std::array<const BlockRecord*, 9>;
 inline constexpr std::size_t centreOfNeighbourhood = 4;
 Neighbourhood gatherNeighbourhood(const BlockRows& blockRows, const AmtcLevelSettings& settings, std::uint32_t row,

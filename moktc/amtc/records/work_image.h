@@ -8,8 +8,8 @@ namespace moktexture::amtc {
 
 inline constexpr std::int32_t largestSide = 4096;
 
-/// The level being encoded: the top left `Width` by `Height` pixels (RGBA8, red in the lowest byte) of rows of a constant stride.
-/// Its pages are taken lazily, so a small texture costs little of it.
+/// The MIP level being encoded: the top left `Width` by `Height` pixels (RGBA8, red in the lowest byte) of rows with a constant
+/// stride. The system commits its pages on first use, so that a small texture uses little of its 64 MiB.
 struct AmtcImage {
     std::int32_t Width;
     std::int32_t Height;
@@ -22,7 +22,7 @@ struct FreeWorkImage {
 };
 using WorkImage = std::unique_ptr<AmtcImage, FreeWorkImage>;
 
-/// A work image of zeroes, null if memory is short.
+/// A zeroed work image, null if memory is short.
 inline WorkImage makeWorkImage() {
     return WorkImage(static_cast<AmtcImage*>(std::calloc(1, sizeof(AmtcImage))));
 }

@@ -13,7 +13,7 @@ namespace {
 
 using namespace moktexture::amtc;
 using Bytes = std::array<std::uint8_t, channelCount>;
-/// The colour of a pixel at a row and a column of a footprint.
+/// The colour of the pixel at a row and a column of a footprint.
 using Painter = std::function<std::uint32_t(std::size_t, std::size_t)>;
 
 constexpr std::uint32_t rgba(std::uint32_t r, std::uint32_t g, std::uint32_t b, std::uint32_t a) {
@@ -44,16 +44,19 @@ struct Format {
     }
 };
 
-/// Flat at a colour, by bounds and axes, with a mean and an extent.
+/// Expects bounds of one colour and no axes of its own, with the given mean and extent.
 void expectFlat(const Rep& rep, const ColourVector& colour, const Bytes& mean, const ColourVector& projMin,
                 const ColourVector& projMax) {
     EXPECT_EQ(rep.isFlat, 1u);
     EXPECT_EQ(rep.axes, identityMatrix);
     EXPECT_EQ(rep.meanColour, mean);
-    EXPECT_EQ(std::tie(rep.minColour, rep.maxColour, rep.projMin, rep.projMax), std::tie(colour, colour, projMin, projMax));
+    EXPECT_EQ(rep.minColour, colour);
+    EXPECT_EQ(rep.maxColour, colour);
+    EXPECT_EQ(rep.projMin, projMin);
+    EXPECT_EQ(rep.projMax, projMax);
 }
 
-/// Not flat; the first axis is along `direction`, either way, and the pixels reach from `from` to `to` on it.
+/// Expects a first axis along `direction`, in either sense, on which the pixels extend from `from` to `to`.
 void expectLine(const Rep& rep, const Bytes& mean, const ColourVector& direction, float from, float to) {
     const float length = std::sqrt(dotProduct(direction, direction)), sign = dotProduct(direction, rep.axes[0]) < 0 ? -1 : 1;
     for (std::size_t channel = 0; channel < channelCount; ++channel)
@@ -69,7 +72,7 @@ TEST(EigenSymmetric, GivesOrthonormalVectorsByDescendingEigenvalue) {
     for (int round = 0; round < 4000; ++round) {
         const std::size_t n = 2 + random.below(3);
         SquareMatrix matrix{}, vectors;
-        for (int rank = round % 5; rank > 0; --rank) {  // ranks below n: eigenvalues of 0, several alike
+        for (int rank = round % 5; rank > 0; --rank) {  // ranks below n give eigenvalues of 0 and equal ones
             ColourVector v{};
             std::generate_n(v.begin(), n, [&] { return static_cast<float>(random.below(511)) - 255; });
             for (std::size_t i = 0; i < n * n; ++i)
@@ -87,7 +90,7 @@ TEST(EigenSymmetric, GivesOrthonormalVectorsByDescendingEigenvalue) {
     }
 }
 
-TEST(EigenSymmetric, TurnsByTheSmallerAngleAndSortsBySwapping) {
+TEST(EigenSymmetric, RotatesByTheSmallerAngleAndSortsBySwapping) {
     ColourVector values;
     SquareMatrix vectors;
     EigenSymmetric({{{3, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 7, 0}, {0, 0, 0, 3}}}, 4, values, vectors);
@@ -107,7 +110,7 @@ TEST(AmtcFootprintStatistics, DescribeFlatAndTwoColouredFootprints) {
                 expectFlat(block.reps[rep], toVector(pixel), c, toVector(pixel), toVector(pixel));
         }
     }
-    // The right columns weigh 247 of 367; the block's own mean is plain.
+    // The right columns weigh 247 of 367 in the whole; the mean of the centre is not weighted.
     const BlockRecord halves = Format{4, 0}.analyse(columns(4, rgba(0, 0, 0, 255), rgba(200, 100, 40, 255)));
     for (const RepIndex rep : {wholeRep, opaqueRep})
         expectLine(halves.reps[rep], {135, 67, 27, 255}, {200, 100, 40, 0}, 0, 227.156f);
@@ -118,7 +121,8 @@ TEST(AmtcFootprintStatistics, CountTransparencyByRateAndGeneration) {
     const std::uint32_t ground = rgba(90, 90, 90, 200), hidden = rgba(50, 60, 70, 0), nothing = 0;
     // clang-format off
     const std::tuple<Format, std::uint32_t, std::uint32_t, ColourVector> cases[] = {
-        {Format{4, 0}, hidden,  1, {50, 60, 70, 200}},  // with the others' alpha
+        // Format     pixel    transparent  minimum of the opaque colours
+        {Format{4, 0}, hidden,  1, {50, 60, 70, 200}},  // with the alpha of the others
         {Format{4, 0}, nothing, 1, { 0,  0,  0, 200}},
         {Format{4, 1}, hidden,  0, {50, 60, 70,   0}},
         {Format{4, 1}, nothing, 1, {90, 90, 90, 200}},
@@ -136,16 +140,16 @@ TEST(AmtcFootprintStatistics, CountTransparencyByRateAndGeneration) {
     }
 }
 
-TEST(AmtcFootprintStatistics, HoldTransparentPixelsByTheirGeneration) {
+TEST(AmtcFootprintStatistics, IncludeOrExcludeTransparentPixelsByGeneration) {
     // The first generation hides columns 0 to 4, of weight 247, behind an alpha of (96 * 100 + 24 * 201) / 120.
     const BlockRecord first =
         Format{4, 0}.analyse([](auto, auto x) { return x < 5 ? rgba(1, 2, 3, 0) : rgba(10, 20, 30, x < 7 ? 100 : 201); });
     EXPECT_EQ(first.reps[opaqueRep].meanColour, (Bytes{4, 8, 12, 120}));
-    // The second leaves rows 0 to 3 out.
+    // The second excludes rows 0 to 3.
     const BlockRecord second = Format{4, 1}.analyse(below(4, 0, columns(6, rgba(10, 20, 30, 255), rgba(10, 220, 30, 255))));
     expectLine(second.reps[opaqueRep], {10, 51, 30, 255}, {0, 1, 0, 0}, 20, 220);
     EXPECT_EQ(second.reps[wholeRep].minColour, ColourVector{});
-    // Hidden colours alone: the whole footprint stands in, but its extent stays empty.
+    // Only hidden colours: a copy of the whole footprint, but with an empty extent.
     const BlockRecord hidden = Format{4, 0}.analyse(columns(4, 10, 200));
     expectLine(hidden.reps[wholeRep], {138, 0, 0, 0}, {1, 0, 0, 0}, 10, 200);
     EXPECT_EQ(hidden.reps[opaqueRep].axes, hidden.reps[wholeRep].axes);
@@ -162,7 +166,7 @@ TEST(AmtcFootprintStatistics, OfOneOpaqueColourKeepAnUndividedMeanAndMakeTheWhol
     const BlockRecord inside = Format{4, 1}.analyse(columns(3, 0, roundToRGBA(colour)));
     expectFlat(inside.reps[opaqueRep], colour, {169, 85, 34, 216}, colour, colour);
     expectLine(inside.reps[wholeRep], {169, 85, 34, 216}, colour, 0, 341.504f);
-    // The first generation leaves nothing out, and the whole's bounds are the opaque ones while its mean is that of all pixels.
+    // The first generation excludes nothing: the whole has the bounds of the opaque pixels and the mean of all.
     const BlockRecord first = Format{4, 0}.analyse(columns(1, rgba(200, 100, 40, 0), roundToRGBA(colour)));
     expectFlat(first.reps[opaqueRep], colour, {200, 100, 40, 255}, colour, colour);
     expectFlat(first.reps[wholeRep], colour, {200, 100, 40, 249}, {200, 100, 40, 0}, colour);
@@ -191,7 +195,7 @@ TEST(AmtcDetailStatistics, DescribeColoursAroundTheBlocksMean) {
     constexpr std::uint32_t ground = rgba(100, 110, 120, 130), ring = rgba(90, 110, 120, 130);
     NeighbourMeans means;
     means.fill(mean);
-    // The ring counts in bounds and means, and not in the extent: 100 + (20 * 359 * 247 / 367 - 10 * 8) / 367.
+    // The outer ring is part of bounds and means, and not of the extent: 100 + (20 * 359 * 247 / 367 - 10 * 8) / 367.
     const BlockRecord opaque = Format{4, 0}.analyse(below(1, ring, columns(4, ground, ground + 20)), means);
     for (const RepIndex rep : {detailRep, opaqueDetailRep}) {
         expectLine(opaque.reps[rep], {113, 110, 120, 130}, {1, 0, 0, 0}, 100, 120);
@@ -203,7 +207,7 @@ TEST(AmtcDetailStatistics, DescribeColoursAroundTheBlocksMean) {
     expectLine(partial.reps[opaqueDetailRep], {113, 110, 120, 130}, {1, 0, 0, 0}, 100, 140);
     EXPECT_EQ(partial.reps[detailRep].meanColour, (Bytes{76, 74, 81, 87})) << "rows 0 to 3 differ by all of the mean";
     EXPECT_EQ(partial.reps[detailRep].minColour, (ColourVector{-100, -110, -120, -130}));
-    // Inner pixels that are all transparent: no detail, but their extent.
+    // Inner pixels that are all transparent: no detail, but an extent.
     const BlockRecord hidden = Format{2, 0}.analyse(below(1, ring, columns(8, 20, 220)), means);
     expectFlat(hidden.reps[detailRep], {}, mean, {20, 0, 0, 0}, {220, 110, 120, 130});
     expectFlat(hidden.reps[opaqueDetailRep], {}, mean, toVector(ground), toVector(ground));

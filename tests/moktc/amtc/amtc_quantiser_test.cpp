@@ -22,7 +22,7 @@ constexpr std::uint32_t rgba(std::uint32_t r, std::uint32_t g, std::uint32_t b, 
     return r | g << 8 | b << 16 | a << 24;
 }
 
-/// What a decoder makes of the pair once it is in a block.
+/// The pair as a decoder reads it from a block.
 AmtcPair throughBlock(const AmtcPair& pair, bool secondGeneration) {
     const bool isOpaqueA = pair.a >> 24 == 255 && (!secondGeneration || pair.b >> 24 == 255);
     const bool isOpaqueB = pair.b >> 24 == 255 && (!secondGeneration || pair.a >> 24 == 255);
@@ -34,7 +34,7 @@ AmtcPair throughBlock(const AmtcPair& pair, bool secondGeneration) {
     return {ExpandColour(colours.a), ExpandColour(colours.b)};
 }
 
-/// The pair itself, but for the alphas beside a translucent other that the second generation cannot hold.
+/// The pair with the alphas that the second generation stores instead of 255 beside a translucent B, or of 0 for B.
 AmtcPair asStorable(AmtcPair pair, bool secondGeneration) {
     if (secondGeneration && pair.a >> 24 == 255 && pair.b >> 24 != 255) pair.a = (pair.a & colourMask) | 238u << 24;
     if (secondGeneration && pair.b >> 24 == 0) pair.b |= 17u << 24;
@@ -51,7 +51,7 @@ std::uint32_t nearestCode(float wanted, std::uint32_t bits, bool preferUpper) {
     return nearest;
 }
 
-TEST(AmtcQuantiser, ChannelsGoToTheNearestCodeAndTiesWhereTold) {
+TEST(AmtcQuantiser, ChannelsRoundToTheNearestCodeAndTiesToThePreferredOne) {
     std::vector<float> values = {-1e30f, 1e-40f, 1e30f, std::numeric_limits<float>::infinity()};
     for (int half = -2; half <= 514; ++half) {
         const float value = static_cast<float>(half) / 2;
@@ -67,10 +67,10 @@ TEST(AmtcQuantiser, ChannelsGoToTheNearestCodeAndTiesWhereTold) {
     }
 }
 
-TEST(AmtcQuantiser, AlphaGoesToTheNearestOfItsValues) {
+TEST(AmtcQuantiser, AlphaRoundsToTheNearestStorableValue) {
     constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
     // clang-format off
-    const std::tuple<float, std::uint32_t, std::uint32_t> cases[] = {
+    const std::tuple<float, std::uint32_t, std::uint32_t> cases[] = {  // value, low bit, expected
         {   -3, 1,   0}, {16.99f, 0,   0}, {   17, 0,  34}, {246.49f, 0, 238}, {246.5f, 0, 255}, {       300, 0, 255}, {notANumber, 0, 0},
         {    0, 1,   0}, { 0.01f, 1,  17}, {33.9f, 1,  17}, {     34, 1,  51}, {237.9f, 1, 221}, {254.99998f, 1, 255}, {notANumber, 1, 0},
     };
@@ -79,7 +79,7 @@ TEST(AmtcQuantiser, AlphaGoesToTheNearestOfItsValues) {
         EXPECT_EQ(QuantiseAlpha(value, lowBit), expected) << value << " low bit " << lowBit;
 }
 
-TEST(AmtcQuantiser, SingleColourRowsAreTheKnownOnes) {
+TEST(AmtcQuantiser, SingleColourTablesHoldTheKnownRows) {
     constexpr const SingleColourTables& tables = singleColourTables;
     const struct {
         const SingleColourTable& table;
@@ -87,6 +87,7 @@ TEST(AmtcQuantiser, SingleColourRowsAreTheKnownOnes) {
         std::uint8_t options[8][3];
         // clang-format off
     } rows[] = {
+        // Table, target, (error, A, B) of options 0 to 7
         {tables.a5b5,     3, {{  9,   0,   0}, {0,   0,   8}, { 1,   0,   8}, { 4,   0,   8}, {  9,   0,   0}, {  0,   0,   8}, {  1,   0,   8}, { 4,   0,   8}}},
         {tables.a5b5,   128, {{ 16, 132, 132}, {1, 123, 140}, { 1, 123, 132}, { 0, 123, 132}, { 16, 132, 132}, {  4, 123, 132}, {  1, 123, 132}, { 0, 123, 132}}},
         {tables.a5b5,   200, {{  4, 198, 198}, {1, 198, 206}, { 1, 189, 214}, { 1, 189, 206}, {  4, 198, 198}, {  1, 198, 206}, {  4, 198, 198}, { 4, 198, 198}}},
@@ -98,10 +99,10 @@ TEST(AmtcQuantiser, SingleColourRowsAreTheKnownOnes) {
         EXPECT_EQ(std::memcmp(&row.table[row.target], row.options, sizeof row.options), 0) << row.target;
 }
 
-TEST(AmtcQuantiser, SingleColoursTakeTheOptionThatServesAllChannelsBest) {
+TEST(AmtcQuantiser, SingleColoursTakeTheOptionWithTheSmallestErrorOverAllChannels) {
     const struct {
         std::uint32_t colour;
-        AmtcPair expected[4];  ///< of all pairs and of close ones, then the same for punch-through
+        AmtcPair expected[4];  ///< wide, narrow, then the same for punch-through
         // clang-format off
     } cases[] = {
         {0xff646464, {{0xff635a5a, 0xff636b6b}, {0xff636363, 0xff636363}, {0xff636363, 0xff636363}, {0xff636363, 0xff636363}}},
@@ -143,7 +144,8 @@ TEST(AmtcQuantiser, PairsFitTheBlock) {
             b[c] = a[c] + (static_cast<float>(random.below(2000)) / 1000 - 1) * spread;
         }
         const bool secondGeneration = random.below(2) != 0, isPunchThrough = random.below(2) != 0;
-        if (!secondGeneration && roundToByte(a[alphaChannel]) == 247) continue;  // see the test before
+        if (!secondGeneration && roundToByte(a[alphaChannel]) == 247)
+            continue;  // an A with a blue of 3 bits, as in the test before
         const AmtcPair pair = QuantiseColourPair(Generation(secondGeneration), isPunchThrough, a, b);
         ASSERT_EQ(throughBlock(pair, secondGeneration), asStorable(pair, secondGeneration)) << std::hex << pair.a;
     }
@@ -154,17 +156,18 @@ TEST(AmtcQuantiser, PairsFitTheBlock) {
 TEST(AmtcQuantiser, PairsAreQuantisedByTheirDistance) {
     // clang-format off
     const std::tuple<const char*, bool, ColourVector, ColourVector, AmtcPair> cases[] = {
+        // Rule, second generation, wanted A, wanted B, expected pair
         {"equal: by the tables",       false, {  128, 128,   0, 255}, {  128, 128,    0, 255}, {rgba(123, 123,   0, 255), rgba(132, 132,   0, 255)}},
-        {"equal: turned",              false, {128.4f, 128,   0, 255}, {  128, 128,    0, 255}, {rgba(132, 132,   0, 255), rgba(123, 123,   0, 255)}},
-        {"blue keeps its side",        false, {128.4f, 128, 128, 255}, {  128, 128,  128, 255}, {rgba(123, 123, 115, 255), rgba(132, 132, 140, 255)}},
-        {"alpha keeps its side",       true,  {128.4f, 128,   0, 128}, {  128, 128,    0, 128}, {rgba(115, 115,   0, 136), rgba(140, 140,   0, 153)}},
-        {"near: levels 0 and 3/8",     false, {  100,  50, 200, 255}, {  104,  53,  203, 255}, {rgba( 99,  49, 206, 255), rgba(107,  57, 206, 255)}},
-        {"near: levels 3/8 and 5/8",   false, {   30,  60,  90, 120}, {   33,  63,   93, 117}, {rgba( 33,  66,  74, 136), rgba( 33,  66,  99, 102)}},
-        {"near: levels 5/8 and 1",     true , {  200, 120,  20, 255}, {  196, 124,   17, 255}, {rgba(206, 115,  16, 255), rgba(198, 123,  16, 255)}},
-        {"near, A translucent alone",  false, {  200, 120,  20, 244}, {  196, 124,   17, 246}, {rgba(206, 115,  33, 238), rgba(198, 123,  16, 255)}},
+        {"equal: exchanged",              false, {128.4f, 128,   0, 255}, {  128, 128,    0, 255}, {rgba(132, 132,   0, 255), rgba(123, 123,   0, 255)}},
+        {"blue is not swappable",        false, {128.4f, 128, 128, 255}, {  128, 128,  128, 255}, {rgba(123, 123, 115, 255), rgba(132, 132, 140, 255)}},
+        {"alpha is not swappable",       true,  {128.4f, 128,   0, 128}, {  128, 128,    0, 128}, {rgba(115, 115,   0, 136), rgba(140, 140,   0, 153)}},
+        {"close: levels 0 and 3/8",     false, {  100,  50, 200, 255}, {  104,  53,  203, 255}, {rgba( 99,  49, 206, 255), rgba(107,  57, 206, 255)}},
+        {"close: levels 3/8 and 5/8",   false, {   30,  60,  90, 120}, {   33,  63,   93, 117}, {rgba( 33,  66,  74, 136), rgba( 33,  66,  99, 102)}},
+        {"close: levels 5/8 and 1",     true , {  200, 120,  20, 255}, {  196, 124,   17, 255}, {rgba(206, 115,  16, 255), rgba(198, 123,  16, 255)}},
+        {"close, only A translucent",  false, {  200, 120,  20, 244}, {  196, 124,   17, 246}, {rgba(206, 115,  33, 238), rgba(198, 123,  16, 255)}},
         {"ties move apart",            true , {28.5f,   4,   8, 253}, {36.5f,  12,    0, 253}, {rgba( 24,   0,  16, 255), rgba( 33,  16,   0, 255)}},
-        {"ties, the other way round",  true , {36.5f,  12,   0, 253}, {28.5f,   4, 8.5f, 253}, {rgba( 33,  16,   0, 255), rgba( 24,   0,   8, 255)}},
-        {"alphas of 255 after all",    true , {    0,  90,   0, 252}, {   90,   0,    0, 255}, {rgba(  0,  90,   0, 255), rgba( 90,   0,   0, 255)}},
+        {"ties, A and B exchanged",  true , {36.5f,  12,   0, 253}, {28.5f,   4, 8.5f, 253}, {rgba( 33,  16,   0, 255), rgba( 24,   0,   8, 255)}},
+        {"alphas rounded to 255",    true , {    0,  90,   0, 252}, {   90,   0,    0, 255}, {rgba(  0,  90,   0, 255), rgba( 90,   0,   0, 255)}},
         {"second generation",          true , {    0,  90,   0, 200}, {   90,   0,    0,  40}, {rgba(  0,  82,   0, 204), rgba( 82,   0,   0,  51)}},
         {"first generation, A opaque", false, {    0,  90,   0, 255}, {   90,   0,    0,  40}, {rgba(  0,  90,   0, 255), rgba( 82,   0,   0,  34)}},
     };

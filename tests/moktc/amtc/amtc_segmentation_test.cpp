@@ -20,7 +20,7 @@ Segments segment(const AmtcLevelSettings& settings, Painter painter) {
 
 const AmtcLevelSettings at4Bits = makeLevelSettings(64, 64, {Rate::fourBpp, Generation::first});
 
-/// Four far colours in tiles of 2 by 2, so that no pixel has its like beside it.
+/// Four different colours in tiles of 2 by 2, so that no two adjacent pixels are alike.
 std::uint32_t tile(std::uint32_t y, std::uint32_t x) {
     constexpr std::uint32_t colours[] = {0xff000000, 0xff0000ff, 0xff00ff00, 0xffff0000};
     return colours[2 * (y % 2) + x % 2];
@@ -38,20 +38,20 @@ TEST(AmtcSegmentation, CountsConnectedSmoothRegions) {
         std::uint32_t (*painter)(std::uint32_t y, std::uint32_t x);
         std::uint32_t count;  ///< at 4 bits per pixel: 9 by 9
     } cases[] = {
-        {"tiles of single pixels", tile, 81},
-        {"a checkerboard, joined over corners", [](auto y, auto x) { return step((x + y) % 2 == 0); }, 2},
+        {"no two adjacent pixels alike", tile, 81},
+        {"a checkerboard, connected diagonally", [](auto y, auto x) { return step((x + y) % 2 == 0); }, 2},
         {"first column, which bends like its neighbour", [](auto y, auto x) { return step(x < 1 && y > 0); }, 2},
         {"last column", [](auto, auto x) { return step(x < 8); }, 2},
         {"first row", [](auto y, auto x) { return step(y < 1 && x > 0); }, 2},
         {"last row", [](auto y, auto) { return step(y < 8); }, 2},
         {"a line through the middle", [](auto, auto x) { return step(x != 4); }, 3},
         {"a steep ramp along columns", [](auto y, auto) { return 25 * y << 24; }, 1},
-        {"far from the seed by 16", [](auto y, auto x) { return (x + y) % 2 * 4; }, 1},
-        {"far from the seed by 17", [](auto y, auto x) { return (x + y) % 2 * 0x0104; }, 2},
-        // Bends of 4 (16 squared) join, of 5 do not: ramps along the rows that kink at column 4.
+        {"squared distance of 16 from the seed", [](auto y, auto x) { return (x + y) % 2 * 4; }, 1},
+        {"squared distance of 17 from the seed", [](auto y, auto x) { return (x + y) % 2 * 0x0104; }, 2},
+        // Ramps along the rows whose slope changes at column 4, by less and by more than the threshold.
         {"a bend of 4", [](auto, auto x) { return 100 + 10 * x + (x > 4 ? 4 * (x - 4) : 0); }, 1},
         {"a bend of 5", [](auto, auto x) { return 100 + 10 * x + (x > 4 ? 5 * (x - 4) : 0); }, 2},
-        // A like pixel beyond the end of a row is no neighbour.
+        // The first pixel of the next row is no neighbour of the last one.
         {"ends of rows", [](auto y, auto x) { return (y == 2 && x == 8) || (y == 3 && x == 0) ? 0x80808080u : tile(y, x); }, 81},
     };
     for (const auto& c : cases)
@@ -59,7 +59,7 @@ TEST(AmtcSegmentation, CountsConnectedSmoothRegions) {
 }
 
 TEST(AmtcSegmentation, FillsFromAStackRowByRowAndSegmentBySegment) {
-    // A column parts the footprint; the segments follow each other in the order of their seeds.
+    // A column divides the footprint; segments are in the order of their seeds.
     const Segments segments = segment(at4Bits, [](auto, auto x) { return step(x != 4); });
     constexpr std::uint8_t labels[] = {0, 0, 0, 0, 1, 2, 2, 2, 2, 0},
                            start[] = {0, 1, 9, 10, 2, 11, 18, 19, 20, 12, 21, 28, 29, 30};
@@ -69,7 +69,7 @@ TEST(AmtcSegmentation, FillsFromAStackRowByRowAndSegmentBySegment) {
     EXPECT_TRUE(std::equal(std::begin(further), std::end(further), segments.order.begin() + 36));
 }
 
-TEST(AmtcSegmentation, EndsWithMorePixelsThanLabels) {
+TEST(AmtcSegmentation, SharesTheLastLabelWhereLabelsRunOut) {
     const Segments segments = segment(makeLevelSettings(64, 64, {oneBpp, Generation::first}), tile);
     EXPECT_EQ(segments.count, 289u);
     EXPECT_EQ(segments.labels[288], 254);

@@ -20,7 +20,7 @@ namespace {
 constexpr ColourVector diagonal = {0.5f, 0.5f, 0.5f, 0.5f};
 const AmtcLevelSettings at4Bits = makeLevelSettings(64, 64, {Rate::fourBpp, Generation::second});  ///< second generation
 
-/// A footprint whose left columns have one colour and the others another.
+/// A footprint with one colour in its left columns and another in the rest.
 Footprint halves(const AmtcLevelSettings& settings, std::uint32_t left, std::uint32_t right, std::size_t leftColumns = 4) {
     Footprint footprint{};
     for (std::size_t i = 0; i < settings.footprintPixels(); ++i)
@@ -57,35 +57,37 @@ double errorOfLevels(const SortedPositions& sorted, double low, double high) {
 
 TEST(AmtcFourLevelFit, FindsTheEndsOfFourLevels) {
     for (const auto& [low, high] : {std::pair{14.0, 80.0}, {85.0, 12.0}, {10.0, 75.0}}) {
-        RegressionCache none;
-        const LevelFit fit = FitFourLevels(sortedFrom({10, 10, 10, 40, 40, 60, 90, 90}), low, high, none);
-        EXPECT_NEAR(std::abs(fit.low - 10) + std::abs(fit.high - 90) + fit.error, 0, 1e-9) << low << ' ' << high;
+        RegressionCache cache;
+        const LevelFit fit = FitFourLevels(sortedFrom({10, 10, 10, 40, 40, 60, 90, 90}), low, high, cache);
+        EXPECT_NEAR(fit.low, 10, 1e-9);
+        EXPECT_NEAR(fit.high, 90, 1e-9);
+        EXPECT_NEAR(fit.error, 0, 1e-9);
     }
     testimages::Random random(3);
     for (int round = 0; round < 500; ++round) {
         std::vector<double> positions(2 + random.below(152), 511);
         std::generate(positions.begin() + 1, positions.end(), [&] { return random.below(2u << random.below(9)); });
         const SortedPositions sorted = sortedFrom(positions);
-        RegressionCache known;
-        for (int start = 0; start < 3; ++start) {  // what is known of a partition holds for any start
+        RegressionCache filled;
+        for (int start = 0; start < 3; ++start) {  // a cache filled by other starts changes no fit
             const double low = random.below(512), high = random.below(512);
-            RegressionCache none;
-            const LevelFit fit = FitFourLevels(sorted, low, high, none);
-            ASSERT_EQ(FitFourLevels(sorted, low, high, known).error, fit.error);
+            RegressionCache empty;
+            const LevelFit fit = FitFourLevels(sorted, low, high, empty);
+            ASSERT_EQ(FitFourLevels(sorted, low, high, filled).error, fit.error);
             ASSERT_NEAR(fit.error, errorOfLevels(sorted, fit.low, fit.high), 1e-6 * (1 + fit.error));
         }
     }
 }
 
-TEST(AmtcFourLevelFit, EndsThatStayAreTheResultEvenIfEarlierOnesWereBetter) {
-    RegressionCache none;
+TEST(AmtcFourLevelFit, EndsThatNoLongerMoveAreTheResultEvenIfEarlierOnesWereBetter) {
+    RegressionCache cache;
     const SortedPositions sorted = sortedFrom({0, 3, 6, 8, 10});
-    const LevelFit fit = FitFourLevels(sorted, 0, 10, none);
+    const LevelFit fit = FitFourLevels(sorted, 0, 10, cache);
     EXPECT_NEAR(fit.low, 0.15, 1e-9);
     EXPECT_GT(fit.error, errorOfLevels(sorted, 0, 10));
 }
 
-TEST(AmtcAxisEndpoints, TwoFlatHalvesGiveTheirColoursTheStrongerLast) {
+TEST(AmtcAxisEndpoints, TwoFlatHalvesGiveTheirColoursWithTheLargerMagnitudeAsB) {
     for (const auto& [weaker, stronger] :
          {ColourPair{0xff000000, 0xffffffff}, {0xff101884, 0xffff0000}, {0x00ffffff, 0xdd000000}}) {
         for (const std::size_t leftColumns : {2, 4, 7}) {
@@ -104,7 +106,7 @@ TEST(AmtcAxisEndpoints, PunchThroughLeavesOutZeroPixelsOfTheSecondGenerationAt4B
         EXPECT_EQ(endpoints(settings, i >= 4, footprint) == (ColourPair{0xff101010, 0xff848484}), i == 7) << i;
     }
     EXPECT_EQ(endpoints(at4Bits, true, Footprint{}), (ColourPair{0, 0x11000000}));
-    // The pair itself aims at the levels of the other modes: 200 is 3/8 of the way.
+    // The pair is for the levels of the other modes: 200 lies at 3/8.
     EXPECT_EQ(endpoints(at4Bits, true, halves(at4Bits, 0xff00c8c8, 0xff00c8c8)), (ColourPair{0xff00c6c6, 0xff00cece}));
 }
 
@@ -128,14 +130,14 @@ TEST(AmtcClusterStart, PairsTheLargestClustersFirst) {
     EXPECT_EQ(startOf({{white, 3}, {white, 4}, {red, 2}}), (Pairs{{black, white}, {black, red}, {white, red}, {white, black}}));
     EXPECT_EQ(startOf({{white, 3}, {white, 4}, {red, 2}, {green, 1}}),
               (Pairs{{black, white}, {black, red}, {black, green}, {white, red}}));
-    // Of equally far pixels the last one seeds first, so that blue comes before green.
+    // Of equally far pixels the last one becomes a cluster first, so that blue comes before green.
     EXPECT_EQ(startOf({{white, 3}, {white, 4}, {red, 2}, {green, 1}, {blue, 7}}),
               (Pairs{{white, black}, {white, red}, {white, blue}, {black, red}}));
     // A and B differ in depth, also after an exchange; B's alpha is even like A's.
     EXPECT_EQ(startOf({{0x80404040, 3}}), (Pairs{{black, 0x88424242}, {0x884a4242, black}}));
     EXPECT_EQ(startOf({{0xfff7f7f7, 3}}), (Pairs{{black, 0xfff7f7f7}, {0xfffff7f7, black}}));
     EXPECT_EQ(startOf({{0xff0c0c0c, 3}}).front(), (ColourPair{black, 0xff101010}));
-    // Pixels go by the stored A, whose blue is 0 here and not 8, and count as far by the mean.
+    // Pixels are assigned by the stored A, whose blue is 0 here and not 8; their distance is that from the mean.
     EXPECT_EQ(startOf({{0xff040404, 2}}),
               (Pairs{{black, 0xff080808}, {black, 0xff080808}, {0xff000808, 0xff080808}, {0xff000808, black}}));
 }
@@ -179,7 +181,7 @@ TEST(AmtcClusterStart, EncodesTwoFlatHalvesWithoutAnErrorFromExchangedPairs) {
         EXPECT_GT(psnrOfHalves(left, right), 50);  // 45 if an exchanged pair keeps colours of the other depth
 }
 
-/// A record whose representatives tell each other apart by axes and ranges, with its starts from two halves.
+/// A record whose representatives differ in axes and ranges, with its starts from two halves.
 std::unique_ptr<BlockRecord> startedRecord(const AmtcLevelSettings& settings, float wholeRange, float detailRange,
                                            std::uint32_t isFlat = 0) {
     auto block = std::make_unique<BlockRecord>();
@@ -189,7 +191,7 @@ std::unique_ptr<BlockRecord> startedRecord(const AmtcLevelSettings& settings, fl
         block->reps[i].meanColour = {128, 128, 0, 255};
         block->reps[i].isFlat = isFlat;
     }
-    block->reps[opaqueRep].axes.fill({0, 0, 0, 1});  // of no use to its mode, which goes by the detail's
+    block->reps[opaqueRep].axes.fill({0, 0, 0, 1});  // its mode uses the axes of the detail
     SetUpStandardRepStarts(*block, settings, halves(settings, 0xff101010, 0xff848484), makeFootprintKernels(settings).sharp);
     return block;
 }
@@ -197,6 +199,7 @@ std::unique_ptr<BlockRecord> startedRecord(const AmtcLevelSettings& settings, fl
 TEST(AmtcStartCandidates, EachModeStartsFromItsRepresentative) {
     // clang-format off
     const std::tuple<std::uint32_t, std::uint32_t, float, float, std::vector<RepIndex>> cases[] = {
+        // Bits, generation, range of the whole and of the detail; by mode: the representative with its axes
         {4, 0, 9, 5, {detailRep, opaqueRep}},
         {4, 1, 5, 5, {detailRep, opaqueRep, centreRep, wholeRep}},
         {4, 1, 4, 5, {wholeRep, opaqueRep, centreRep, wholeRep}},
@@ -211,9 +214,10 @@ TEST(AmtcStartCandidates, EachModeStartsFromItsRepresentative) {
             const RepStart& start = block->repStarts[i];
             EXPECT_EQ(start.mode, i + (bitsPerPixel == 4 ? region_mode::standard : region_mode::direct));
             EXPECT_EQ(start.axes, &block->reps[axes[i]]) << "mode " << start.mode;
-            // The clusters' pair has the right side, which is the larger one, as A.
+            // The larger cluster, on the right, is A.
             const bool ofClusters = start.mode == region_mode::cornerPalette;
-            EXPECT_TRUE(start.count == (ofClusters ? 2 : 4) && start.isFlatStart == 0);
+            EXPECT_EQ(start.count, ofClusters ? 2 : 4);
+            EXPECT_EQ(start.isFlatStart, 0u);
             EXPECT_EQ(start.candidates[0].colours(),
                       ofClusters ? (ColourPair{0xff8c8484, 0xff101010}) : (ColourPair{0xff101010, 0xff848484}));
         }
@@ -230,15 +234,16 @@ TEST(AmtcStartCandidates, AFlatRepresentativeGivesTwoCandidatesAroundItsMean) {
     const auto block = startedRecord(at4Bits, 1, 1, 1);
     for (std::size_t i = 0; i < 3; ++i) {
         const RepStart& start = block->repStarts[i];
-        EXPECT_TRUE(start.count == 2 && start.isFlatStart == 1);
-        // Of 123 and 132 half the way serves punch-through, 5/8 the others.
+        EXPECT_EQ(start.count, 2);
+        EXPECT_EQ(start.isFlatStart, 1u);
+        // The blend at 1/2 of 123 and 132 is best for punch-through, that at 5/8 for the others.
         for (std::size_t k = 0; k < 2; ++k)
             EXPECT_EQ(start.candidates[k].colours(), (ColourPair{0xff007b7b, 0xff008484})) << i;
     }
     EXPECT_EQ(block->repStarts[3].isFlatStart, 0u);
 }
 
-TEST(AmtcStartCandidates, TheFirstModeDependsOnTheFormatAndOnHoles) {
+TEST(AmtcStartCandidates, TheFirstModeDependsOnTheFormatAndOnTransparency) {
     EXPECT_EQ(startingRegionMode(makeLevelSettings(64, 64, {Rate::fourBpp, Generation::first}), true), region_mode::standard);
     EXPECT_EQ(startingRegionMode(at4Bits, false), region_mode::standard);
     EXPECT_EQ(startingRegionMode(at4Bits, true), region_mode::punchThrough);
