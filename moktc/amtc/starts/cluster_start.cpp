@@ -1,6 +1,6 @@
 // Cluster start: colours that represent the middle of a footprint, for the corner palette.
 //
-// Problem   A pixel of a corner-palette block shows one of the colours that four neighbouring blocks store, without
+// Problem   Most pixels of a corner-palette block show one of the colours that four neighbouring blocks store, without
 //           interpolation. Its block should hold two colours that are frequent around, which need not lie on one line.
 // Idea      Adaptive k-means on the pixels of a disc around the centre: begin with two clusters, and add one where a pixel is
 //           represented badly. Pairs of the largest clusters are the candidates.
@@ -55,8 +55,8 @@ constexpr std::array<std::uint8_t, discPixels> discIndices = [] {
 }();
 using DiscColours = std::array<std::uint32_t, discPixels>;
 
-// More clusters and more steps represent rare colours better; time grows with both. Four candidates hold the pairs of the three
-// largest clusters, so that more than five would hardly be used. The bytes depend on all three constants.
+// More clusters and more steps represent rare colours better; time grows with both. The candidates use
+// the four largest clusters at most; a fifth keeps rare colours out of their means. The bytes depend on these constants.
 constexpr std::size_t mostClusters = 5;
 constexpr int steps = 11;
 /// Squared distance from its cluster's mean up to which a pixel counts as represented: 6 in one channel. A smaller value adds
