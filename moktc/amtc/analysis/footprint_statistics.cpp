@@ -87,7 +87,7 @@ bool isTransparent(std::uint32_t pixel, TransparencyRule rule) {
     }
 }
 
-/// The alpha that stands in for that of transparent pixels in the first generation: the rounded weighted mean of the others.
+/// The alpha that replaces that of transparent pixels in the first generation: the rounded weighted mean of the others.
 float substituteAlphaOf(const Footprint& footprint, std::size_t pixels, const FootprintKernel& smoothKernel) {
     double sum = 0, weight = 0;
     for (std::size_t i = 0; i < pixels; ++i) {

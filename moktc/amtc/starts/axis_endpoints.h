@@ -6,7 +6,7 @@ namespace moktexture::amtc {
 
 /// The storable pair whose four levels fit the footprint's pixels along `axis` (a unit vector) best, each pixel weighted by the
 /// magnitude of its kernel entry. With `isPunchThrough` the second generation at 4 bits per pixel leaves out pixels whose four
-/// channels are all 0. If no pixel is left, both wanted colours are 0.
+/// channels are all 0. If no pixel is left, both target colours are 0.
 ColourPair FindAxisEndpoints(const AmtcLevelSettings& settings, bool isPunchThrough, const Footprint& footprint,
                              const FootprintKernel& sharpKernel, const ColourVector& axis);
 

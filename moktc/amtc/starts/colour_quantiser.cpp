@@ -1,4 +1,4 @@
-// Colour quantiser: from two wanted colours to a pair that a block can hold.
+// Colour quantiser: from two target colours to a pair that a block can hold.
 //
 // Problem   A block stores its colours with few bits:
 //
@@ -7,16 +7,16 @@
 //               opaque B  5  5  5    -      translucent B  4  4  4  even ones, odd ones in the second generation
 //
 //           Rounding each colour by itself is right for colours far apart. For close ones it is not: both may round to the same
-//           code, and the levels between A and B, which could come nearer to the wanted colours than any code does, collapse.
-// Idea      Three regimes by the squared distance of the wanted colours over the four channels:
+//           code, and the levels between A and B, which could come nearer to the target colours than any code does, collapse.
+// Idea      Three regimes by the squared distance of the target colours over the four channels:
 //
 //               below 3     the colours are the same after rounding: a pair one of whose blends hits that colour
-//                           (single_colour.cpp), oriented so that A is near the wanted A
-//               below 64    try three pairs further apart, such that the wanted colours fall near neighbouring levels, 0 and 3/8,
+//                           (single_colour.cpp), oriented so that A is near the target A
+//               below 64    try three pairs further apart, such that the target colours fall near neighbouring levels, 0 and 3/8,
 //                           3/8 and 5/8, or 5/8 and 1; take the one with the smallest squared error at those levels
 //               otherwise   round each channel to its nearest code
 //
-// Ties      In a channel half-way between two codes, A moves away from B and B away from A, so that the pair spans the wanted
+// Ties      In a channel half-way between two codes, A moves away from B and B away from A, so that the pair spans the target
 //           range. Of two alphas equally near, the higher is taken; of pairs with equal errors, the first.
 // Cost      Constant: at most 3 pairs of 8 channels. A channel takes one table lookup and one comparison, because codes are more
 //           than one apart: between two integers there is at most one rounding threshold.
@@ -31,7 +31,7 @@ namespace moktexture::amtc {
 
 namespace {
 
-/// Squared distance over the four channels below which the wanted colours count as one: about 1 in each of three channels. A
+/// Squared distance over the four channels below which the target colours count as one: about 1 in each of three channels. A
 /// larger value loses real differences, a smaller one leaves pairs to collapse to one code.
 constexpr float sameColourDistance = 3;
 /// Squared distance below which the three placements are tried: 8 in one channel, about one step of 5 bits. A larger value tries
@@ -108,19 +108,19 @@ inline ColourPair quantiseEach(Generation generation, bool isOpaque, const Colou
     return pair;
 }
 
-/// The positions on the line between the stored colours where the wanted ones are to lie.
+/// The positions on the line between the stored colours where the target ones are to lie.
 struct Placement {
     float fractionA, fractionB;
 };
 constexpr std::array<Placement, 3> placements = {{{0, 0.375f}, {0.375f, 0.625f}, {0.625f, 1}}};
 
-/// The best of the pairs further apart that have the wanted colours near two neighbouring levels.
+/// The best of the pairs further apart that have the target colours near two neighbouring levels.
 ColourPair placeBetweenLevels(Generation generation, bool isOpaque, const ColourVector& floatA, const ColourVector& floatB) {
     ColourPair best{};
     float bestError = std::numeric_limits<float>::infinity();
     for (const Placement& placement : placements) {
-        // Kept (close-pairs-miss-their-levels): the ends move apart by fractions of the wanted colours' distance, not of the
-        // pair's own, which is larger; the wanted colours lie near the levels and not on them. Start candidates and the
+        // Kept (close-pairs-miss-their-levels): the ends move apart by fractions of the target colours' distance, not of the
+        // pair's own, which is larger; the target colours lie near the levels and not on them. Start candidates and the
         // refinement both round through here, so that the exact pair would change most encoded blocks of smooth images.
         ColourVector a, b;
         for (std::size_t channel = 0; channel < channelCount; ++channel) {

@@ -3,7 +3,7 @@
 #include "moktc/amtc/records/level_records.h"
 
 /// @file
-/// From wanted colours to pairs that a block can hold. Results are RGBA8 with the stored bits expanded, as a decoder sees them.
+/// From target colours to pairs that a block can hold. Results are RGBA8 with the stored bits expanded, as a decoder sees them.
 
 namespace moktexture::amtc {
 
@@ -34,7 +34,7 @@ std::uint32_t QuantiseChannelByte(std::uint32_t value, std::uint32_t bits, bool 
 /// low bit.
 std::uint32_t QuantiseAlpha(float value, std::uint32_t lowBit);
 
-/// The pair of storable colours for two wanted ones, in channels of 0 to 255.
+/// The pair of storable colours for two target colours, in channels of 0 to 255.
 ColourPair QuantiseColourPair(Generation generation, bool isPunchThrough, const ColourVector& floatA, const ColourVector& floatB);
 
 /// By channel: whether the values of A and B may be exchanged.
@@ -43,7 +43,7 @@ using Swappable = std::array<bool, channelCount>;
 /// A pair one of whose blends comes near to one RGBA8 colour. With `narrow` A and B lie close together.
 ColourPair SingleColourMatch(std::uint32_t colour, bool isPunchThrough, Generation generation, bool narrow, Swappable& swappable);
 
-/// A pair around `equalColour` (RGBA8), to which both wanted colours were rounded, oriented so that each is near its own side.
+/// A pair around `equalColour` (RGBA8), to which both target colours were rounded, oriented so that each is near its own side.
 ColourPair SplitEqualPair(Generation generation, bool isPunchThrough, const ColourVector& floatA, const ColourVector& floatB,
                           std::uint32_t equalColour);
 

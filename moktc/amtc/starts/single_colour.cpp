@@ -9,7 +9,7 @@
 // Tables    For two depths and a position of `weight` eighths, at compile time:
 //
 //     for each value a of A, for each value b of B from a up to `reach` steps of A above it:
-//         the pair stands for the byte (a (8 - weight) + b weight) / 8, rounded down; of several pairs for one byte the closest
+//         the pair produces the byte (a (8 - weight) + b weight) / 8, rounded down; of several pairs for a byte the closest
 //     for each target byte: the pair of the nearest byte that has one
 //
 //           The reach keeps A and B near the target, so that pixels that show another blend of them stay near it too. All loops
