@@ -7,14 +7,14 @@
 
 namespace moktexture {
 
-/// Smallest size in pixels of a compressed format's level; dimensions are rounded up to its multiples.
+/// Block of a compressed format in pixels: the dimensions of a level are rounded up to multiples of it.
 struct BlockSize {
     std::uint32_t width;
     std::uint32_t height;
     std::uint32_t depth;
 };
 
-/// Whether the format is a number of CompressedFormatId, and no layout of channels.
+/// Whether the format is a number of CompressedFormatId, not a layout of channels.
 inline bool isCompressed(const PixelType& format) {
     return (format.id >> 32) == 0;
 }
@@ -30,11 +30,11 @@ inline std::uint32_t levelDimension(std::uint32_t size, std::uint32_t level) {
     return std::max(size >> (level & 31u), std::uint32_t{1});
 }
 
-/// Most MIP levels that the buffer order can have: levels are counted in 8 bits.
+/// Largest number of MIP levels of a buffer: levels are counted in 8 bits.
 inline constexpr std::uint32_t maxMIPLevels = 255;
 
-/// Whether the header has at most maxMIPLevels levels and no size in it wraps at 32 bits, so that
-/// `getDataSize(allLevels, true, true)` is the true size of the buffer and all offsets in it are true.
+/// Whether the header has at most maxMIPLevels levels and none of its sizes wraps at 32 bits, so that
+/// `getDataSize(allLevels, true, true)` is the size of the buffer and getDataPtr() computes true offsets.
 bool sizesFit32Bits(const CMOKTextureHeader& header);
 
 }  // namespace moktexture

@@ -70,8 +70,8 @@ constexpr D3DRow rows[] = {
     // Kept (d3d-g32r32f-order): rg comes back as gr, which has no number; a loaded DDS file of this number cannot be saved.
     {D3DFMT_G32R32F,      layout("rg", 32, 32),           eVarFloat,     getOnly},
     {D3DFMT_G32R32F,      layout("gr", 32, 32),           eVarFloat,     setOnly},
-    // Kept (d3d-moktc-get-only): MOKTC, with alpha or without, has numbers that the setter refuses; saveFile() writes DDS files of
-    // it, which load with eFmtUnknown.
+    // Kept (d3d-moktc-get-only): MOKTC, with alpha or without, has numbers that the setter refuses; saveFile() writes DDS files
+    // of it, which load with eFmtUnknown.
     {d3dMOKTC2bpp,        eFmtMOKTC2bppRGB,               eVarUByteNorm, getOnly},
     {d3dMOKTC2bpp,        eFmtMOKTC2bppRGBA,              eVarUByteNorm, getOnly},
     {d3dMOKTC4bpp,        eFmtMOKTC4bppRGB,               eVarUByteNorm, getOnly},

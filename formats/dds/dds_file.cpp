@@ -25,6 +25,7 @@
 
 #include "core/texture/TextureInternals.h"
 #include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 #include "formats/dds/dds_pixel_format.h"
 
 namespace moktexture {
@@ -124,15 +125,6 @@ DDSHeader makeHeader(const CMOKTextureHeader& header) {
     return dds;
 }
 
-/// Calls `visit(address, size)` for every subresource in the order of a DDS file.
-template <typename Visit>
-void forEachSubresourceInFile(const CMOKTexture& texture, Visit visit) {
-    for (std::uint32_t layer = 0; layer < texture.getNumArrayMembers(); ++layer)
-        for (std::uint32_t face = 0; face < texture.getNumFaces(); ++face)
-            for (std::uint32_t level = 0; level < texture.getNumMIPLevels(); ++level)
-                visit(texture.getDataPtr(level, layer, face), texture.getDataSize(static_cast<int>(level), false, false));
-}
-
 /// Whether a count is 0, however large the others are.
 bool hasNoSubresources(const CMOKTexture& texture) {
     return sizesFit32Bits(texture) && texture.getDataSize() == 0;
@@ -148,10 +140,11 @@ ELoadStatus readDDSFile(ByteReader& source, const ReadPolicy& policy, CMOKTextur
     if (status != eLoadOk) return status;
     TextureInternals::allocate(texture);
     bool isComplete = true;
-    forEachSubresourceInFile(texture, [&](void* pixels, std::uint32_t size) {
+    forEachSubresource(texture, [&](const Subresource& at) {
+        const std::uint32_t size = texture.getDataSize(static_cast<int>(at.level), false, false);
         // Kept (dds-empty-read-fails): a read of 0 bytes counts as failed, so that privateLoadDDSFile() returns false for a file
         // of unknown format although nothing is missing from it.
-        isComplete = size != 0 && source.readAll(pixels, size) && isComplete;
+        isComplete = size != 0 && source.readAll(texture.getDataPtr(at.level, at.layer, at.face), size) && isComplete;
     });
     return isComplete ? eLoadOk : truncatedStatus(source);
 }
@@ -163,8 +156,9 @@ bool writeDDSFile(const CMOKTexture& texture, ByteWriter& target) {
     if (!target.write(&dds, sizeof(dds))) return false;
     if (hasNoSubresources(texture)) return true;
     std::uint64_t written = 0;
-    forEachSubresourceInFile(texture, [&](const void* pixels, std::uint32_t size) {
-        if (target.write(pixels, size)) written += size;
+    forEachSubresource(texture, [&](const Subresource& at) {
+        const std::uint32_t size = texture.getDataSize(static_cast<int>(at.level), false, false);
+        if (target.write(texture.getDataPtr(at.level, at.layer, at.face), size)) written += size;
     });
     return written == texture.getDataSize();
 }

@@ -23,6 +23,7 @@
 
 #include "core/io/native_file.h"
 #include "core/texture/TextureInternals.h"
+#include "core/texture/subresources.h"
 #include "formats/legacy/legacy_format_table.h"
 
 namespace moktexture {
@@ -81,12 +82,11 @@ CMOKTextureHeader makeTextureHeader(const LegacyHeader& legacy) {
 /// written in the order of the buffer; the cube maps with several levels that older writers made are ordered by face.
 ELoadStatus readPixels(ByteReader& source, CMOKTexture& texture) {
     bool isComplete = true;
-    for (std::uint32_t face = 0; face < texture.getNumFaces(); ++face) {
-        for (std::uint32_t level = 0; level < texture.getNumMIPLevels(); ++level) {
-            const std::uint32_t size = texture.getDataSize(static_cast<int>(level), false, false);
-            isComplete = source.readAll(texture.getDataPtr(level, 0, face), size) && isComplete;
-        }
-    }
+    const SubresourceCounts counts = {.layers = 1, .faces = texture.getNumFaces(), .levels = texture.getNumMIPLevels()};
+    forEachSubresource(texture, counts, [&](const Subresource& at) {
+        const std::uint32_t size = texture.getDataSize(static_cast<int>(at.level), false, false);
+        isComplete = source.readAll(texture.getDataPtr(at.level, 0, at.face), size) && isComplete;
+    });
     return isComplete ? eLoadOk : truncatedStatus(source);
 }
 

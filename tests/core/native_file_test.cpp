@@ -128,7 +128,7 @@ TEST(NativeFile, MalformedMetaDataIsReadByEachPolicy) {
         EXPECT_EQ(load(image), item.status);
     }
 
-    // A block that would end behind 2^32 bytes overruns whatever is declared.
+    // A block that would end beyond 2^32 bytes overruns every declared size.
     std::memset(pixels.data() + 8, 0xFF, 4);
     const Bytes image = make(smallRecord(huge), {}, pixels);
     EXPECT_EQ(readBy(fileConstructor, image, MemoryReader::unknownSize), expected(smallRecord(0), {}, &pixels));

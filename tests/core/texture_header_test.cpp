@@ -20,8 +20,8 @@ constexpr unsigned int own = MOKTextureHeaderV3::magic;
 constexpr std::uint32_t huge = 0xFFFFFFFFu;
 
 CMOKTextureHeader header(PixelType format, std::uint32_t width, std::uint32_t height, std::uint32_t levels = 1,
-                         std::uint32_t members = 1, std::uint32_t faces = 1, std::uint32_t depth = 1) {
-    return CMOKTextureHeader(format.id, height, width, depth, levels, members, faces, eColourSpaceLinear, eVarUByteNorm, false);
+                         std::uint32_t layers = 1, std::uint32_t faces = 1, std::uint32_t depth = 1) {
+    return CMOKTextureHeader(format.id, height, width, depth, levels, layers, faces, eColourSpaceLinear, eVarUByteNorm, false);
 }
 
 TEST(TextureHeader, SizesOfEveryFormatFollowTheTable) {
@@ -128,11 +128,11 @@ TEST(TextureMetaData, TopicsRoundTripAndAreCountedOnce) {
     }
     EXPECT_TRUE(texture.getCubeMapOrder() == "XxYyZz");
     texture.setNumFaces(1);
-    const auto membersOf = [&texture](std::uint32_t width, std::uint32_t height, std::uint32_t depth) {
+    const auto atlasMembersOf = [&texture](std::uint32_t width, std::uint32_t height, std::uint32_t depth) {
         texture.setWidth(width), texture.setHeight(height), texture.setDepth(depth);
         return texture.getNumTextureAtlasMembers();
     };
-    EXPECT_EQ((std::vector{membersOf(2, 1, 1), membersOf(1, 2, 1), membersOf(1, 1, 2), membersOf(1, 1, 1)}),
+    EXPECT_EQ((std::vector{atlasMembersOf(2, 1, 1), atlasMembersOf(1, 2, 1), atlasMembersOf(1, 1, 2), atlasMembersOf(1, 1, 1)}),
               (std::vector{2, 2, 2, 0}));
     EXPECT_TRUE(texture.getCubeMapOrder().empty());
 }

@@ -45,7 +45,7 @@ TEST(CSourceFile, IsWrittenByteForByte) {
     texture.addMetaData(block);
     const std::string metaData = "0x31,0x32,0x33,0x34,\n0x01,0x02,0x00,0x00,\n0x04,0x00,0x00,0x00,\n0x09,0x08,0x7f,0xff,\n";
     EXPECT_EQ(textOf(texture), start + record("0x02,", "0x10,") + "\n/* Meta Data */\n" + metaData + data + "0xab,0xab," + end);
-    // Blocks are written whatever the record's metaDataSize; those of every 32nd FourCC have a line for each byte.
+    // Blocks are written regardless of the record's metaDataSize; those of every 32nd FourCC have a line for each byte.
     MOKTextureHeaderV3 uncounted = row(2).getFileHeader();
     uncounted.metaDataSize = 0u - 16;
     CMOKTextureHeader header(uncounted, 1, &block);

@@ -114,7 +114,8 @@ bool set(Api api, const Numbers& n, CMOKTextureHeader& header) {
 TEST(FormatMaps, GettersReturnTheNumbersOfEachApi) {
     const Numbers none = {0, 0, 0}, left = {11, 12, 13}, leftCompressed = {11, 0, 0};
     // clang-format off
-    const struct { Format format; EMOKTVariableType type; EMOKTColourSpace space; Numbers gl, es; unsigned int d3d, dxgi; } rows[] = {
+    const struct {
+        Format format; EMOKTVariableType type; EMOKTColourSpace space; Numbers gl, es; unsigned int d3d, dxgi; } rows[] = {
         // Format           Type Space  OpenGL                    OpenGL ES                 D3D9          DXGI
         {"rgba 8.8.8.8",    unb, lin,  {0x8058, 0x1908, 0x1401}, {0x1908, 0x1908, 0x1401}, 0,            28},
         {"rgba 8.8.8.8",    unb, srgb, {0x8058, 0x1908, 0x1401}, {0x1908, 0x1908, 0x1401}, 0,            29},
@@ -177,7 +178,8 @@ TEST(FormatMaps, GettersReturnTheNumbersOfEachApi) {
 TEST(FormatMaps, SettersAcceptTheNumbersOfTheirRows) {
     // clang-format off
     const struct {
-        Api api; Numbers numbers; bool result; Format format; EMOKTVariableType type; EMOKTColourSpace space; bool premultiplied; } rows[] = {
+        Api api; Numbers numbers; bool result; Format format; EMOKTVariableType type; EMOKTColourSpace space; bool premultiplied;
+    } rows[] = {
         // API  Numbers                   Result Format             Type    Space Premultiplied
         {GL,   {0x1908, 1, 0x1401},      true,  "rgba 8.8.8.8",     unb,    lin,  false},
         {GL,   {0x8058, 0x1908, 0x1401}, true,  unchanged,          noType, srgb, false},  // a sized format

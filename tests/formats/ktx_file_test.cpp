@@ -29,7 +29,9 @@ std::string orientation(const std::string& value) {
 TEST(KTXFile, RoundTripsWithTheExpectedBytes) {
     // clang-format off
     const struct {
-        PixelType format; EMOKTVariableType type, typeBack; std::uint32_t glType, typeSize, glFormat, internalFormat, base; } cases[] = {
+        PixelType format; EMOKTVariableType type, typeBack; std::uint32_t glType, typeSize, glFormat, internalFormat, base;
+    } cases[] = {
+        // Format                                     Type           Type when read  glType, glTypeSize, glFormat, internal and base
         {PixelTypeRGBA8,                              eVarUByteNorm, eVarUByteNorm, glUnsignedByte, 4, glRGBA, glRGBA8, glRGBA},
         {PixelType('r', 'g', 'b', 0, 32, 32, 32, 0),  eVarFloat,     eVarFloat,     0x1406,        12, 0x1907, 0x8815,  0x1907},
         {eFmtMOKTC2bppRGB,                            eVarUByteNorm, eVarUIntNorm,  0,              0, 0,      0x8C01,  0x8C01}};

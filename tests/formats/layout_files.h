@@ -45,9 +45,9 @@ inline ELoadStatus load(const Bytes& image, CMOKTexture& texture, const LoadLimi
 }
 
 /// A texture with random pixels, 9 by 5.
-inline CMOKTexture random(const PixelType& format, EMOKTVariableType type, std::uint32_t levels, std::uint32_t members,
+inline CMOKTexture random(const PixelType& format, EMOKTVariableType type, std::uint32_t levels, std::uint32_t layers,
                           std::uint32_t faces, std::uint32_t depth = 1) {
-    const CMOKTextureHeader header(format.id, 5, 9, depth, levels, members, faces, eColourSpaceSRGB, type, false);
+    const CMOKTextureHeader header(format.id, 5, 9, depth, levels, layers, faces, eColourSpaceSRGB, type, false);
     return CMOKTexture(header, testimages::randomBytes(header.getDataSize(), format.id + levels).data());
 }
 

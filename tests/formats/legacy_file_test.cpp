@@ -16,14 +16,14 @@ Bytes recordWith(std::uint32_t size, std::uint32_t levelsBelow, std::uint32_t fl
 
 TEST(LegacyFile, HeadersOfBothSizesAreRead) {
     // clang-format off
-    const struct { std::uint32_t size, levelsBelow, flags, surfaces, levels, members, faces; } cases[] = {
+    const struct { std::uint32_t size, levelsBelow, flags, surfaces, levels, layers, faces; } cases[] = {
         {52, 1, 18 | 0xFFFE0000 | 0xEB00, 3, 2, 3, 1},  // bits without a meaning
         {52, 0, 18 | cubeMap, 12, 1, 2, 6}, {52, 1, 18 | cubeMap | bumpMap | flipped, 5, 2, 1, 6},
         {44, 1, 18 | cubeMap | flipped, 12, 2, 1, 6}};
     // clang-format on
     for (const auto& item : cases) {
         SCOPED_TRACE(&item - cases);
-        CMOKTextureHeader header(PixelTypeRGBA8.id, 2, 3, 1, item.levels, item.members, item.faces, eColourSpaceLinear,
+        CMOKTextureHeader header(PixelTypeRGBA8.id, 2, 3, 1, item.levels, item.layers, item.faces, eColourSpaceLinear,
                                  eVarUByteNorm, false);
         if ((item.flags & bumpMap) != 0) header.setBumpMap(1.0f, "xyz");
         if ((item.flags & flipped) != 0) header.setOrientation(eOrientUp);
@@ -56,19 +56,19 @@ TEST(LegacyFile, IsWrittenByteForByte) {
     const std::string path = folder.path("any.name");
     constexpr std::uint32_t allMarks = 0x100 | bumpMap | cubeMap | flipped;
     // clang-format off
-    const struct { PixelType format; ELegacyApi api; std::uint32_t flags, bits, levels, members, faces; } cases[] = {
+    const struct { PixelType format; ELegacyApi api; std::uint32_t flags, bits, levels, layers, faces; } cases[] = {
         {PixelTypeRGBA8, eLegacyApiVGFamily, 145, 32, 1, 1, 1},
         {PixelTypeRGBA8, eLegacyApiGLFamilyC, 18 | allMarks, 32, 3, 2, 6},
         {eFmtMOKTC4bppRGB, eLegacyApiGLFamilyA, 25, 4, 1, 1, 1},
         {eFmtMOKTC2bppRGBA, eLegacyApiD3DFamilyA, 12 | allMarks | hasAlpha, 2, 3, 2, 6}};
     // clang-format on
-    for (const auto& [format, api, flags, bits, levels, members, faces] : cases) {
-        CMOKTexture texture = random(format, eVarUByteNorm, levels, members, faces);
+    for (const auto& [format, api, flags, bits, levels, layers, faces] : cases) {
+        CMOKTexture texture = random(format, eVarUByteNorm, levels, layers, faces);
         if ((flags & bumpMap) != 0) texture.setBumpMap(2.0f, "zyx");
         if ((flags & flipped) != 0) texture.setOrientation(eOrientUp | eOrientLeft);
         EXPECT_TRUE(texture.saveFileLegacyMOK(path.c_str(), api));
         const std::uint32_t size = texture.getDataSize(), alpha = (flags & hasAlpha) != 0 ? 1 : 0;
-        const Bytes image = words({52, 5, 9, levels - 1, flags, size, bits, 0, 0, 0, alpha, 0x214B4F4D, members * faces});
+        const Bytes image = words({52, 5, 9, levels - 1, flags, size, bits, 0, 0, 0, alpha, 0x214B4F4D, layers * faces});
         EXPECT_EQ(folder.read("any.name"), image + pixelsOf(texture)) << flags;
     }
     // A format without a number and a depth above 1 are refused; a texture without pixels counts as not written.
