@@ -2,13 +2,11 @@
 
 #include <chrono>
 #include <string>
-#include <utility>
 
 #include "bench_pictures.h"
 #include "moktc/amtc/driver/block_passes.h"
 #include "moktc/amtc/driver/level_pipeline.h"
 #include "moktc/amtc/driver/pack_local_block.h"
-#include "moktc/amtc/driver/sweep_settings.h"
 
 namespace {
 
@@ -16,10 +14,12 @@ using namespace moktexture::amtc;
 
 struct Format {
     const char* name;
-    std::uint32_t bitsPerPixel;
-    std::uint32_t secondGeneration;
+    BlockVariant variant;
 };
-constexpr Format formats[] = {{"4bpp", 4, 0}, {"2bpp", 2, 0}, {"II-4bpp", 4, 1}, {"II-2bpp", 2, 1}};
+constexpr Format formats[] = {{"4bpp", {Rate::fourBpp, Generation::first}},
+                              {"2bpp", {Rate::twoBpp, Generation::first}},
+                              {"II-4bpp", {Rate::fourBpp, Generation::second}},
+                              {"II-2bpp", {Rate::twoBpp, Generation::second}}};
 constexpr std::int32_t sides[] = {256, 512, 1024};
 constexpr std::uint32_t efforts = 5;
 
@@ -41,31 +41,30 @@ WorkImage squareOf(const BenchPicture& picture, std::int32_t side) {
 void encode(benchmark::State& state, const BenchPicture& picture, const Format& format, std::uint32_t effort, std::int32_t side,
             std::uint32_t threads) {
     const WorkImage image = squareOf(picture, side);
-    std::vector<std::uint8_t> blocks(static_cast<std::size_t>(side) * static_cast<std::size_t>(side) * format.bitsPerPixel / 8);
-    LevelResources resources = LevelResources::ofThisMachine();
-    resources.processors = threads;
+    std::vector<std::uint8_t> blocks(static_cast<std::size_t>(side) * static_cast<std::size_t>(side) *
+                                     static_cast<std::size_t>(format.variant.rate) / 8);
+    const EncodeOptions options = {.variant = format.variant, .linearBlockOrder = true, .quality = effort, .threads = threads};
     for (auto _ : state)
-        CompressLevel(*image, 4, format.bitsPerPixel, format.secondGeneration, blocks.data(), true, effort, resources);
+        encodeLevel(*image, options, blocks.data());
     countPixels(state, static_cast<std::uint64_t>(side) * static_cast<std::uint64_t>(side));
 }
 
-/// The stages of one level one after another, with the time of each as a counter in milliseconds: statistics and starts, the
-/// first sweep, which only scores, a sweep that refines everything, and packing.
+/// The stages of one level one after another on one thread, with the time of each as a counter in milliseconds: statistics and
+/// starts, the first sweep, which only scores, a sweep with segments, one without, and packing.
 void encodeByStages(benchmark::State& state, const BenchPicture& picture, const Format& format, std::int32_t side) {
     const WorkImage image = squareOf(picture, side);
-    AmtcLevelSettings settings = makeLevelSettings(side, side, {Rate(format.bitsPerPixel), Generation(format.secondGeneration)});
+    AmtcLevelSettings settings = makeLevelSettings(side, side, format.variant);
     const FootprintKernels kernels = makeFootprintKernels(settings);
-    LevelResources resources = LevelResources::ofThisMachine();
-    resources.processors = 1;
     BlockRows rows;
     AllocateBlockRows(side, side, settings.blockWidth, settings.blockHeight, rows);
+    const AmtcThreadContext context = {*image, settings, rows, mostThreads, 1};
     std::uint32_t step = 1;
     const auto sweep = [&](std::uint32_t number) {
         const AmtcLevelSettings previous = settings;
         SetSweepSettings(efforts - 1, 32, number, settings, previous);
         settings.forceVisit = 1;
-        for (const auto& [row, column] : {std::pair{0u, 0u}, {1u, 1u}, {0u, 1u}, {1u, 0u}})
-            RunParityPhase(*image, settings, row, column, step++, 1, resources, rows);
+        for (const ParityPhase& phase : {ParityPhase{0, 0}, {1, 1}, {0, 1}, {1, 0}})
+            RunParityPhase(context, phase, step++);
     };
     const auto time = [&](const char* stage, const auto& work) {
         const auto start = std::chrono::steady_clock::now();
@@ -73,8 +72,8 @@ void encodeByStages(benchmark::State& state, const BenchPicture& picture, const 
         state.counters[stage] = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     };
     for (auto _ : state) {
-        time("1 statistics", [&] { RunBlockPass(0, *image, settings, kernels, 1, resources, rows); });
-        time("2 starts", [&] { RunBlockPass(1, *image, settings, kernels, 1, resources, rows); });
+        time("1 statistics", [&] { RunBlockPass(context, 0, kernels); });
+        time("2 starts", [&] { RunBlockPass(context, 1, kernels); });
         time("3 scoring sweep", [&] { sweep(0); });
         time("4 sweep in segments", [&] { sweep(1); });
         time("5 free sweep", [&] { sweep(8); });

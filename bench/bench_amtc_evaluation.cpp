@@ -23,7 +23,7 @@ constexpr Evaluated allEvaluated[] = {
     {"2bpp/average", 2, region_mode::average, false},
 };
 
-/// One block of a picture, with its neighbours' colours taken from their corners.
+/// One block of a picture. Its neighbours' colours are their corner pixels.
 struct Scene {
     Scene(const BenchPicture& picture, const AmtcLevelSettings& settings, std::uint32_t left, std::uint32_t top) {
         const auto pixelAt = [&](std::uint32_t x, std::uint32_t y) {
@@ -44,7 +44,7 @@ struct Scene {
     Segments segments{};
 };
 
-/// A few blocks all over the picture, as the encoder meets them.
+/// A few blocks spread over the picture.
 std::vector<Scene> scenesOf(const BenchPicture& picture, const AmtcLevelSettings& settings) {
     std::vector<Scene> scenes;
     for (std::uint32_t i = 0; i < 16; ++i)
@@ -63,7 +63,7 @@ BlendTable tableOf(const Evaluated& evaluated, const AmtcLevelSettings& settings
 }
 
 /// `evaluations` of each block after one preparation: 0 measures the preparation alone.
-void evaluate(benchmark::State& state, const BenchPicture& picture, const Evaluated& evaluated, InstructionSet level,
+void evaluate(benchmark::State& state, const BenchPicture& picture, const Evaluated& evaluated, InstructionSet instructionSet,
               int evaluations) {
     const AmtcLevelSettings settings = makeLevelSettings(64, 64, {Rate(evaluated.bitsPerPixel), Generation::second});
     const std::vector<Scene> scenes = scenesOf(picture, settings);
@@ -71,9 +71,9 @@ void evaluate(benchmark::State& state, const BenchPicture& picture, const Evalua
     for (auto _ : state) {
         for (const Scene& scene : scenes) {
             const RegionEvaluator evaluator(settings, table, scene.footprint, evaluated.withSegments ? &scene.segments : nullptr,
-                                            level);
+                                            instructionSet);
             benchmark::DoNotOptimize(evaluator);
-            LevelSums sums;
+            RegressionSums sums;
             for (int i = 0; i < evaluations; ++i) {
                 benchmark::DoNotOptimize(evaluator.evaluate(scene.colours, i == 0, sums));
                 benchmark::ClobberMemory();
@@ -89,20 +89,20 @@ void evaluate(benchmark::State& state, const BenchPicture& picture, const Evalua
 
 }  // namespace
 
-/// Of the first picture: the time of one evaluation ("each"; one in twenty with the outer ring) in every form, and that of the
-/// preparation.
+/// For the first picture: the time of one evaluation ("each"; one in twenty with the outer ring) in every form, and that of
+/// laying out the lanes.
 void registerAmtcEvaluationBenchmarks(const std::vector<BenchPicture>& pictures) {
     const BenchPicture& picture = pictures.front();
     for (const Evaluated& evaluated : allEvaluated) {
-        for (const InstructionSet level : {InstructionSet::baseline, InstructionSet::avx2}) {
-            if (level > detectInstructionSet()) continue;
+        for (const InstructionSet instructionSet : {InstructionSet::baseline, InstructionSet::avx2}) {
+            if (instructionSet > detectInstructionSet()) continue;
             for (const int evaluations : {20, 0}) {
-                if (level == InstructionSet::baseline && evaluations == 0) continue;
-                const std::string work = evaluations == 0 ? "amtc/preparation/" : "amtc/evaluation/";
-                const std::string form = level == InstructionSet::baseline ? "plain" : "AVX2";
+                if (instructionSet == InstructionSet::baseline && evaluations == 0) continue;
+                const std::string work = evaluations == 0 ? "amtc/lane layout/" : "amtc/evaluation/";
+                const std::string form = instructionSet == InstructionSet::baseline ? "scalar" : "AVX2";
                 benchmark::RegisterBenchmark((work + evaluated.name + "/" + form).c_str(),
-                                             [&picture, &evaluated, level, evaluations](benchmark::State& state) {
-                                                 evaluate(state, picture, evaluated, level, evaluations);
+                                             [&picture, &evaluated, instructionSet, evaluations](benchmark::State& state) {
+                                                 evaluate(state, picture, evaluated, instructionSet, evaluations);
                                              });
             }
         }

@@ -19,8 +19,6 @@ namespace {
 using namespace moktc;
 
 constexpr auto largestSide = static_cast<std::uint32_t>(amtc::largestSide);
-/// Efforts of the slow encoder are 0 to 4.
-constexpr std::uint32_t highestEffort = 4;
 
 /// Whether the bytes of the pixels and the bits of the blocks can be counted in 32 bits.
 bool sizesFit32Bits(std::uint32_t width, std::uint32_t height, BlockVariant variant) {
@@ -32,7 +30,6 @@ bool sizesFit32Bits(std::uint32_t width, std::uint32_t height, BlockVariant vari
 struct EncodeRequest {
     ConstImageView image;
     BlockVariant variant;
-    bool hasAlpha;
     std::uint32_t quality;
 };
 
@@ -42,17 +39,14 @@ bool isWholeBlocks(std::uint32_t width, std::uint32_t height, Rate rate) {
 
 /// Encodes whole blocks by the slow encoder; false if it fails. Quality 0 of the first generation is the fast compressor's.
 bool encodeSlowly(const EncodeRequest& request, std::uint8_t* blocks) {
-    constexpr std::uint32_t isRGBAOrder = 1, formatVersion = 4, colourMIPs = 0;
-    constexpr std::int32_t rowStride = 0, mipMode = 0, punchThrough = 0;
-    constexpr std::uint64_t reserved = 0;
-    const std::uint32_t isSecondGeneration = request.variant.isSecondGeneration() ? 1 : 0;
-    const std::uint32_t effort = std::min(request.quality - 1 + isSecondGeneration, highestEffort);
-    const std::uint32_t linearBlockOrder = isSecondGeneration;
-    return amtc::CompressImageLevels(request.image.pixels, isRGBAOrder, static_cast<std::int32_t>(request.image.width),
-                                     static_cast<std::int32_t>(request.image.height), rowStride, blocks,
-                                     static_cast<std::uint8_t>(effort), mipMode, request.hasAlpha ? 1 : 0, punchThrough,
-                                     formatVersion, bitsPerPixel(request.variant.rate), isSecondGeneration, reserved,
-                                     linearBlockOrder, colourMIPs, nullptr) == 0;
+    const auto& [pixels, width, height, rowBytes] = request.image;
+    const bool isSecondGeneration = request.variant.isSecondGeneration();
+    return amtc::encodeImage({.source = {pixels, static_cast<std::int32_t>(width), static_cast<std::int32_t>(height),
+                                         static_cast<std::ptrdiff_t>(rowBytes), true},
+                              .destination = blocks,
+                              .options = {.variant = request.variant,
+                                          .linearBlockOrder = isSecondGeneration,
+                                          .quality = isSecondGeneration ? request.quality : request.quality - 1}});
 }
 
 /// Encodes a level that is not empty; in the first generation its sides are multiples of the block.
@@ -83,7 +77,7 @@ std::uint32_t DecompressMOKTC(const void* blocks, void* pixels, const std::uint3
 }
 
 std::uint32_t CompressMOKTC(const void* pixels, void* destination, const std::uint32_t* width, const std::uint32_t* height,
-                            bool hasAlpha, bool is2bpp, std::uint32_t secondGeneration, std::uint32_t quality) {
+                            bool /*hasAlpha*/, bool is2bpp, std::uint32_t secondGeneration, std::uint32_t quality) {
     if (width == nullptr || height == nullptr || *width > largestSide || *height > largestSide || secondGeneration > 1) return 0;
     const BlockVariant variant = {rateOf(is2bpp), static_cast<Generation>(secondGeneration)};
     if (!variant.isSecondGeneration() && !isWholeBlocks(*width, *height, variant.rate)) return 0;
@@ -93,7 +87,7 @@ std::uint32_t CompressMOKTC(const void* pixels, void* destination, const std::ui
     const std::uint32_t size = *width * *height * bitsPerPixel(variant.rate) >> 3;
     const bool isEmpty = *width == 0 || *height == 0;
     if (pixels == nullptr || destination == nullptr || isEmpty) return size;
-    const EncodeRequest request = {packedImage(pixels, *width, *height), variant, hasAlpha, quality};
+    const EncodeRequest request = {packedImage(pixels, *width, *height), variant, quality};
     return encodeLevel(request, static_cast<std::uint8_t*>(destination)) ? size : 0;
 }
 

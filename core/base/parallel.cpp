@@ -5,7 +5,6 @@
 #include <atomic>
 #include <new>
 #include <system_error>
-#include <thread>
 
 namespace moktexture {
 namespace {
@@ -13,17 +12,17 @@ namespace {
 /// Threads beside the caller's. More would help only machines with more processors, and cost a larger array here.
 constexpr std::uint32_t mostHelpers = 63;
 
-/// False if the thread cannot be started.
-template <class Work>
-bool start(std::jthread& helper, const Work& work) {
-    try {
-        helper = std::jthread(std::ref(work));
-        return true;
-    } catch (const std::system_error&) {
-        return false;
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+/// The tasks of one call, handed out one by one to the threads that ask.
+struct SharedTasks {
+    const std::function<void(std::uint32_t)>& task;
+    const std::uint32_t count;
+    std::atomic<std::uint32_t> next = 0;
+};
+
+void runSharedTasks(void* context) {
+    auto& tasks = *static_cast<SharedTasks*>(context);
+    for (std::uint32_t i = tasks.next++; i < tasks.count; i = tasks.next++)
+        tasks.task(i);
 }
 
 }  // namespace
@@ -32,18 +31,35 @@ std::uint32_t availableThreads() {
     return std::max(std::thread::hardware_concurrency(), 1u);
 }
 
-void runTasks(std::uint32_t count, std::uint32_t threads, const std::function<void(std::uint32_t)>& task) {
-    std::atomic<std::uint32_t> next = 0;
-    const auto work = [&] {
-        for (std::uint32_t i = next++; i < count; i = next++)
-            task(i);
-    };
-    std::array<std::jthread, mostHelpers> helpers;  // joined on the way out
-    const std::uint32_t wanted = std::min({threads, count, mostHelpers + 1});
-    for (std::uint32_t i = 1; i < wanted; ++i) {
-        if (!start(helpers[i - 1], work)) break;
+std::thread startThread(ThreadRoutine routine, void* context) {
+    try {
+        // A lambda's type is local to this file; passing pointers would instantiate visible symbols of std::thread.
+        return std::thread([routine, context] { routine(context); });
+    } catch (const std::system_error&) {
+        return {};
+    } catch (const std::bad_alloc&) {
+        return {};
     }
-    work();
+}
+
+void joinThreads(std::thread* threads, std::uint32_t count) {
+    for (std::uint32_t i = 0; i < count; ++i)
+        threads[i].join();
+}
+
+void runTasks(std::uint32_t count, std::uint32_t threads, const std::function<void(std::uint32_t)>& task,
+              const ThreadFunctions& functions) {
+    SharedTasks tasks = {task, count};
+    std::array<std::thread, mostHelpers> helpers;
+    const std::uint32_t wanted = std::min({threads, count, mostHelpers + 1});
+    std::uint32_t started = 0;
+    while (started + 1 < wanted) {
+        helpers[started] = functions.start(runSharedTasks, &tasks);
+        if (!helpers[started].joinable()) break;
+        ++started;
+    }
+    runSharedTasks(&tasks);
+    functions.wait(helpers.data(), started);
 }
 
 }  // namespace moktexture

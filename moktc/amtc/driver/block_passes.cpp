@@ -1,8 +1,32 @@
+// Problem: visit every block of a level on several threads. A visit writes its own block record and reads those of the eight
+// blocks around it, so blocks that touch must not be visited at the same time.
+//
+// Set-up needs no order within a pass: pass 0 reads no other record, pass 1 reads only what pass 0 wrote.
+//
+// Refinement runs in parity phases. The blocks of one phase have the same row parity and the same column parity:
+//
+//       column  0  1  2  3  4  5          A block of phase p has no other block of phase p among its eight neighbours, so
+//       row 0   a  c  a  c  a  c          within a phase no thread reads what another one writes.
+//           1   d  b  d  b  d  b
+//           2   a  c  a  c  a  c          The order of the phases is a, b, c, d.
+//           3   d  b  d  b  d  b
+//
+// No lock, atomic or fence is needed: joining the threads at the end of a pass makes its results visible to the next one.
+//
+//     RunParityPhase(phase):
+//         on each thread t of T:  for row = phase.row + 2 t, step 2 T:  for column = phase.column, step 2:  visit
+//         join
+//
+// The grid wraps around. With an odd number of columns the first and the last block of a row are neighbours of one parity: one
+// thread visits a row, in order, so the result is still determined. With an odd number of rows the same holds for the first and
+// the last row: the last one is visited on its own after the threads have been joined. So the bytes never depend on the number
+// of threads.
+//
+// Cost: one fork and join a pass, 2 + 4 a sweep of them. A thread holds one VisitSpace, about 90 KiB, on its stack.
+
 #include "moktc/amtc/driver/block_passes.h"
 
 #include <algorithm>
-#include <array>
-#include <thread>
 
 #include "moktc/amtc/driver/threadsupport.h"
 #include "moktc/amtc/refinement/visit_block.h"
@@ -10,111 +34,60 @@
 namespace moktexture::amtc {
 namespace {
 
-/// Everything that the workers of one fan-out share.
-struct AmtcThreadContext {
-    const AmtcImage* image;
-    const AmtcLevelSettings* settings;
-    std::uint32_t pass;                         ///< RunBlockPass
-    std::uint32_t rowPhase, columnPhase, step;  ///< RunParityPhase
-    const FootprintKernels* kernels;            ///< RunBlockPass
-    const BlockRows* blockRows;
-    InstructionSet instructionSet;
-    std::uint32_t threadCount;  ///< shares of the pass
-    std::uint32_t workerCount;  ///< at most threadCount; worker w carries shares w, w + workerCount and so on
-    std::array<std::thread, mostThreads> handles;
-
-    struct PerThread {
-        const AmtcThreadContext* context;
-        std::uint32_t worker;
-    };
-    std::array<PerThread, mostThreads> perThread;
-};
-
-/// What a worker does. It allocates nothing, so that no failure has to find its way out of a thread or past those still running.
-using Work = void (*)(const AmtcThreadContext& context, std::uint32_t worker) noexcept;
-
-void setUpShares(const AmtcThreadContext& context, std::uint32_t worker) noexcept {
-    const AmtcLevelSettings& settings = *context.settings;
-    for (std::uint32_t share = worker; share < context.threadCount; share += context.workerCount) {
-        for (std::uint32_t row = share; row < settings.blocksDown; row += context.threadCount) {
-            for (std::uint32_t column = 0; column < settings.blocksAcross; ++column)
-                VisitBlockSetup(context.pass, *context.image, settings, row, column, *context.kernels, *context.blockRows);
-        }
-    }
+/// Calls `work(thread, threadCount)` on each of the threads that are wanted and the machine has. Failure to start one ends the
+/// process.
+template <class Work>
+void fanOut(const AmtcThreadContext& context, std::uint32_t wantedThreads, const Work& work) {
+    const std::uint32_t threadCount = std::min(wantedThreads, std::max(context.threads, 1u));
+    runTasks(threadCount, threadCount, [&](std::uint32_t thread) { work(thread, threadCount); }, {StartThread, WaitForThreads});
 }
 
-void refineRow(const AmtcThreadContext& context, std::uint32_t row, VisitSpace& space) {
-    for (std::uint32_t column = context.columnPhase; column < context.settings->blocksAcross; column += 2)
-        VisitBlockRefine(*context.image, *context.settings, row, column, context.instructionSet, space, context.step,
-                         *context.blockRows);
-}
-
-/// Of an odd number of rows the last has the first one's parity and is its neighbour across the edge. It waits for the others.
-std::uint32_t rowsToShare(const AmtcThreadContext& context) {
-    return context.settings->blocksDown / 2 * 2;
-}
-
-void refineShares(const AmtcThreadContext& context, std::uint32_t worker) noexcept {
-    VisitSpace space;
-    for (std::uint32_t share = worker; share < context.threadCount; share += context.workerCount) {
-        for (std::uint32_t row = context.rowPhase + 2 * share; row < rowsToShare(context); row += 2 * context.threadCount)
-            refineRow(context, row, space);
-    }
-}
-
-template <Work work>
-void routine(void* context) {
-    const auto* thread = static_cast<const AmtcThreadContext::PerThread*>(context);
-    work(*thread->context, thread->worker);
-}
-
-/// Runs all shares and returns when they are done. The caller's thread is the last worker.
-template <Work work>
-void fanOut(AmtcThreadContext& context, std::uint32_t processors) {
-    if (context.threadCount == 0) return;
-    context.workerCount = std::clamp(processors, 1u, context.threadCount);
-    const std::uint32_t helpers = context.workerCount - 1;
-    for (std::uint32_t worker = 0; worker < helpers; ++worker) {
-        context.perThread[worker] = {&context, worker};
-        context.handles[worker] = StartThread(routine<work>, &context.perThread[worker]);
-    }
-    work(context, helpers);
-    WaitForThreads(context.handles.data(), helpers);
+void refineRow(const AmtcThreadContext& context, std::uint32_t row, std::uint32_t columnPhase, std::uint32_t step,
+               VisitSpace& space) {
+    for (std::uint32_t column = columnPhase; column < context.settings.blocksAcross; column += 2)
+        VisitBlockRefine({context.image, context.settings, context.blockRows, row, column}, step, context.instructionSet, space);
 }
 
 }  // namespace
 
-void RunBlockPass(std::uint32_t pass, const AmtcImage& image, const AmtcLevelSettings& settings, const FootprintKernels& kernels,
-                  std::uint32_t threadLimit, const LevelResources& resources, const BlockRows& blockRows) {
-    AmtcThreadContext context{};
-    context.image = &image;
-    context.settings = &settings;
-    context.pass = pass;
-    context.kernels = &kernels;
-    context.blockRows = &blockRows;
-    context.threadCount = std::min(threadLimit, settings.blocksDown);
-    fanOut<setUpShares>(context, resources.processors);
+void RunBlockPass(const AmtcThreadContext& context, std::uint32_t pass, const FootprintKernels& kernels) {
+    const AmtcLevelSettings& settings = context.settings;
+    fanOut(context, std::min(context.threadLimit, settings.blocksDown), [&](std::uint32_t thread, std::uint32_t threadCount) {
+        for (std::uint32_t row = thread; row < settings.blocksDown; row += threadCount) {
+            for (std::uint32_t column = 0; column < settings.blocksAcross; ++column)
+                VisitBlockSetup({context.image, settings, context.blockRows, row, column}, pass, kernels);
+        }
+    });
+}
+
+void RunParityPhase(const AmtcThreadContext& context, const ParityPhase& phase, std::uint32_t step) {
+    // Kept (one-block-row-never-refined): half of one block row is no thread, so images one block high keep their start
+    // candidates; .mok files of such textures hold the blocks that come of it.
+    const std::uint32_t rowPairs = context.settings.blocksDown / 2;
+    if (rowPairs == 0) return;
+    fanOut(context, std::min(context.threadLimit, rowPairs), [&](std::uint32_t thread, std::uint32_t threadCount) {
+        BlendTable blendTable;
+        VisitSpace space{blendTable};
+        for (std::uint32_t row = phase.row + 2 * thread; row < 2 * rowPairs; row += 2 * threadCount)
+            refineRow(context, row, phase.column, step, space);
+    });
+    const bool isLastRowLeft = phase.row == 0 && context.settings.blocksDown % 2 != 0;
+    if (isLastRowLeft) {
+        BlendTable blendTable;
+        VisitSpace space{blendTable};
+        refineRow(context, context.settings.blocksDown - 1, phase.column, step, space);
+    }
+}
+
+void RunBlockPass(std::uint32_t pass, const AmtcImage& image, const AmtcLevelSettings& settings, const FootprintMask& centreMask,
+                  const FootprintKernel& sharpKernel, const FootprintKernel& smoothKernel, std::uint32_t threadLimit,
+                  const BlockRows& blockRows) {
+    RunBlockPass({image, settings, blockRows, threadLimit}, pass, {sharpKernel, smoothKernel, centreMask});
 }
 
 void RunParityPhase(const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t rowPhase, std::uint32_t columnPhase,
-                    std::uint32_t step, std::uint32_t threadLimit, const LevelResources& resources, const BlockRows& blockRows) {
-    AmtcThreadContext context{};
-    context.image = &image;
-    context.settings = &settings;
-    context.rowPhase = rowPhase;
-    context.columnPhase = columnPhase;
-    context.step = step;
-    context.blockRows = &blockRows;
-    context.instructionSet = resources.instructionSet;
-    // Kept: half of one row of blocks is no thread, so images one block high are never refined and keep their start candidates.
-    context.threadCount = std::min(threadLimit, settings.blocksDown / 2);
-    fanOut<refineShares>(context, resources.processors);
-
-    const bool lastRowWaits = rowPhase == 0 && rowsToShare(context) != settings.blocksDown;
-    if (lastRowWaits && context.threadCount != 0) {
-        VisitSpace space;
-        refineRow(context, settings.blocksDown - 1, space);
-    }
+                    std::uint32_t step, std::uint32_t threadLimit, const BlockRows& blockRows) {
+    RunParityPhase({image, settings, blockRows, threadLimit}, {rowPhase, columnPhase}, step);
 }
 
 }  // namespace moktexture::amtc

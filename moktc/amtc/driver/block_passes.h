@@ -1,29 +1,41 @@
 #pragma once
 
+#include "core/base/instruction_set.h"
+#include "core/base/parallel.h"
 #include "moktc/amtc/analysis/footprint_analysis.h"
-#include "moktc/amtc/driver/level_resources.h"
 
 /// @file
-/// Passes over a level's blocks, fanned out over threads. A pass is cut into shares of rows by the height of the grid alone; as
-/// many workers as the machine runs at once carry them.
-///
-/// No pass takes a lock: no worker reads what another one writes at the same time. A visit writes its own block and reads those
-/// around it, and blocks of one parity are no neighbours. The exceptions are at the edges of odd grids, where the first block
-/// and the last one meet: those of a row are visited by one worker, in order, and the last row waits until all others are done.
+/// Passes over the block grid of a level, each spread over threads and joined before it returns.
 
 namespace moktexture::amtc {
 
 inline constexpr std::uint32_t mostThreads = 32;
 
-/// Visits all blocks for set-up; pass 1 needs what pass 0 found around each block.
-/// @param threadLimit most shares, from 1 to mostThreads
-void RunBlockPass(std::uint32_t pass, const AmtcImage& image, const AmtcLevelSettings& settings, const FootprintKernels& kernels,
-                  std::uint32_t threadLimit, const LevelResources& resources, const BlockRows& blockRows);
+/// What the threads of a pass share; they read it only.
+struct AmtcThreadContext {
+    const AmtcImage& image;
+    const AmtcLevelSettings& settings;
+    const BlockRows& blockRows;
+    std::uint32_t threadLimit;                               ///< most threads by the height of the grid, from 1 to mostThreads
+    std::uint32_t threads = availableThreads();              ///< most threads by the machine; the result does not depend on it
+    InstructionSet instructionSet = detectInstructionSet();  ///< nor on this one
+};
 
-/// Visits the blocks of every second row and column, from `rowPhase` and `columnPhase` on, for refinement. A grid one block high
-/// is not visited.
+/// The blocks of every second row and column, from `row` and `column` on, each 0 or 1.
+struct ParityPhase {
+    std::uint32_t row, column;
+};
+
+/// Visits all blocks to set them up; pass 1 needs what pass 0 found around each block.
+void RunBlockPass(const AmtcThreadContext& context, std::uint32_t pass, const FootprintKernels& kernels);
+void RunBlockPass(std::uint32_t pass, const AmtcImage& image, const AmtcLevelSettings& settings, const FootprintMask& centreMask,
+                  const FootprintKernel& sharpKernel, const FootprintKernel& smoothKernel, std::uint32_t threadLimit,
+                  const BlockRows& blockRows);
+
+/// Visits the blocks of a phase to refine them. A grid one block high is not visited.
 /// @param step number of the phase, counted from 1 over all sweeps
+void RunParityPhase(const AmtcThreadContext& context, const ParityPhase& phase, std::uint32_t step);
 void RunParityPhase(const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t rowPhase, std::uint32_t columnPhase,
-                    std::uint32_t step, std::uint32_t threadLimit, const LevelResources& resources, const BlockRows& blockRows);
+                    std::uint32_t step, std::uint32_t threadLimit, const BlockRows& blockRows);
 
 }  // namespace moktexture::amtc

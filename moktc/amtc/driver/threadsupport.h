@@ -3,14 +3,14 @@
 #include <cstdint>
 #include <thread>
 
+#include "core/base/parallel.h"
+
 namespace moktexture::amtc {
 
-using ThreadRoutine = void (*)(void* context);
-
-/// Writes that no thread could be created and ends the process.
+/// Writes that no thread could be created to the standard error stream and aborts.
 [[noreturn]] void failToCreateThread();
 
-/// Starts a thread that runs `routine(context)`. If the system has none to give, it fails as above.
+/// Starts a thread that runs `routine(context)`. If the system has no thread to give, it fails as above.
 std::thread StartThread(ThreadRoutine routine, void* context);
 
 /// Returns when the first `count` of the threads have ended.

@@ -1,3 +1,15 @@
+// The evaluator of pixel_evaluation.cpp at 2 bits per pixel, on the lanes of lane_layout.h.
+//
+//     samples of the outer ring, then of the inner rows:  decode, choose, keep the weights in a grid
+//     means of the inner rows, then of the ring:          weight = sum of the neighbours in the grid * factor, rounded; decode
+//     for each interpolation weight in use:               sum the choices under a mask
+//
+// The ring's samples are needed on every pass, by the means next to them.
+
+#include "core/base/instruction_set.h"
+
+#if MOKTEX_X86_KERNELS
+
 #include "moktc/amtc/evaluation/lane_arithmetic_avx2.h"
 
 namespace {
@@ -6,14 +18,14 @@ using namespace moktexture::amtc;
 using Lanes = EvaluationLanes2bpp;
 constexpr std::size_t lastRow = Lanes::lastRow;
 
-/// Sample values by row. The last column's, of even rows, stand apart; there is a row of zeroes above and below.
+/// Interpolation weights of samples by row. Those of the last column stand apart; a row of zeroes lies above and one below.
 class SampleGrid {
 public:
     MOKTEX_LANE_FUNCTION SampleGrid() { rows[0] = rows[lastRow + 2] = _mm256_setzero_si256(); }
     MOKTEX_LANE_FUNCTION void setRow(std::size_t row, __m256i samples) { rows[row + 1] = samples; }
     MOKTEX_LANE_FUNCTION void setColumn(__m256i samples) { column = samples; }
 
-    /// Sums of left and right neighbours, of those that are there, for the pixels between a row's samples.
+    /// Sums of left and right neighbours, as far as they lie in the footprint, for the pixels between a row's samples.
     MOKTEX_LANE_FUNCTION __m256i across(std::size_t row) const {
         static constexpr std::int32_t shifts[2][laneCount] = {{1, 2, 3, 4, 5, 6, 7, 0}, {7, 0, 1, 2, 3, 4, 5, 6}};
         static constexpr std::int32_t beyond[2][laneCount] = {{0, 0, 0, 0, 0, 0, 0, -1}, {-1}};
@@ -22,7 +34,7 @@ public:
         const __m256i shifted = _mm256_permutevar8x32_epi32(rows[row + 1], load(shifts[row % 2]));
         return _mm256_add_epi32(rows[row + 1], blend(shifted, atEdge, load(beyond[row % 2])));
     }
-    /// Likewise of those above and below.
+    /// Likewise of the neighbours above and below.
     MOKTEX_LANE_FUNCTION __m256i down(std::size_t row) const { return _mm256_add_epi32(rows[row], rows[row + 2]); }
 
     /// The same for the last column's pixels of odd rows, in their lanes.
@@ -48,9 +60,9 @@ struct EvaluatedLanes {
 MOKTEX_LANE_FUNCTION EvaluatedLanes evaluateSamples(const SampleLanes& lanes, const BlockRow& upper, const BlockRow& lower) {
     const EndDifferences ends = decodeEnds(lanes.pixels, upper, lower);
     const Blend blendOfEnds(ends);
-    const ChannelLanes level1 = blendOfEnds.at(_mm256_set1_epi16(3 << shareShift)),
-                       level2 = blendOfEnds.at(_mm256_set1_epi16(5 << shareShift));
-    // With one bit, levels 1 and 2 are out of reach and B wins over A if equal.
+    const ChannelLanes level1 = blendOfEnds.at(_mm256_set1_epi16(3 << weightShift)),
+                       level2 = blendOfEnds.at(_mm256_set1_epi16(5 << weightShift));
+    // With one bit, indices 1 and 2 cannot win and B wins ties with A.
     const __m256i oneBit = load(lanes.oneBit);
     const __m256i error1 = _mm256_or_si256(squaredLength(level1), oneBit);
     const __m256i error2 = _mm256_or_si256(squaredLength(level2), oneBit);
@@ -67,7 +79,7 @@ MOKTEX_LANE_FUNCTION EvaluatedLanes evaluateSamples(const SampleLanes& lanes, co
     return {difference, _mm256_min_epi32(least012, error3), value};
 }
 
-/// Means of samples, or one bit where a pixel has that.
+/// Pixels with a mean of samples, or one bit of their own.
 MOKTEX_LANE_FUNCTION EvaluatedLanes evaluateMeans(const MeanLanes& lanes, const EndDifferences& ends, __m256i across,
                                                   __m256i down, bool hasOneBit) {
     const __m256i sums = _mm256_or_si256(across, _mm256_slli_epi32(down, 16));
@@ -77,10 +89,10 @@ MOKTEX_LANE_FUNCTION EvaluatedLanes evaluateMeans(const MeanLanes& lanes, const 
         const __m256i takesA = _mm256_cmpgt_epi32(squaredLength(ends.b), squaredLength(ends.a));
         value = blend(value, _mm256_andnot_si256(takesA, _mm256_set1_epi32(8)), load(lanes.oneBit));
     }
-    const __m256i share = _mm256_or_si256(value, _mm256_slli_epi32(value, 16));
+    const __m256i weight = _mm256_or_si256(value, _mm256_slli_epi32(value, 16));
     const ChannelLanes step = ends.a - ends.b;
-    const ChannelLanes difference = ends.a - ChannelLanes{_mm256_srai_epi16(_mm256_mullo_epi16(step.rg, share), 3),
-                                                          _mm256_srai_epi16(_mm256_mullo_epi16(step.ba, share), 3)};
+    const ChannelLanes difference = ends.a - ChannelLanes{_mm256_srai_epi16(_mm256_mullo_epi16(step.rg, weight), 3),
+                                                          _mm256_srai_epi16(_mm256_mullo_epi16(step.ba, weight), 3)};
     return {difference, squaredLength(difference), value};
 }
 
@@ -88,7 +100,7 @@ MOKTEX_LANE_FUNCTION EvaluatedLanes evaluateMeans(const MeanLanes& lanes, const 
 struct ErrorLanes {
     __m256i inner = _mm256_setzero_si256(), outer = inner;
 
-    /// Lane 0 is the ring's where a row starts with column 0.
+    /// Lane 0 belongs to the ring where a row starts with column 0.
     MOKTEX_LANE_FUNCTION void addRow(__m256i error, std::size_t firstColumn) {
         static constexpr std::int32_t ringLanes[2][laneCount] = {{-1}, {}};
         const __m256i isRing = load(ringLanes[firstColumn]);
@@ -101,7 +113,7 @@ struct ErrorLanes {
     }
 };
 
-/// The steps of an evaluation, in their order: means need the samples of their own row and of those beside it.
+/// The steps of an evaluation, in their order: means need the samples of their own row and of the rows above and below.
 class Evaluation {
 public:
     MOKTEX_LANE_FUNCTION Evaluation(const Lanes& preparedLanes, ColourBytes colours)
@@ -151,7 +163,7 @@ public:
     MOKTEX_LANE_FUNCTION void finishSums(const LaneSums& sums) const {
         for (std::uint32_t value = 0; value <= 8; ++value) {
             if ((lanes.valuesInUse >> value & 1) == 0) continue;
-            LevelAccumulator accumulator(value);
+            WeightAccumulator accumulator(value);
             if ((twoBitValues >> value & 1) != 0) {
                 for (std::size_t group = 0; group < innerGroups; ++group)
                     accumulator.add(lanes.samples[group].pixels, samples[group]);
@@ -196,3 +208,5 @@ LaneError evaluateLanes2bppAVX2(const EvaluationLanes2bpp& lanes, const ColourPa
 }
 
 }  // namespace moktexture::amtc
+
+#endif

@@ -1,13 +1,21 @@
 #pragma once
 
-// What the evaluators over lanes have in common. Included by kernel files compiled for AVX2 alone.
+// What the evaluators over lanes have in common. Included only by kernel files, which are compiled for AVX2.
+//
+// The decoder's arithmetic in 16-bit lanes:
+//
+//     sum    = maddubs(upper bytes, weights) + maddubs(lower bytes, weights)      left and right block in one instruction
+//     colour = (sum >> 6) + (sum >> 11), alpha + (sum >> 10)                       expands the stored bits
+//     blend  = A - B's share: mulhi(2 * (A - B), weight << 12) = ((A - B) * weight) >> 3, rounded down like the decoder's
+//
+// All of it runs on differences from the pixel, as errors and residuals need these and not the colours.
 
 #include <immintrin.h>
 
 #include <cstddef>
 #include <cstdint>
 
-#include "moktc/amtc/evaluation/evaluate_lanes.h"
+#include "moktc/amtc/evaluation/lane_layout.h"
 
 namespace {
 
@@ -31,8 +39,8 @@ MOKTEX_LANE_FUNCTION std::int32_t sumOf(__m256i lanes) {
     return _mm_cvtsi128_si32(_mm_add_epi32(sum, _mm_shuffle_epi32(sum, 0xB1)));
 }
 
-/// Eight pixels, 16 bits a channel: red and green, blue and alpha. Copied member by member: g++ copies plain structures in pieces
-/// of eight bytes, through memory.
+/// Eight pixels, 16 bits a channel: red and green, blue and alpha. Copied member by member: g++ copies trivial structures by
+/// eight bytes at a time, through memory.
 struct ChannelLanes {
     MOKTEX_LANE_FUNCTION ChannelLanes(__m256i redGreen, __m256i blueAlpha) : rg(redGreen), ba(blueAlpha) {}
     MOKTEX_LANE_FUNCTION ChannelLanes(const ChannelLanes& other) : rg(other.rg), ba(other.ba) {}
@@ -74,7 +82,7 @@ MOKTEX_LANE_FUNCTION __m256i squaredLength(const ChannelLanes& d) {
     return _mm256_add_epi32(_mm256_madd_epi16(d.rg, d.rg), _mm256_madd_epi16(d.ba, d.ba));
 }
 
-/// One row of blocks' colours as every pixel of a half sees them, the stored bits: bytes left, right by channel.
+/// The stored bits of one row of blocks, as each pixel of a half sees them: bytes left, right by channel.
 struct BlockRow {
     __m256i aRG, aBA, bRG, bBA;
 };
@@ -101,20 +109,42 @@ MOKTEX_LANE_FUNCTION BlockRow loadBlockRow(ColourBytes row) {
             _mm256_shuffle_epi32(pairs, 0xFF)};
 }
 
-/// For the last column: the right half of one row of blocks below, the right half of the next above.
+/// For the last column: the right half of `low` in lanes 0 to 3, that of `high` in lanes 4 to 7.
 MOKTEX_LANE_FUNCTION BlockRow rightHalves(const BlockRow& low, const BlockRow& high) {
     return {_mm256_permute2x128_si256(low.aRG, high.aRG, 0x31), _mm256_permute2x128_si256(low.aBA, high.aBA, 0x31),
             _mm256_permute2x128_si256(low.bRG, high.bRG, 0x31), _mm256_permute2x128_si256(low.bBA, high.bBA, 0x31)};
 }
 
-/// Sums of 64 parts to 8 bits: what is stored, with its upper bits repeated below.
+/// The eight colours that palette taps choose from, by half of a group: bytes of red and green, of blue and alpha.
+struct Palette {
+    __m256i rg, ba;
+};
+
+MOKTEX_LANE_FUNCTION Palette loadPalette(ColourBytes upperRow) {
+    const auto row = [](ColourBytes pairs) {
+        const __m256i leftAndRight = _mm256_set_m128i(loadPairs(pairs + pairBytes), loadPairs(pairs));
+        return _mm256_shuffle_epi32(leftAndRight, 0xD8);  // A, A, B, B
+    };
+    const __m256i upper = row(upperRow), lower = row(upperRow + blockRowBytes);
+    const __m256i split = _mm256_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15,  //
+                                           0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
+    const __m256i a = _mm256_shuffle_epi8(_mm256_unpacklo_epi64(upper, lower), split);
+    const __m256i b = _mm256_shuffle_epi8(_mm256_unpackhi_epi64(upper, lower), split);
+    return {_mm256_unpacklo_epi64(a, b), _mm256_unpackhi_epi64(a, b)};
+}
+
+MOKTEX_LANE_FUNCTION Palette rightHalves(const Palette& low, const Palette& high) {
+    return {_mm256_permute2x128_si256(low.rg, high.rg, 0x31), _mm256_permute2x128_si256(low.ba, high.ba, 0x31)};
+}
+
+/// Sums of 64 parts to 8 bits: the stored bits with the upper ones repeated below.
 MOKTEX_LANE_FUNCTION ChannelLanes expand(const ChannelLanes& sums) {
     const __m256i repeatBA = _mm256_set1_epi32(0x0040'0020);
     return {_mm256_add_epi16(_mm256_srli_epi16(sums.rg, 6), _mm256_srli_epi16(sums.rg, 11)),
             _mm256_add_epi16(_mm256_srli_epi16(sums.ba, 6), _mm256_mulhi_epu16(sums.ba, repeatBA))};
 }
 
-/// Differences of pixels from what A and B make of them.
+/// Differences of pixels from the colours that A and B decode to.
 struct EndDifferences {
     ChannelLanes a, b;
 };
@@ -130,21 +160,21 @@ MOKTEX_LANE_FUNCTION EndDifferences decodeEnds(const PixelLanes& lanes, const Bl
             pixel - expand({sum(upper.bRG, lower.bRG), sum(upper.bBA, lower.bBA)})};
 }
 
-/// The differences part of the way from A to B. `share` is m << shareShift, m eighths of at most 7, 16 bits twice: the upper half
-/// of 2 * step * (m << 12) is step * m / 8 rounded down, as a decoder rounds the blended colours.
+/// The differences at a point between A and B. `weight` is m << weightShift, m at most 7, 16 bits twice: the upper half of
+/// 2 * step * (m << 12) is step * m / 8 rounded down, as a decoder rounds the blended colours.
 class Blend {
 public:
     MOKTEX_LANE_FUNCTION explicit Blend(const EndDifferences& ends)
         : a(ends.a), doubledStep((ends.a - ends.b) + (ends.a - ends.b)) {}
-    MOKTEX_LANE_FUNCTION ChannelLanes at(__m256i share) const {
-        return a - ChannelLanes(_mm256_mulhi_epi16(doubledStep.rg, share), _mm256_mulhi_epi16(doubledStep.ba, share));
+    MOKTEX_LANE_FUNCTION ChannelLanes at(__m256i weight) const {
+        return a - ChannelLanes(_mm256_mulhi_epi16(doubledStep.rg, weight), _mm256_mulhi_epi16(doubledStep.ba, weight));
     }
 
 private:
     ChannelLanes a, doubledStep;
 };
 
-/// What was chosen for eight inner pixels: differences with a channel of two pixels side by side, and level values.
+/// The choice of eight inner pixels: differences with a channel of two pixels side by side, and interpolation weights.
 struct ChosenLanes {
     __m256i rg, ba, value;
 };
@@ -159,11 +189,10 @@ MOKTEX_LANE_FUNCTION ChosenLanes chosen(const ChannelLanes& difference, __m256i 
     return {pairPixels(difference.rg), pairPixels(difference.ba), value};
 }
 
-/// Sums over the pixels of one level value.
-class LevelAccumulator {
+/// Sums over the pixels of one interpolation weight.
+class WeightAccumulator {
 public:
-    explicit LevelAccumulator(std::uint32_t levelValue)
-        : value(levelValue), values(_mm256_set1_epi32(static_cast<int>(levelValue))) {}
+    explicit WeightAccumulator(std::uint32_t weight) : value(weight), values(_mm256_set1_epi32(static_cast<int>(weight))) {}
 
     MOKTEX_LANE_FUNCTION void add(const PixelLanes& lanes, const ChosenLanes& choice) {
         const __m256i mask = _mm256_cmpeq_epi32(choice.value, values);

@@ -1,9 +1,32 @@
+// Problem: for nine pairs of colours, what would a decoder make of each pixel of the footprint, which modulation index is best,
+// and what does the solver need to know?
+//
+// A decoder's arithmetic for one pixel and one channel, in integers:
+//
+//     stored  = the upper 5 bits of R, G, B and the upper 4 of alpha, of A (likewise B) of the 2 by 2 blocks around the pixel
+//     sum     = bilinear interpolation with weights of 0 to 8 each way: 64 parts
+//     a       = sum >> 6, its upper bits repeated below: + (a >> 5), alpha + (a >> 4)
+//     index 1 = (a * level1A + b * level1B) >> 3, index 2 likewise, index 0 = a, index 3 = b
+//
+// Corner palette pixels take one of the eight colours around them as they are.
+//
+// 4 bits per pixel, and 2 bits per pixel in two passes:
+//
+//     for each pixel:               decode its four colours; pick the nearest index; add error and sums
+//     for each pixel with a sample: the same; keep the interpolation weight
+//     for each other pixel:         weight = mean of the samples around it; decode with it; add error and sums
+//
+// The error is the sum of squared differences of R, G, B and A, all alike. The sums count only inner pixels: the block's colours
+// do not reach the outer ring, and its pixels have an influence of 0.
+//
+// Cost: 81 or 153 pixels decoded with four interpolations each. This is the encoder's inner loop.
+
 #include "moktc/amtc/evaluation/pixel_evaluation.h"
 
 namespace moktexture::amtc {
 namespace {
 
-// By channel: the bits that a block stores at most, and the distance over which they repeat.
+// By channel: the bits that a block stores at most, and the shift at which they repeat.
 constexpr std::array<std::uint32_t, channelCount> storedBits = {0xF8, 0xF8, 0xF8, 0xF0};
 constexpr std::array<std::uint32_t, channelCount> repeatShift = {5, 5, 5, 4};
 
@@ -20,8 +43,8 @@ std::uint32_t BilinearEndpoint(const std::uint32_t* corners, std::uint32_t weigh
     return colour;
 }
 
-/// Counts a pixel whose weight of B, in eighths, comes from its neighbours.
-void evaluateInterpolated(const DecodedPixel& decoded, std::uint32_t value, RegionError& total, LevelSums& sums) {
+/// Adds a pixel whose interpolation weight comes from its neighbours.
+void evaluateInterpolated(const DecodedPixel& decoded, std::uint32_t value, RegionError& total, RegressionSums& sums) {
     const std::uint32_t colour = mixColours(decoded.candidates[0], decoded.candidates[3], 8 - value, value);
     const std::uint32_t error = squaredDistance(decoded.pixel, colour);
     if (decoded.entry.isOuterRing != 0) {
@@ -42,9 +65,9 @@ EightColours eightColoursAt(const NeighbourColours& colours, std::size_t row, st
 
 void DecodePixelCandidates(const PixelBlendEntry& entry, const EightColours& colours, PixelCandidates& candidates) {
     if (entry.isPaletteTap != 0) {
-        for (std::size_t level = 0; level < levelCountOfFormat; ++level) {
-            const std::size_t tap = entry.paletteIndex[level];
-            candidates[level] = colours[tap / 2 + tap % 2 * 4];
+        for (std::size_t index = 0; index < indexCount; ++index) {
+            const std::size_t tap = entry.paletteIndex[index];
+            candidates[index] = colours[tap / 2 + tap % 2 * 4];
         }
         return;
     }
@@ -72,11 +95,11 @@ std::uint32_t PickLevel(std::uint32_t pixel, const PixelCandidates& candidates, 
                         std::uint32_t& error, bool twoLevelsOnly) {
     std::uint32_t chosen = twoLevelsOnly ? 3 : 2;
     error = squaredDistance(pixel, candidates[chosen]);
-    const auto replaceBy = [&](std::uint32_t level) {
-        const std::uint32_t levelError = squaredDistance(pixel, candidates[level]);
-        if (levelError >= error) return;
-        chosen = level;
-        error = levelError;
+    const auto replaceBy = [&](std::uint32_t index) {
+        const std::uint32_t indexError = squaredDistance(pixel, candidates[index]);
+        if (indexError >= error) return;
+        chosen = index;
+        error = indexError;
     };
     if (!twoLevelsOnly) replaceBy(1);
     replaceBy(0);
@@ -93,11 +116,12 @@ DecodedPixel decodePixel(const BlendTable& table, const Footprint& footprint, co
     return decoded;
 }
 
-std::uint8_t evaluatePixel(const DecodedPixel& decoded, bool twoLevelsOnly, bool firstPass, RegionError& total, LevelSums& sums) {
+std::uint8_t evaluatePixel(const DecodedPixel& decoded, bool twoLevelsOnly, bool firstPass, RegionError& total,
+                           RegressionSums& sums) {
     ColourDifference difference;
     std::uint32_t error = 0;
-    const std::uint32_t level = PickLevel(decoded.pixel, decoded.candidates, difference, error, twoLevelsOnly);
-    const std::uint8_t value = decoded.entry.levelValue[level];
+    const std::uint32_t index = PickLevel(decoded.pixel, decoded.candidates, difference, error, twoLevelsOnly);
+    const std::uint8_t value = decoded.entry.levelValue[index];
     if (decoded.entry.isOuterRing != 0) {
         if (firstPass) total.outer += error;
     } else {
@@ -128,7 +152,7 @@ std::uint32_t meanOfSamples(const SampleValues& samples, ModulationClass modulat
 }
 
 RegionError EvalRegion4bpp(const BlendTable& table, const Footprint& footprint, const NeighbourColours& colours, bool firstPass,
-                           LevelSums& sums) {
+                           RegressionSums& sums) {
     RegionError total;
     for (std::size_t row = 0; row < footprintRows; ++row) {
         for (std::size_t column = 0; column < footprintWidth4bpp; ++column) {
@@ -140,7 +164,7 @@ RegionError EvalRegion4bpp(const BlendTable& table, const Footprint& footprint, 
 }
 
 RegionError EvalRegion2bpp(const BlendTable& table, const Footprint& footprint, const NeighbourColours& colours, bool firstPass,
-                           LevelSums& sums) {
+                           RegressionSums& sums) {
     RegionError total;
     SampleValues samples{};
     const auto forEachPixel = [&](bool withSample, auto evaluate) {

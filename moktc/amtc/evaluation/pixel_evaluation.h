@@ -4,10 +4,10 @@
 #include "moktc/amtc/evaluation/blend_table.h"
 
 /// @file
-/// What a decoder would make of a footprint, and how far that is from the pixels: the plain form. `region_evaluator.h` is the way
-/// to the fast ones.
-/// In the second generation it can differ from what is stored: in a translucent pair, A's alpha 255 decodes as 238 and B's 0
-/// as 17.
+/// What a decoder would make of a footprint, and its squared error: the scalar form, which processors without AVX2 run.
+/// RegionEvaluator chooses between it and the lanes.
+/// In the second generation the prediction can differ from the decoder's pixels: in a translucent pair, A's alpha 255 decodes as
+/// 238 and B's 0 as 17.
 
 namespace moktexture::amtc {
 
@@ -19,8 +19,8 @@ using EightColours = std::array<std::uint32_t, 8>;
 
 EightColours eightColoursAt(const NeighbourColours& colours, std::size_t row, std::size_t column, std::size_t blockWidth);
 
-/// The four colours that a pixel may decode to, by level: A, 1, 2, B.
-using PixelCandidates = std::array<std::uint32_t, levelCountOfFormat>;
+/// The four colours that a pixel may decode to, by modulation index.
+using PixelCandidates = std::array<std::uint32_t, indexCount>;
 void DecodePixelCandidates(const PixelBlendEntry& entry, const EightColours& colours, PixelCandidates& candidates);
 
 /// (A * weightA + B * weightB) / 8 in each channel, truncated; the weights are at most 8 together.
@@ -29,18 +29,18 @@ std::uint32_t mixColours(std::uint32_t a, std::uint32_t b, std::uint32_t weightA
 using ColourDifference = std::array<std::int32_t, channelCount>;
 ColourDifference differenceOf(std::uint32_t pixel, std::uint32_t colour);
 
-/// The level nearest to the pixel, with the pixel's difference from it and the squared error. Of equally near levels the earliest
-/// of 2, 1, 0, 3 wins; if two levels only are offered, 3 wins over 0.
+/// The modulation index whose colour is nearest to the pixel, with the pixel's difference from it and the squared error. Of
+/// equally near ones the earliest of 2, 1, 0, 3 wins; with `twoLevelsOnly` the earlier of 3, 0.
 std::uint32_t PickLevel(std::uint32_t pixel, const PixelCandidates& candidates, ColourDifference& difference,
                         std::uint32_t& error, bool twoLevelsOnly);
 
-/// What the solver learns of an evaluation, by level value. Entry 9, the ignored value, need not be set.
-struct LevelSums {
+/// What the solver needs of an evaluation, by interpolation weight. Entry 9, the ignored value, need not be set.
+struct RegressionSums {
     std::array<std::int32_t, levelValueCount> levelCount{};
     std::array<std::int32_t, levelValueCount> levelWeight{};        ///< sums of influence
     std::array<ColourDifference, levelValueCount> levelResidual{};  ///< sums of difference times importance
 
-    /// Counts one pixel that chose a level of that value.
+    /// Adds one pixel that chose an index of that interpolation weight.
     void addPixel(const PixelBlendEntry& entry, std::size_t value, const ColourDifference& difference) {
         ++levelCount[value];
         levelWeight[value] += entry.influence;
@@ -62,23 +62,24 @@ struct DecodedPixel {
 DecodedPixel decodePixel(const BlendTable& table, const Footprint& footprint, const NeighbourColours& colours, std::size_t row,
                          std::size_t column, std::size_t blockWidth);
 
-/// Picks a pixel's own level, counts it, and returns the level's value.
-std::uint8_t evaluatePixel(const DecodedPixel& decoded, bool twoLevelsOnly, bool firstPass, RegionError& total, LevelSums& sums);
+/// Picks a pixel's modulation index, adds the pixel to the totals and sums, and returns the index's interpolation weight.
+std::uint8_t evaluatePixel(const DecodedPixel& decoded, bool twoLevelsOnly, bool firstPass, RegionError& total,
+                           RegressionSums& sums);
 
-/// 2 bits per pixel: the weights of B in eighths, by pixel of the footprint. Those that come from neighbours are not kept.
+/// 2 bits per pixel: interpolation weights by pixel of the footprint. Those that come from neighbours are not set.
 using SampleValues = std::array<std::uint8_t, footprintPixels2bpp>;
 
-/// The rounded mean of the samples around a pixel of class `average`, `horizontal` or `vertical`, of those that the footprint
-/// has.
+/// The rounded mean of the samples around a pixel of class `average`, `horizontal` or `vertical`, as far as they lie in the
+/// footprint.
 std::uint32_t meanOfSamples(const SampleValues& samples, ModulationClass modulationClass, std::size_t row, std::size_t column);
 
-/// Each adds to `sums` what it finds for the inner pixels.
+/// Each evaluates all pixels and adds the inner ones to `sums`; `firstPass` also gives the error of the outer ring.
 RegionError EvalRegion4bpp(const BlendTable& table, const Footprint& footprint, const NeighbourColours& colours, bool firstPass,
-                           LevelSums& sums);
-/// All pixels of a segment share one level.
+                           RegressionSums& sums);
+/// All pixels of a segment share one modulation index (see segment_evaluation.cpp).
 RegionError EvalRegionSegments4bpp(const BlendTable& table, const Footprint& footprint, const Segments& segments,
-                                   const NeighbourColours& colours, bool firstPass, LevelSums& sums);
+                                   const NeighbourColours& colours, bool firstPass, RegressionSums& sums);
 RegionError EvalRegion2bpp(const BlendTable& table, const Footprint& footprint, const NeighbourColours& colours, bool firstPass,
-                           LevelSums& sums);
+                           RegressionSums& sums);
 
 }  // namespace moktexture::amtc

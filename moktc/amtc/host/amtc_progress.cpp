@@ -7,14 +7,15 @@ namespace moktexture::amtc {
 
 namespace {
 
-/// Serves all records of the process that are being made ready: stands for the named system mutex of Windows hosts, as no record
-/// is shared between processes.
+/// Guards InitOnceMutex() for all records of the process. A record is not shared between processes, so it need not be a named
+/// system mutex.
 std::mutex initialisation;
 
 float shareDone(const AmtcProgress& record) {
     if (record.total != 0) return static_cast<float>(record.doneA + record.doneB) / static_cast<float>(record.total);
     if (record.started == 0) return 0.0F;
-    // Kept: work of unknown amount is divided by zero. Hosts see it as complete from the first count on, and before as not begun.
+    // Kept (progress-divides-by-zero): work of unknown amount is divided by zero. GetProgress() clamps the result, so a host's
+    // progress bar stands at 0 before the first count and at 1 from then on.
     return static_cast<float>(record.doneA) / (record.mipFactor * 0.0F);
 }
 
@@ -25,10 +26,10 @@ std::uint32_t CreateProgress(AmtcProgress** record) {
     return 0;
 }
 
-void ResetProgress(AmtcProgress& record, std::int32_t mipMode) {
+void ResetProgress(AmtcProgress& record, bool hasMIPLevels) {
     const std::scoped_lock lock(record.mutex);
     record.started = record.doneA = record.doneB = record.total = 0;
-    record.mipFactor = mipMode != 0 ? 1.3333334F : 1.0F;
+    record.mipFactor = hasMIPLevels ? 1.3333334F : 1.0F;
 }
 
 float GetProgress(AmtcProgress** record) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "moktc/amtc/driver/mip_levels.h"
+#include "moktc/amtc/driver/level_images.h"
 
 namespace moktexture::amtc {
 
@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t wordBytes = 4;
 
-std::size_t wordsOf(std::uint32_t bitsPerPixel, std::uint32_t pixels) {
+std::size_t wordCountOf(std::uint32_t bitsPerPixel, std::uint32_t pixels) {
     const std::uint32_t blockPixels = bitsPerPixel == 1 ? 64 : bitsPerPixel == 2 ? 32 : 16;
     return std::size_t{2} * (pixels / blockPixels);
 }
@@ -26,7 +26,8 @@ void CheckSourceSize(const char* name, std::uint32_t bitsPerPixel, std::int32_t*
         std::fprintf(stderr, "Warning :Image \"%s\" dimensions not powers of 2. Twiddling disabled\n", name);
         *linearBlockOrder = 1;
     }
-    // Kept: one side above the limit lets the other be 0; front ends see that only when the level is refused.
+    // Kept (one-large-side-lets-other-be-zero): with one side above the limit the other may be 0. Front ends that call this
+    // before CompressImageLevels() rely on its refusal instead of the end of their process.
     if (validWidth > largestSide || validHeight > largestSide) {
         if (warn != 0) std::fprintf(stderr, "Warning:Src Image dim \"%s\" is too large- truncating\n", name);
         validWidth = std::min(validWidth, largestSide);
@@ -42,13 +43,13 @@ void CheckSourceSize(const char* name, std::uint32_t bitsPerPixel, std::int32_t*
 }
 
 void WriteBlocksAsText(const std::uint8_t* blocks, std::FILE* stream, std::uint32_t bitsPerPixel, std::uint32_t sizeInPixels) {
-    const std::size_t bytes = wordsOf(bitsPerPixel, sizeInPixels) * wordBytes;
+    const std::size_t bytes = wordCountOf(bitsPerPixel, sizeInPixels) * wordBytes;
     for (std::size_t i = 0; i < bytes; ++i)
         std::fprintf(stream, "0x%.2x,", static_cast<unsigned int>(blocks[i]));
 }
 
 void WriteBlocksRaw(const std::uint8_t* blocks, std::FILE* stream, std::uint32_t bitsPerPixel, std::uint32_t sizeInPixels) {
-    const std::size_t words = wordsOf(bitsPerPixel, sizeInPixels);
+    const std::size_t words = wordCountOf(bitsPerPixel, sizeInPixels);
     for (std::size_t i = 0; i < words; ++i) {
         if (std::fwrite(blocks + i * wordBytes, 1, wordBytes, stream) != wordBytes)
             std::fputs("Warning! Write failed  WriteU32\n", stderr);

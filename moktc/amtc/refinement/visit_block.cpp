@@ -1,9 +1,29 @@
+// One visit to a block, for refinement:
+//
+//     unless forced: return if no neighbour has changed since the last visit
+//     load the footprint; find its segments, if this block and sweep use them
+//     for each region mode of the format:
+//         skip it if it has converged under the same inputs
+//         refine its candidates                                              (mode_refinement.cpp)
+//     best mode = the one whose best candidate has the lowest error; earlier modes win ties
+//     lastVisited = step;  lastChanged = step if a mode's best pair or the best mode changed
+//
+// Two rules save work without changing a byte of the result:
+//
+// - Skipping a block. Steps count the parity phases. If `lastVisited` is greater than `lastChanged` of all eight neighbours, none
+//   of what this block sees has changed since, and its own change alone does not make it worth a visit.
+// - Skipping a mode. Refinement depends on the pixels, the neighbours' colours and modes, five settings and the mode's own
+//   candidates, and on nothing else. If a visit left the candidates of a mode as they were, another one under the same inputs
+//   would do so again: the mode has converged until an input differs.
+//
+// The first rule alone decides `lastVisited` and `lastChanged`, so the second one does not alter which blocks are visited.
+
 #include "moktc/amtc/refinement/visit_block.h"
 
 #include <algorithm>
 
 #include "moktc/amtc/analysis/footprint_analysis.h"
-#include "moktc/amtc/refinement/mode_candidates.h"
+#include "moktc/amtc/refinement/mode_refinement.h"
 #include "moktc/amtc/starts/start_candidates.h"
 
 namespace moktexture::amtc {
@@ -32,51 +52,7 @@ bool isNeighbourhoodUnchanged(const BlockRecord& block, const Neighbourhood& nei
     return block.lastVisited > lastChange;
 }
 
-/// What stays the same during a visit.
-struct Visit {
-    const AmtcLevelSettings& settings;
-    const Neighbourhood& neighbours;
-    NeighbourColours neighbourColours;
-    Footprint footprint;
-    Segments segments;
-    bool usesSegments;
-    InstructionSet instructionSet;
-};
-
-std::uint32_t iterationsFor(const RepStart& record, const AmtcLevelSettings& settings) {
-    // Kept: flat starts are scored and not refined, though the perturbed pairs tried beside them are no flat ones; smooth areas
-    // keep their single-colour pairs. The corner palette is exempt, as a block of one colour still has its neighbours' colours to
-    // choose from there; its starts come from clusters and are not flat so far.
-    return record.isFlatStart && record.mode != region_mode::cornerPalette ? 1 : settings.refineIterations;
-}
-
-PerturbedPairs perturb(const RepStart& record, const StepRules& rules, const AmtcLevelSettings& settings) {
-    return settings.refineIterations == 1 ? PerturbedPairs() : PerturbedPairs(record.candidates[0], rules);
-}
-
-/// True if the mode's best pair changed.
-bool refineMode(const Visit& visit, RepStart& record, VisitSpace& space) {
-    const AmtcLevelSettings& settings = visit.settings;
-    const StepRules rules = {*record.axes, settings.clampToBounds != 0, settings.generation(),
-                             record.mode == region_mode::punchThrough};
-    const PerturbedPairs perturbed = perturb(record, rules, settings);
-    const std::uint32_t iterations = iterationsFor(record, settings);
-    // Kept: the best under any variant wins, though the neighbours' modes stay as they are and the pair's real error may be
-    // worse.
-    const std::uint32_t variants = settings.neighbourModeVariants != 0 ? mostVariants : 1;
-    WorkList work;
-    for (std::uint32_t variant = 0; variant < variants; ++variant) {
-        CreateBlendingAndUpdateWeights(record.mode, visit.neighbours, variant, settings, space.blendTable);
-        const RefinementRegion region = {
-            settings, space.blendTable, visit.footprint, visit.usesSegments ? &visit.segments : nullptr, visit.neighbourColours,
-            rules};
-        EvaluatedPairs pairs(region, visit.instructionSet, space.pairCache);
-        work.addVariant(record, perturbed, iterations, pairs);
-    }
-    return work.storeBest(record, settings.candidatesKept);
-}
-
-RefinementInputs inputsOf(const Visit& visit) {
+RefinementInputs inputsOf(const VisitContext& visit) {
     const AmtcLevelSettings& settings = visit.settings;
     RefinementInputs inputs{visit.neighbourColours, {}, {}};
     for (std::size_t i = 0; i < visit.neighbours.size(); ++i)
@@ -91,13 +67,13 @@ RefinementInputs inputsOf(const Visit& visit) {
 }
 
 bool haveSameCandidates(const RepStart& first, const RepStart& second) {
-    const auto sameColours = [](const Candidate& a, const Candidate& b) { return a.colours() == b.colours(); };
-    return first.count == second.count &&
-           std::equal(first.candidates.begin(), first.candidates.begin() + first.count, second.candidates.begin(), sameColours);
+    const auto haveSameColours = [](const Candidate& a, const Candidate& b) { return a.colours() == b.colours(); };
+    return first.count == second.count && std::equal(first.candidates.begin(), first.candidates.begin() + first.count,
+                                                     second.candidates.begin(), haveSameColours);
 }
 
-/// Refines those modes that would not stay as they are. True if a mode's best pair changed.
-bool refineModes(const Visit& visit, std::uint32_t modeCount, BlockRecord& block, VisitSpace& space) {
+/// Refines the modes that have not converged. True if a mode's best pair changed.
+bool refineModes(const VisitContext& visit, std::uint32_t modeCount, BlockRecord& block) {
     const RefinementInputs inputs = inputsOf(visit);
     if (inputs != block.lastInputs) block.convergedModes = 0;
     block.lastInputs = inputs;
@@ -105,13 +81,13 @@ bool refineModes(const Visit& visit, std::uint32_t modeCount, BlockRecord& block
     for (std::uint32_t i = 0; i < modeCount; ++i) {
         if ((block.convergedModes >> i & 1) != 0) continue;
         const RepStart before = block.repStarts[i];
-        hasChanged |= refineMode(visit, block.repStarts[i], space);
+        hasChanged |= refineMode(visit, block.repStarts[i]);
         if (haveSameCandidates(before, block.repStarts[i])) block.convergedModes |= 1u << i;
     }
     return hasChanged;
 }
 
-std::uint32_t bestOf(const BlockRecord& block, std::uint32_t modeCount) {
+std::uint32_t bestModeOf(const BlockRecord& block, std::uint32_t modeCount) {
     std::size_t best = 0;
     for (std::size_t i = 1; i < modeCount; ++i) {
         if (block.repStarts[i].candidates[0].error < block.repStarts[best].candidates[0].error) best = i;
@@ -121,8 +97,8 @@ std::uint32_t bestOf(const BlockRecord& block, std::uint32_t modeCount) {
 
 }  // namespace
 
-void VisitBlockSetup(std::uint32_t pass, const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t row,
-                     std::uint32_t column, const FootprintKernels& kernels, const BlockRows& blockRows) {
+void VisitBlockSetup(const BlockVisit& visit, std::uint32_t pass, const FootprintKernels& kernels) {
+    const auto& [image, settings, blockRows, row, column] = visit;
     BlockRecord& block = blockRows[row][column];
     Footprint footprint;
     LoadBlockFootprint(image, row, column, settings, footprint);
@@ -137,28 +113,40 @@ void VisitBlockSetup(std::uint32_t pass, const AmtcImage& image, const AmtcLevel
     SetUpStandardRepStarts(block, settings, footprint, kernels.sharp);
 }
 
-void VisitBlockRefine(const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t row, std::uint32_t column,
-                      InstructionSet instructionSet, VisitSpace& space, std::uint32_t step, const BlockRows& blockRows) {
+void VisitBlockRefine(const BlockVisit& visit, std::uint32_t step, InstructionSet instructionSet, VisitSpace& space) {
+    const auto& [image, settings, blockRows, row, column] = visit;
     BlockRecord& block = blockRows[row][column];
     const Neighbourhood neighbours = gatherNeighbourhood(blockRows, settings, row, column);
     if (settings.forceVisit == 0 && isNeighbourhoodUnchanged(block, neighbours)) return;
 
     RegionModeList modes;
     const std::uint32_t modeCount = ListRegionModes(settings, settings.extendedModes != 0, modes);
-    Visit visit{settings, neighbours, coloursAround(neighbours), {}, {}, false, instructionSet};
-    LoadBlockFootprint(image, row, column, settings, visit.footprint);
-    visit.usesSegments = settings.bitsPerPixel == 4 && block.segmentable != 0 && settings.useSegments != 0;
-    if (visit.usesSegments)
-        visit.segments.count = SegmentFootprint(visit.footprint, settings, visit.segments.labels, visit.segments.order);
+    VisitContext context{settings, neighbours, instructionSet, space.blendTable, space.pairCache, coloursAround(neighbours)};
+    LoadBlockFootprint(image, row, column, settings, context.footprint);
+    context.usesSegments = settings.bitsPerPixel == 4 && block.segmentable != 0 && settings.useSegments != 0;
+    if (context.usesSegments)
+        context.segments.count = SegmentFootprint(context.footprint, settings, context.segments.labels, context.segments.order);
 
-    // One evaluation has but scored the start: nothing here is at rest yet, and the neighbours are to look again.
+    // A single evaluation only scores the start: the block counts as changed, so that its neighbours are visited again.
     bool hasChanged = settings.refineIterations < 2;
-    hasChanged |= refineModes(visit, modeCount, block, space);
-    const std::uint32_t bestMode = bestOf(block, modeCount);
+    hasChanged |= refineModes(context, modeCount, block);
+    const std::uint32_t bestMode = bestModeOf(block, modeCount);
     hasChanged |= bestMode != block.bestMode;
     block.bestMode = bestMode;
     block.lastVisited = step;
     if (hasChanged) block.lastChanged = step;
+}
+
+void VisitBlockSetup(std::uint32_t pass, const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t row,
+                     std::uint32_t column, const FootprintMask& centreMask, const FootprintKernel& sharpKernel,
+                     const FootprintKernel& smoothKernel, const BlockRows& blockRows) {
+    VisitBlockSetup({image, settings, blockRows, row, column}, pass, {sharpKernel, smoothKernel, centreMask});
+}
+
+void VisitBlockRefine(const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t row, std::uint32_t column,
+                      BlendTable& blendTable, std::uint32_t step, const BlockRows& blockRows) {
+    VisitSpace space{blendTable};
+    VisitBlockRefine({image, settings, blockRows, row, column}, step, detectInstructionSet(), space);
 }
 
 }  // namespace moktexture::amtc

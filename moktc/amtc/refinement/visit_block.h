@@ -1,26 +1,38 @@
 #pragma once
 
 #include "moktc/amtc/analysis/footprint_analysis.h"
-#include "moktc/amtc/refinement/pair_cache.h"
+#include "moktc/amtc/refinement/candidate_refinement.h"
 
 /// @file
-/// What a worker does at one block.
+/// What a thread does at one block of the grid.
 
 namespace moktexture::amtc {
 
-/// Pass 0: the block's statistics. Pass 1, when all blocks have theirs: the detail around it and the first candidates.
-void VisitBlockSetup(std::uint32_t pass, const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t row,
-                     std::uint32_t column, const FootprintKernels& kernels, const BlockRows& blockRows);
+/// A block to visit.
+struct BlockVisit {
+    const AmtcImage& image;
+    const AmtcLevelSettings& settings;
+    const BlockRows& blockRows;
+    std::uint32_t row, column;
+};
 
-/// One worker's space for its visits.
+/// Pass 0: the block's statistics. Pass 1, when all blocks have theirs: the detail around it and the start candidates.
+void VisitBlockSetup(const BlockVisit& visit, std::uint32_t pass, const FootprintKernels& kernels);
+void VisitBlockSetup(std::uint32_t pass, const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t row,
+                     std::uint32_t column, const FootprintMask& centreMask, const FootprintKernel& sharpKernel,
+                     const FootprintKernel& smoothKernel, const BlockRows& blockRows);
+
+/// One thread's working space for its visits.
 struct VisitSpace {
-    BlendTable blendTable;
-    PairCache pairCache;
+    BlendTable& blendTable;
+    PairCache pairCache{};
 };
 
 /// Refines the block's candidates in all region modes and chooses its mode; unless the settings force a visit, only if a
-/// neighbour has changed since the last one. `step` numbers the phases from 1. Writes the block's own record only.
+/// neighbour has changed since the last one. Writes the block's own record only.
+/// @param step number of the phase, counted from 1 over all sweeps
+void VisitBlockRefine(const BlockVisit& visit, std::uint32_t step, InstructionSet instructionSet, VisitSpace& space);
 void VisitBlockRefine(const AmtcImage& image, const AmtcLevelSettings& settings, std::uint32_t row, std::uint32_t column,
-                      InstructionSet instructionSet, VisitSpace& space, std::uint32_t step, const BlockRows& blockRows);
+                      BlendTable& blendTable, std::uint32_t step, const BlockRows& blockRows);
 
 }  // namespace moktexture::amtc

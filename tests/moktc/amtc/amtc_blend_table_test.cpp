@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <tuple>
-
 #include "moktc/amtc/evaluation/blend_table.h"
 
 using namespace moktexture::amtc;
@@ -23,15 +21,16 @@ BlendTable tableOf(std::uint32_t bitsPerPixel, std::uint32_t mode, std::uint32_t
 
 }  // namespace
 
-TEST(AmtcBlendTable, WeighsPixelsByKernelsAndTents) {
+TEST(AmtcBlendTable, ImportanceIsAProductOfKernelsAndInfluenceOfTents) {
     // clang-format off
     const struct { std::uint32_t bitsPerPixel, mode, around, variant; std::size_t row, column; std::int32_t importance, tents; } cases[] = {
+     // bpp, mode, around, variant, row, column, importance, tents
         {4, 0, 0, 0, 4, 4, 1008, 64},
         {4, 0, 0, 0, 0, 1,  -16,  0},
         {4, 2, 2, 0, 2, 5,  256, 64},
-        {4, 0, 2, 0, 5, 5,  196, 36},  // upper left cells flat: 1, 0: 56 * 56 / 16; its own cell is soft
-        {4, 0, 0, 1, 3, 5,  224, 36},  // the upper left taken as flat: 1, 0 across and 0, 0 down: 56 * 64 / 16
-        {4, 0, 0, 2, 3, 6,  -18,  0},  // the upper taken as flat: -4 * 72 / 16
+        {4, 0, 2, 0, 5, 5,  196, 36},  // kernel 1, 0 as the upper left blocks are flat: 56 * 56 / 16; its own cell is soft
+        {4, 0, 0, 1, 3, 5,  224, 36},  // the upper left inverted to flat: 1, 0 across and 0, 0 down: 56 * 64 / 16
+        {4, 0, 0, 2, 3, 6,  -18,  0},  // the upper inverted to flat: -4 * 72 / 16
         {4, 1, 3, 0, 4, 4,  576, 64},
         {4, 3, 3, 0, 3, 3,   64, 64},  // palette tap
         {2, 8, 8, 0, 2, 1,  -10,  4},  // -168 / 16
@@ -46,14 +45,15 @@ TEST(AmtcBlendTable, WeighsPixelsByKernelsAndTents) {
     }
 }
 
-TEST(AmtcBlendTable, TellsWhatLevelsMeanToTheBlocksOwnColours) {
+TEST(AmtcBlendTable, IndicesHaveTheWeightsOfTheBlocksOwnColours) {
     // clang-format off
     const struct { std::uint32_t generation, mode, around; std::size_t row, column; std::array<std::uint8_t, 4> values;
                    std::uint8_t level2A, level2B; std::uint32_t level2Mask; } cases[] = {
-        {1, 1, 0, 3, 3, {0, 4, 9, 8}, 4, 4, 0x00FFFFFF},  // of the block's colours, and ignored all the same
+     // generation, mode, around, row, column, weights by index, level 2: A, B, mask
+        {1, 1, 0, 3, 3, {0, 4, 9, 8}, 4, 4, 0x00FFFFFF},  // a mean of the block's colours, and ignored all the same
         {2, 1, 0, 3, 3, {0, 4, 9, 8}, 0, 0,          0},
         {2, 1, 0, 3, 1, {0, 3, 5, 8}, 3, 5, 0xFFFFFFFF},
-        {2, 3, 3, 2, 2, {9, 9, 9, 8}, 3, 5, 0xFFFFFFFF},  // the block is the lower right of the four around, and so on
+        {2, 3, 3, 2, 2, {9, 9, 9, 8}, 3, 5, 0xFFFFFFFF},  // the block is the lower right of the four around the pixel
         {2, 3, 3, 2, 5, {9, 9, 0, 8}, 3, 5, 0xFFFFFFFF},
         {2, 3, 3, 5, 3, {0, 8, 9, 9}, 3, 5, 0xFFFFFFFF},
         {2, 3, 3, 4, 4, {0, 3, 5, 8}, 3, 5, 0xFFFFFFFF}};
@@ -61,8 +61,9 @@ TEST(AmtcBlendTable, TellsWhatLevelsMeanToTheBlocksOwnColours) {
     for (const auto& row : cases) {
         const PixelBlendEntry entry = tableOf(4, row.mode, row.around, 0, row.generation)[row.row * 9 + row.column];
         EXPECT_EQ(entry.levelValue, row.values) << "case " << &row - cases;
-        EXPECT_EQ(std::tie(entry.level2A, entry.level2B, entry.level2Mask), std::tie(row.level2A, row.level2B, row.level2Mask))
-            << "case " << &row - cases;
+        EXPECT_EQ(entry.level2A, row.level2A) << "case " << &row - cases;
+        EXPECT_EQ(entry.level2B, row.level2B) << "case " << &row - cases;
+        EXPECT_EQ(entry.level2Mask, row.level2Mask) << "case " << &row - cases;
     }
 }
 

@@ -57,9 +57,10 @@ using Counts = std::array<std::int32_t, levelValueCount>;
 
 }  // namespace
 
-TEST(AmtcEvaluation, PicksTheNearestLevelAndOfEqualOnesInItsOrder) {
+TEST(AmtcEvaluation, PicksTheNearestIndexAndTheEarliestOfEqualOnes) {
     // clang-format off
-    const struct { std::uint32_t pixel; PixelCandidates candidates; bool twoLevelsOnly; std::uint32_t level, error; } cases[] = {
+    const struct { std::uint32_t pixel; PixelCandidates candidates; bool twoLevelsOnly; std::uint32_t index, error; } cases[] = {
+     // pixel, candidates 0 to 3, two only, index, error
         {grey(10), {grey(10), grey(10), grey(10), grey(10)}, false, 2,     0},
         {grey(10), {grey(10), grey(10), grey(12), grey(10)}, false, 1,     0},
         {grey(10), {grey(10), grey(12), grey(12), grey(10)}, false, 0,     0},
@@ -70,22 +71,22 @@ TEST(AmtcEvaluation, PicksTheNearestLevelAndOfEqualOnesInItsOrder) {
     for (const auto& row : cases) {
         ColourDifference difference;
         std::uint32_t error = 0;
-        EXPECT_EQ(PickLevel(row.pixel, row.candidates, difference, error, row.twoLevelsOnly), row.level);
+        EXPECT_EQ(PickLevel(row.pixel, row.candidates, difference, error, row.twoLevelsOnly), row.index);
         EXPECT_EQ(error, row.error);
     }
 }
 
-// Freely, and where each pixel is a segment of its own.
+// With free choices, and with a segment for each pixel.
 TEST(AmtcEvaluation, CollectsWhatTheSolverNeeds) {
     const BlendTable table = tableOf(4, 0, 0, 0);
     Footprint footprint{};
     footprint.fill(black);
-    footprint[3 * 9 + 5] = grey(160);         // level 2 gives 159; importance 256, influence 36 / 64 of it
-    footprint[4 * 9 + 4] = 0xFF80FFFF;        // level 3, importance 1008
-    footprint[0] = footprint[80] = grey(97);  // of the ring: level 1 gives 95
+    footprint[3 * 9 + 5] = grey(160);         // index 2 decodes to 159; importance 256, tent 36
+    footprint[4 * 9 + 4] = 0xFF80FFFF;        // index 3, importance 1008
+    footprint[0] = footprint[80] = grey(97);  // in the ring: index 1 decodes to 95
     const Segments single = segmentsBy([](std::size_t pixel) { return pixel; });
     for (const bool bySegments : {false, true}) {
-        LevelSums sums;
+        RegressionSums sums;
         const RegionError error = bySegments ? EvalRegionSegments4bpp(table, footprint, single, blackToWhite, true, sums)
                                              : EvalRegion4bpp(table, footprint, blackToWhite, true, sums);
         EXPECT_EQ(error.inner, 3u + 127 * 127);
@@ -98,11 +99,11 @@ TEST(AmtcEvaluation, CollectsWhatTheSolverNeeds) {
     }
 }
 
-// The block itself is standard and all around it is punch-through, or the other way round; in one segment their levels go
-// together.
-TEST(AmtcSegmentEvaluation, GivesBothClassesLevelsThatGoTogether) {
+// The block is standard and all around it punch-through, in one segment.
+TEST(AmtcSegmentEvaluation, ChoosesAPairOfIndicesForStandardAndPunchThroughPixels) {
     // clang-format off
     const struct { ColourPair colours; std::uint32_t standard, punchThrough; std::uint8_t standardValue, punchThroughValue; std::uint32_t outer; } cases[] = {
+     // colours, standard pixels, punch-through pixels, their weights, outer error
         {{black, white}, grey(255), grey(255),    8, 8,                 0},
         {{black, white}, grey(95),  grey(127, 0), 0, ignoredLevelValue, 0},  // not with 3/8
         {{black, white}, grey(159), grey(127, 0), 8, ignoredLevelValue, 0},
@@ -118,33 +119,34 @@ TEST(AmtcSegmentEvaluation, GivesBothClassesLevelsThatGoTogether) {
         Counts counts{};
         counts[row.standardValue] += 16;
         counts[row.punchThroughValue] += 33;
-        LevelSums sums;
+        RegressionSums sums;
         const RegionError error = EvalRegionSegments4bpp(table, footprint, oneSegment, allOf(row.colours), true, sums);
         EXPECT_EQ(sums.levelCount, counts) << std::hex << row.standard << " and " << row.punchThrough;
         EXPECT_EQ(error.outer, row.outer);
     }
 }
 
-TEST(AmtcSegmentEvaluation, CountsTheRingWithTheLevelsOfItsSegment) {
+TEST(AmtcSegmentEvaluation, AddsTheRingAtTheIndicesOfItsSegment) {
     Footprint footprint{};
     footprint.fill(grey(127, 0));
-    LevelSums sums;
-    // A ring alone may not take the transparent level: half way, opaque.
+    RegressionSums sums;
+    // A ring alone may not take the transparent index: the next best is half way, opaque.
     const Segments ringAlone = segmentsBy(isOfRing);
     EXPECT_EQ(EvalRegionSegments4bpp(tableOf(4, 0, 1, 1), footprint, ringAlone, blackToWhite, true, sums).outer, 32u * 65025);
-    // With pixels of its own class inside it takes what these take, and beside pixels of the other class alone it counts nothing.
+    // With inner pixels of its own class it takes their index; with those of the other class only, it adds no error.
     const Segments ringAndBlock = segmentsBy([](std::size_t pixel) { return isOfRing(pixel) || isOfBlock(pixel); });
     EXPECT_EQ(EvalRegionSegments4bpp(tableOf(4, 0, 1, 1), footprint, ringAndBlock, blackToWhite, true, sums).outer, 0u);
     EXPECT_EQ(EvalRegionSegments4bpp(tableOf(4, 0, 0, 1), footprint, ringAndBlock, blackToWhite, true, sums).outer, 0u);
 }
 
-TEST(AmtcEvaluation, CountsInterpolatedPixelsByTheMeanOfTheSamplesThatThereAre) {
+TEST(AmtcEvaluation, PixelsWithoutSamplesTakeTheMeanOfThoseInTheFootprint) {
     Footprint footprint{};
     footprint.fill(black);
     footprint[17 * 4 + 8] = grey(159);  // a sample at the centre: four means of 5, 0, 0, 0 around it, which is 1, colour 31
-    footprint[1] = footprint[2] =
-        white;  // a sample of the ring, and a mean of 0, 8 and 0, which is 3, colour 95, and one of 2, 63
-    LevelSums sums;
+    // A sample of the ring, and means beside it: of 0, 8 and 0, which is 3, colour 95, and of 0, 8, 0 and 0, which is 2,
+    // colour 63.
+    footprint[1] = footprint[2] = white;
+    RegressionSums sums;
     const RegionError error = EvalRegion2bpp(tableOf(2, 0, 9, 9), footprint, blackToWhite, true, sums);
     EXPECT_EQ(sums.levelCount, (Counts{99, 4, 1, 0, 0, 1, 0, 0, 0, 0}));
     EXPECT_EQ(error.inner, 3u * (4 * 31 * 31 + 63 * 63));

@@ -6,34 +6,37 @@
 #include <thread>
 #include <tuple>
 
-#include "moktc/amtc/driver/punch_through.h"
+#include "moktc/amtc/driver/level_images.h"
 #include "moktc/amtc/host/amtc_progress.h"
 #include "moktc/amtc/host/front_end_helpers.h"
 
 using namespace moktexture::amtc;
 
-TEST(AmtcFrontEnd, RoundsSizesDownAndSaysSo) {
+TEST(AmtcFrontEnd, RoundsSizesDownAndWarns) {
     const std::string twiddling = "Warning :Image \"a\" dimensions not powers of 2. Twiddling disabled\n";
     const std::string large = "Warning:Src Image dim \"a\" is too large- truncating\n";
     const std::string truncated = "Warning: Image \"a\" has been truncated to a valid texture size\n";
     // clang-format off
-    const struct { std::uint32_t bits, isLinear, warn; std::int32_t size[2], valid[2]; std::uint32_t endsLinear; std::string told; } cases[] = {
+    const struct { std::uint32_t bits, isLinear, warn; std::int32_t size[2], valid[2]; std::uint32_t validLinear; std::string message; } cases[] = {
+     // bpp, linear, warn, size, valid size, linear after, message
         {4, 0, 1, {16, 8}, {16, 8}, 0, ""},          {4, 0, 1, {19, 8}, {16, 8}, 0, truncated},
         {2, 0, 0, {19, 15}, {16, 12}, 1, twiddling}, {1, 0, 1, {19, 15}, {16, 8}, 0, truncated},
         {4, 1, 1, {12, 4}, {12, 4}, 1, ""},          {4, 0, 1, {4100, 4099}, {4096, 4096}, 1, twiddling + large},
         {4, 1, 0, {9000, 3}, {4096, 0}, 1, ""}};
     // clang-format on
-    for (const auto& [bits, isLinear, warn, size, valid, endsLinear, told] : cases) {
+    for (const auto& [bits, isLinear, warn, size, valid, validLinear, message] : cases) {
         std::int32_t width = size[0], height = size[1];
         std::uint32_t linear = isLinear;
         testing::internal::CaptureStderr();
         CheckSourceSize("a", bits, &width, &height, &linear, warn);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), told) << size[0] << " x " << size[1];
-        EXPECT_EQ(std::tie(width, height, linear), std::tie(valid[0], valid[1], endsLinear)) << size[0] << " x " << size[1];
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), message) << size[0] << " x " << size[1];
+        EXPECT_EQ(width, valid[0]) << size[0] << " x " << size[1];
+        EXPECT_EQ(height, valid[1]) << size[0] << " x " << size[1];
+        EXPECT_EQ(linear, validLinear) << size[0] << " x " << size[1];
     }
 }
 
-TEST(AmtcFrontEndDeathTest, EndsTheProcessForPicturesBelowABlock) {
+TEST(AmtcFrontEndDeathTest, EndsTheProcessForImagesSmallerThanABlock) {
     for (std::int32_t width : {7, -8}) {
         std::int32_t height = 16;
         std::uint32_t isLinear = 1;
@@ -42,7 +45,7 @@ TEST(AmtcFrontEndDeathTest, EndsTheProcessForPicturesBelowABlock) {
     }
 }
 
-TEST(AmtcFrontEnd, WritesWholeBlocksAsTextAndAsTheyAre) {
+TEST(AmtcFrontEnd, WritesWholeBlocksAsTextAndAsBytes) {
     const std::string path = testing::TempDir() + "amtc_blocks_" + std::to_string(std::random_device()());
     const std::uint8_t blocks[] = {0, 1, 0x9A, 255, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
     std::FILE* stream = std::fopen(path.c_str(), "w+b");
@@ -63,13 +66,13 @@ TEST(AmtcFrontEnd, WritesWholeBlocksAsTextAndAsTheyAre) {
 }
 
 TEST(AmtcPunchThrough, BleedsColoursUnderCutOutsOrClearsThem) {
-    // A pixel meets itself at even distances: 7 parts of its weight, and the other at odd ones: 8 parts.
+    // The image wraps: a pixel is its own neighbour at even distances (7 of the weights) and the other one's at odd ones (8).
     const WorkImage image = makeWorkImage();
     image->Width = 2;
     image->Height = 1;
     // clang-format off
     const struct { std::uint32_t secondGeneration, pixels[2], processed[2]; } cases[] = {
-        {0, {0x030000C8, 0x00640064}, {0x001600B2, 0x003A008E}},  // the left one counts as rebuilt
+        {0, {0x030000C8, 0x00640064}, {0x001600B2, 0x003A008E}},  // the left one counts with its rebuilt colour
         {0, {0x00C80000, 0xFF0001FF}, {0x000101FE, 0xFF0001FF}}, {1, {0x03FFFFFF, 0x04FFFFFF}, {0, 0x04FFFFFF}}};
     // clang-format on
     for (const auto& [secondGeneration, pixels, processed] : cases) {
@@ -79,12 +82,12 @@ TEST(AmtcPunchThrough, BleedsColoursUnderCutOutsOrClearsThem) {
     }
 }
 
-TEST(AmtcProgressRecord, TellsTheShareDone) {
+TEST(AmtcProgressRecord, ReportsTheShareDone) {
     AmtcProgress* record = nullptr;
     EXPECT_EQ(GetProgress(&record), 0.0F);
     DestroyProgress(&record);
     ASSERT_EQ(CreateProgress(&record), 0u);
-    record->mutex.lock();  // its holder may ask and reset
+    record->mutex.lock();  // the thread that holds it may query and reset
     // clang-format off
     const struct { std::uint32_t counts[4]; float share; } cases[] = {{{0, 0, 0, 0}, 0}, {{0, 1, 2, 4}, 0.75F}, {{1, 3, 2, 4}, 1},
                                                                      {{0, 3, 3, 0}, 0}, {{1, 3, 0, 0}, 1},     {{1, 0, 3, 0}, 0}};
@@ -93,7 +96,7 @@ TEST(AmtcProgressRecord, TellsTheShareDone) {
         std::tie(record->started, record->doneA, record->doneB, record->total) = std::tuple_cat(std::to_array(counts));
         EXPECT_EQ(GetProgress(&record), share) << counts[1] << ' ' << counts[2] << ' ' << counts[3];
     }
-    ResetProgress(*record, 0);
+    ResetProgress(*record, false);
     record->mutex.unlock();
     EXPECT_EQ(record->mipFactor, 1.0F);
     EXPECT_EQ(record->doneB, 0u);
@@ -106,5 +109,5 @@ TEST(AmtcProgressRecord, MakesItsMutexOnce) {
     InitOnceMutex(once);
     const std::scoped_lock lock(once.mutex.value());
     InitOnceMutex(once);
-    std::jthread([&] { EXPECT_FALSE(once.mutex->try_lock()); }).join();  // still the same one, and held
+    std::jthread([&] { EXPECT_FALSE(once.mutex->try_lock()); }).join();  // the same mutex, and held
 }

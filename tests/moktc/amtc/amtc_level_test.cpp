@@ -1,50 +1,47 @@
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <string>
+#include <tuple>
 
 #include "moktc/amtc/driver/level_pipeline.h"
-#include "moktc/amtc/driver/sweep_settings.h"
 #include "moktc/amtc/driver/threadsupport.h"
 
 namespace moktexture::amtc {
 namespace {
 
-/// A sweep's settings: iterations, extended modes, variants, clamping, segments, forced visit.
-using SweepRow = std::array<std::uint32_t, 6>;
+constexpr std::uint32_t qualityCount = 5;
 
-struct SweepCase {
-    std::uint32_t quality, generation, sweeps;
-    std::vector<SweepRow> rows;  ///< the last one repeats to the end, but for the last sweep
-    SweepRow last;
-};
+TEST(AmtcSweeps, EffortGrowsWithQuality) {
+    constexpr std::uint32_t iterations[qualityCount] = {3, 3, 4, 6, 8};
+    for (std::uint32_t quality = 0; quality < qualityCount; ++quality) {
+        AmtcLevelSettings settings{};
+        SetSweepSettings(quality, sweepCount(quality), 1, settings, settings);
+        EXPECT_EQ(settings.refineIterations, iterations[quality]) << quality;
+        EXPECT_EQ(sweepCount(quality), 2u << quality);
+    }
+    EXPECT_EQ(sweepCount(255), sweepCount(qualityCount - 1)) << "a higher quality counts as the best";
+}
 
-// clang-format off
-const SweepCase sweepCases[] = {
-    //          iterations, extended, variants, clamp, segments, forced
-    {0, 2, 2,  {{1,0,0,1,0,1}}, {3,0,0,1,1,1}},
-    {1, 2, 4,  {{1,0,0,1,0,1}, {3,0,0,1,1,1}, {3,0,0,1,1,0}}, {3,1,0,1,1,1}},
-    {2, 1, 8,  {{1,0,0,1,0,1}, {4,0,0,1,1,1}, {4,0,0,1,1,0}, {4,0,0,1,1,0}, {4,0,0,0,0,1}, {4,0,0,0,0,0}}, {4,0,0,0,0,0}},
-    {3, 2, 16, {{1,0,0,1,0,1}, {6,0,0,1,1,1}, {6,0,0,1,1,0}, {6,1,1,1,1,1}, {6,1,1,0,0,1}, {6,1,1,0,0,0}}, {6,1,0,0,0,0}},
-    {4, 1, 32, {{1,0,0,1,0,1}, {8,0,0,1,1,1}, {8,0,0,1,1,0}, {8,0,0,1,1,0}, {8,0,0,0,0,1}, {8,0,0,0,0,0}}, {8,0,0,0,0,0}},
-};
-// clang-format on
-
-TEST(AmtcSweeps, WidenTheSearchAsTheyGoOn) {
-    for (const SweepCase& effort : sweepCases) {
-        ASSERT_EQ(sweepCount(effort.quality), effort.sweeps);
-        AmtcLevelSettings settings = makeLevelSettings(64, 8, {Rate::fourBpp, Generation(effort.generation - 1)});
-        for (std::uint32_t sweep = 0; sweep < effort.sweeps; ++sweep) {
+TEST(AmtcSweeps, WidenTheSearchAndVisitAllBlocksWhenTheyDo) {
+    for (std::uint32_t run = 0; run < 2 * qualityCount; ++run) {
+        const std::uint32_t quality = run / 2, secondGeneration = run % 2, sweeps = sweepCount(quality);
+        AmtcLevelSettings settings = makeLevelSettings(64, 8, {Rate::fourBpp, Generation(secondGeneration)});
+        for (std::uint32_t sweep = 0; sweep < sweeps; ++sweep) {
+            SCOPED_TRACE("quality " + std::to_string(quality) + ", sweep " + std::to_string(sweep));
             const AmtcLevelSettings previous = settings;
-            SetSweepSettings(effort.quality, effort.sweeps, sweep, settings, previous);
-            const SweepRow row = {settings.refineIterations, settings.extendedModes, settings.neighbourModeVariants,
-                                  settings.clampToBounds,    settings.useSegments,   settings.forceVisit};
-            const bool isLast = sweep + 1 == effort.sweeps;
-            EXPECT_EQ(row, isLast ? effort.last : effort.rows[std::min<std::size_t>(sweep, effort.rows.size() - 1)])
-                << "quality " << effort.quality << ", generation " << effort.generation << ", sweep " << sweep;
+            SetSweepSettings(quality, sweeps, sweep, settings, previous);
             EXPECT_EQ(settings.candidatesKept, 4u);
+            EXPECT_EQ(settings.refineIterations == 1, sweep == 0) << "the first sweep only scores";
+            EXPECT_EQ(settings.extendedModes, secondGeneration == 1 && sweep >= 3 ? 1u : 0u);
+            EXPECT_EQ(settings.neighbourModeVariants, sweep + 1 == sweeps ? 0u : settings.extendedModes);
+            EXPECT_EQ(settings.clampToBounds, sweep < 4 ? 1u : 0u);
+            EXPECT_EQ(settings.useSegments, sweep == 0 ? 0u : settings.clampToBounds);
+            const auto rules = [](const AmtcLevelSettings& s) {
+                return std::tuple(s.extendedModes, s.clampToBounds, s.useSegments);
+            };
+            EXPECT_EQ(settings.forceVisit, sweep == 0 || rules(settings) != rules(previous) ? 1u : 0u);
         }
     }
-    EXPECT_EQ(sweepCount(255), 32u) << "held to the best effort";
     AmtcLevelSettings narrow = makeLevelSettings(4, 64, {Rate::fourBpp, Generation::second});
     SetSweepSettings(2, 8, 3, narrow, narrow);
     EXPECT_EQ(narrow.neighbourModeVariants, 0u) << "one block across";
@@ -54,11 +51,10 @@ TEST(AmtcLevelDeathTest, RefusesOneBitPerPixel) {
     const WorkImage image = makeWorkImage();
     image->Width = image->Height = 32;
     std::array<std::uint8_t, 128> blocks{};
-    EXPECT_DEATH(CompressLevel(*image, 4, 1, 0, blocks.data(), true, 0, {InstructionSet::baseline, 1}),
-                 "1bpp not yet implemented \\(OptimiseRegion\\)");
+    EXPECT_DEATH(CompressLevel(*image, 4, 1, 0, blocks.data(), 1, 0, nullptr), "1bpp not yet implemented \\(OptimiseRegion\\)");
 }
 
-TEST(AmtcLevelDeathTest, NamesTheSameFileAndLineWheneverThreadsRunOut) {
+TEST(AmtcLevelDeathTest, AThreadThatCannotBeStartedEndsTheProcessWithItsFixedMessage) {
     EXPECT_DEATH(failToCreateThread(), "Create thread at \"threadsupport.cpp\":85");
 }
 

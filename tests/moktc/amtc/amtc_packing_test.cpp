@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstring>
 
-#include "moktc/amtc/driver/local_modulation.h"
 #include "moktc/amtc/driver/pack_local_block.h"
+#include "moktc/amtc/evaluation/pixel_evaluation.h"
 #include "moktc/block/block_order.h"
-#include "reference/colour_interpolation.h"
 #include "moktc/moktc.h"
+#include "reference/colour_interpolation.h"
 #include "support/test_images.h"
 
 using namespace moktexture;
@@ -19,7 +19,7 @@ struct Grid {
     std::uint32_t across, down, bitsPerPixel, generation;
 };
 
-/// A level whose blocks have random colours, as the format holds them, and random region modes.
+/// A level whose blocks have random storable colours and random region modes.
 struct RandomLevel {
     RandomLevel(AmtcImage& workImage, const Grid& grid, testimages::Kind kind, testimages::Random& random) : image(&workImage) {
         image->Width = static_cast<std::int32_t>(grid.across * (grid.bitsPerPixel == 2 ? 8 : 4));
@@ -37,7 +37,7 @@ struct RandomLevel {
     std::uint32_t width() const { return static_cast<std::uint32_t>(image->Width); }
     std::uint32_t height() const { return static_cast<std::uint32_t>(image->Height); }
 
-    /// Packs all blocks, keeps each one's error as it is told, and decodes.
+    /// Packs all blocks, keeps the error that is returned for each, and decodes.
     void pack() {
         std::vector<std::uint8_t> blocks(std::size_t{settings.blocksAcross} * settings.blocksDown * 8);
         BlendTable table;
@@ -45,7 +45,7 @@ struct RandomLevel {
             for (std::uint32_t column = 0; column < settings.blocksAcross; ++column) {
                 const auto index =
                     moktc::BlockIndex(settings.blocksAcross, settings.blocksDown, column, row, settings.secondGeneration != 0);
-                toldErrors.push_back(PackLocalBlock(*image, rows, settings, row, column, table, &blocks[8 * index]));
+                returnedErrors.push_back(PackLocalBlock(*image, rows, settings, row, column, table, &blocks[8 * index]));
             }
         decoded.resize(std::size_t{width()} * height());
         const std::uint32_t size[2] = {width(), height()};
@@ -72,13 +72,15 @@ struct RandomLevel {
         BlendTable table;
         LoadBlockFootprint(*image, row, column, settings, footprint);
         CreateBlendingAndUpdateWeights(rows[row][column].bestMode, neighbours, 0, settings, table);
-        LevelSums sums;
+        RegressionSums sums;
         const bool is2bpp = settings.bitsPerPixel == 2;
         const RegionError error = (is2bpp ? EvalRegion2bpp : EvalRegion4bpp)(table, footprint, colours, true, sums);
         const std::uint32_t x = column * settings.blockWidth + width() - settings.blockWidth / 2u, y = row * 4 + height() - 2;
         const std::uint32_t inner = errorOf(x + 1, y + 1, settings.footprintWidth - 2u, settings.footprintHeight - 2u);
         EXPECT_EQ(error.inner, inner);
-        EXPECT_TRUE(is2bpp || error.outer + inner == errorOf(x, y, settings.footprintWidth, settings.footprintHeight));
+        if (!is2bpp) {
+            EXPECT_EQ(error.outer + inner, errorOf(x, y, settings.footprintWidth, settings.footprintHeight));
+        }
     }
 
     void makeBlock(BlockRecord& block, testimages::Random& random) const {
@@ -97,7 +99,7 @@ struct RandomLevel {
     AmtcImage* image;
     AmtcLevelSettings settings{};
     BlockRows rows{};
-    std::vector<std::uint32_t> toldErrors, decoded;
+    std::vector<std::uint32_t> returnedErrors, decoded;
 };
 
 constexpr Grid grids[] = {{2, 2, 4, 0}, {8, 4, 4, 0}, {4, 4, 2, 0}, {2, 8, 2, 0},  //
@@ -105,9 +107,9 @@ constexpr Grid grids[] = {{2, 2, 4, 0}, {8, 4, 4, 0}, {4, 4, 2, 0}, {2, 8, 2, 0}
 
 }  // namespace
 
-// What a block tells of itself and what the search sees of its footprint is what the decoder makes of them; at 2 bits per pixel
-// the ring alone guesses, where a mean needs samples from beyond it.
-TEST(AmtcPacking, TellsAndEvaluatesTheErrorsThatTheDecoderMakes) {
+// The error returned for a block and the evaluated error of its footprint are those of the decoder's pixels; at 2 bits per pixel
+// those of the outer ring are estimates, as some of its means need samples from beyond it.
+TEST(AmtcPacking, ReturnsAndEvaluatesTheErrorsOfTheDecodersPixels) {
     testimages::Random random(6);
     const WorkImage image = makeWorkImage();
     for (const Grid& grid : grids)
@@ -119,19 +121,19 @@ TEST(AmtcPacking, TellsAndEvaluatesTheErrorsThatTheDecoderMakes) {
                     const std::uint32_t row = i / grid.across, column = i % grid.across, width = level.settings.blockWidth;
                     SCOPED_TRACE(testing::Message() << nameOf(kind) << ", grid " << &grid - grids << ", block " << i
                                                     << " in mode " << level.rows[row][column].bestMode);
-                    EXPECT_EQ(level.toldErrors[i], level.errorOf(column * width, row * 4, width, 4));
+                    EXPECT_EQ(level.returnedErrors[i], level.errorOf(column * width, row * 4, width, 4));
                     level.expectEvaluatedAsDecoded(row, column);
                 }
             }
 }
 
-TEST(AmtcPackingDeathTest, EndsTheProcessWhereNoBlockCanBeMade) {
+TEST(AmtcPackingDeathTest, EndsTheProcessWhereNoBlockCanBePacked) {
     EXPECT_DEATH_IF_SUPPORTED(packColourWord({0, 0}, 0, makeLevelSettings(8, 8, {oneBpp, Generation::first})),
                               "Exiting! 1BPP mode not yet implemented \\(PackLocalBlock\\)");
     RegionModeList modes;
     EXPECT_DEATH_IF_SUPPORTED(ListRegionModes(makeLevelSettings(8, 8, {oneBpp, Generation::first}), false, modes),
                               "Exiting! 1bpp not yet implemented \\(OptimiseRegion\\)");
-    requireOneBitLevel(3);
-    EXPECT_DEATH_IF_SUPPORTED(requireOneBitLevel(2), "Special case T00 expected 0 or 3 \\(got 2\\)");
+    requireOneBitIndex(3);
+    EXPECT_DEATH_IF_SUPPORTED(requireOneBitIndex(2), "Special case T00 expected 0 or 3 \\(got 2\\)");
     EXPECT_DEATH_IF_SUPPORTED(meanClassOf(region_mode::direct), "ERROR: Unexpected Region mode in 2bpp Eval All Cands!");
 }

@@ -13,7 +13,7 @@ using namespace moktexture;
 using namespace moktexture::amtc;
 using testimages::Random;
 
-/// Footprints, colours and neighbours' modes, smooth ones as well as what no picture has.
+/// Random footprints, colours and neighbours' modes: smooth ones, and extremes that no picture has.
 class RandomScenes {
 public:
     RandomScenes(std::uint32_t bitsPerPixel, std::uint32_t generation, std::uint64_t seed)
@@ -63,7 +63,7 @@ public:
         return colours;
     }
 
-    /// Segments as they are found, or any labels: one, two or three of them in lumps, one a pixel, or at random.
+    /// The segments of the footprint, or other labels: one, two or three connected ones, one a pixel, or at random.
     Segments randomSegments(const Footprint& footprint) {
         Segments segments{};
         const std::uint32_t kind = random.below(6), split = random.below(81);
@@ -82,12 +82,12 @@ public:
     Random random;
 };
 
-/// The errors, then the sums of each level value.
+/// The errors, then the sums by interpolation weight.
 using Results = std::vector<std::int64_t>;
 
 Results evaluated(const RegionEvaluator& evaluator, const NeighbourColours& colours, bool firstPass) {
-    LevelSums sums;
-    sums.levelCount.fill(77);  // what was there before must not show
+    RegressionSums sums;
+    sums.levelCount.fill(77);  // must be cleared
     const RegionError error = evaluator.evaluate(colours, firstPass, sums);
     Results results = {error.inner, error.outer};
     for (std::size_t value = 0; value <= 8; ++value) {
@@ -104,18 +104,18 @@ void compareForms(RandomScenes& scenes, bool withSegments) {
     const Footprint footprint = scenes.randomFootprint();
     const Segments segments = withSegments ? scenes.randomSegments(footprint) : Segments{};
     const Segments* const shared = withSegments ? &segments : nullptr;
-    const RegionEvaluator plain(scenes.settings, table, footprint, shared, InstructionSet::sse41);
+    const RegionEvaluator scalar(scenes.settings, table, footprint, shared, InstructionSet::sse41);
     const RegionEvaluator fast(scenes.settings, table, footprint, shared, detectInstructionSet());
-    ASSERT_STREQ(plain.formName(), "plain");
-    ASSERT_STREQ(fast.formName(), detectInstructionSet() == InstructionSet::avx2 ? "AVX2" : "plain");
+    ASSERT_EQ(scalar.form(), InstructionSet::baseline);
+    ASSERT_EQ(fast.form() == InstructionSet::avx2, detectInstructionSet() == InstructionSet::avx2);
     for (int round = 0; round < 4; ++round) {
         const NeighbourColours colours = scenes.randomColours(footprint);
         const bool firstPass = scenes.random.below(2) == 0;
-        ASSERT_EQ(evaluated(fast, colours, firstPass), evaluated(plain, colours, firstPass)) << "first pass: " << firstPass;
+        ASSERT_EQ(evaluated(fast, colours, firstPass), evaluated(scalar, colours, firstPass)) << "first pass: " << firstPass;
     }
 }
 
-TEST(AmtcRegionEvaluator, AllFormsGiveThePlainFormsErrorsAndSums) {
+TEST(AmtcRegionEvaluator, AllFormsGiveTheScalarFormsErrorsAndSums) {
     for (const std::uint32_t generation : {1u, 2u})
         for (const auto& [bitsPerPixel, withSegments] : {std::pair(4u, false), std::pair(4u, true), std::pair(2u, false)}) {
             SCOPED_TRACE(testing::Message() << bitsPerPixel << " bpp, generation " << generation << ", segments "

@@ -5,8 +5,7 @@
 #include "moktc/amtc/driver/block_passes.h"
 #include "moktc/amtc/driver/level_pipeline.h"
 #include "moktc/amtc/driver/pack_local_block.h"
-#include "moktc/amtc/driver/sweep_settings.h"
-#include "moktc/amtc/refinement/mode_candidates.h"
+#include "moktc/amtc/refinement/mode_refinement.h"
 #include "moktc/amtc/refinement/visit_block.h"
 #include "support/test_images.h"
 
@@ -36,15 +35,15 @@ public:
         AllocateBlockRows(image->Width, image->Height, settings.blockWidth, settings.blockHeight, rows);
         const FootprintKernels kernels = makeFootprintKernels(settings);
         for (const std::uint32_t pass : {0u, 1u})
-            RunBlockPass(pass, *image, settings, kernels, 1, {{}, 1}, rows);
+            RunBlockPass(pass, *image, settings, kernels.centre, kernels.sharp, kernels.smooth, 1, rows);
     }
     Level(const Level&) = delete;
     ~Level() { FreeBlockRows(rows); }
 
-    /// In the plain form, which refines all modes whether settled or not.
-    BlockRecord& visit(std::uint32_t row, std::uint32_t column, std::uint32_t number) {
+    /// In the scalar form, with no mode skipped as converged.
+    BlockRecord& visit(std::uint32_t row, std::uint32_t column, std::uint32_t step) {
         rows[row][column].convergedModes = 0;
-        VisitBlockRefine(*image, settings, row, column, InstructionSet::baseline, *space, number, rows);
+        VisitBlockRefine({*image, settings, rows, row, column}, step, InstructionSet::baseline, *space);
         return rows[row][column];
     }
     void visitPhase(std::uint32_t firstRow, std::uint32_t firstColumn, std::uint32_t step) {
@@ -64,24 +63,28 @@ public:
     Blocks packed() {
         Blocks blocks;
         forEach([&](const BlockRecord&, std::uint32_t row, std::uint32_t column) {
-            PackLocalBlock(*image, rows, settings, row, column, space->blendTable, blocks.emplace_back().data());
+            PackLocalBlock(*image, rows, settings, row, column, blendTable, blocks.emplace_back().data());
         });
         return blocks;
     }
-    Blocks compressed(std::uint32_t quality, std::uint32_t processors) const {
+    Blocks compressed(std::uint32_t quality, std::uint32_t threads) const {
         Blocks blocks(std::size_t{settings.blocksAcross} * settings.blocksDown);
-        EXPECT_TRUE(CompressLevel(*image, 4, settings.bitsPerPixel, settings.secondGeneration, blocks.front().data(), true,
-                                  quality, {detectInstructionSet(), processors}));
+        const EncodeOptions options = {.variant = {Rate(settings.bitsPerPixel), settings.generation()},
+                                       .linearBlockOrder = true,
+                                       .quality = quality,
+                                       .threads = threads};
+        EXPECT_TRUE(encodeLevel(*image, options, blocks.front().data()));
         return blocks;
     }
 
     WorkImage image;
     AmtcLevelSettings settings;
     BlockRows rows;
-    std::unique_ptr<VisitSpace> space = std::make_unique<VisitSpace>();
+    BlendTable blendTable;
+    std::unique_ptr<VisitSpace> space = std::make_unique<VisitSpace>(blendTable);
 };
 
-TEST(AmtcPasses, GiveWhatASerialWalkGivesOnAnyNumberOfThreads) {
+TEST(AmtcPasses, GiveTheBytesOfASerialWalkOnAnyNumberOfThreads) {
     constexpr Grid grids[] = {{4, 4, 4, 1}, {3, 7, 4, 0}, {3, 3, 2, 1}, {1, 5, 4, 1}, {4, 2, 2, 0}, {1, 2, 2, 1}, {2, 67, 4, 0}};
     for (const Grid& grid : grids) {
         const std::uint32_t quality = grid.across == 3 ? 2 : 1;
@@ -92,20 +95,20 @@ TEST(AmtcPasses, GiveWhatASerialWalkGivesOnAnyNumberOfThreads) {
             for (const auto& [firstRow, firstColumn] : {std::pair{0u, 0u}, {1u, 1u}, {0u, 1u}, {1u, 0u}})
                 level.visitPhase(firstRow, firstColumn, step++);
         }
-        for (const std::uint32_t processors : {1u, 2u, 32u})
-            EXPECT_TRUE(level.compressed(quality, processors) == level.packed())
-                << grid.across << " by " << grid.down << ", " << processors << " processors";
+        for (const std::uint32_t threads : {1u, 2u, 32u})
+            EXPECT_EQ(level.compressed(quality, threads), level.packed())
+                << grid.across << " by " << grid.down << ", " << threads << " threads";
     }
 }
 
-TEST(AmtcPasses, LeaveImagesOneBlockHighAlone) {
+TEST(AmtcPasses, DoNotRefineImagesOneBlockHigh) {
     Level level(Kind::edges, {4, 1, 4, 1});
-    EXPECT_TRUE(level.compressed(1, 2) == level.packed());
+    EXPECT_EQ(level.compressed(1, 2), level.packed());
     level.visitPhase(0, 0, 1);
-    EXPECT_FALSE(level.compressed(1, 2) == level.packed());
+    EXPECT_NE(level.compressed(1, 2), level.packed());
 }
 
-TEST(AmtcVisits, SkipABlockWhoseNeighboursAreAtRest) {
+TEST(AmtcVisits, SkipABlockWhoseNeighboursHaveNotChanged) {
     const auto isVisited = [](std::uint32_t across, std::uint32_t ownChange, std::uint32_t neighbourChange, bool isForced) {
         Level level(Kind::edges, {across, 4, 4, 1});
         level.settings.forceVisit = isForced;
@@ -114,33 +117,34 @@ TEST(AmtcVisits, SkipABlockWhoseNeighboursAreAtRest) {
         level.rows[1][0].lastVisited = 8;
         return level.visit(1, 0, 20).lastVisited == 20;
     };
-    EXPECT_FALSE(isVisited(4, 6, 7, false)) << "neighbours at rest";
-    EXPECT_TRUE(isVisited(4, 0, 8, false)) << "a neighbour changed then";
-    EXPECT_FALSE(isVisited(4, 8, 7, false)) << "its own change is nothing";
+    EXPECT_FALSE(isVisited(4, 6, 7, false)) << "neighbours unchanged";
+    EXPECT_TRUE(isVisited(4, 0, 8, false)) << "a neighbour changed in the same step";
+    EXPECT_FALSE(isVisited(4, 8, 7, false)) << "its own change does not count";
     EXPECT_TRUE(isVisited(1, 8, 7, false)) << "it is its own neighbour";
     EXPECT_TRUE(isVisited(4, 0, 0, true)) << "forced";
 }
 
-TEST(AmtcVisits, KeepTheBestCandidatesAndTellWhetherTheBestChanged) {
+TEST(AmtcVisits, KeepTheBestCandidatesInOrderAndRecordChanges) {
     for (const Kind kind : testimages::allKinds) {
         Level level(kind, {3, 4, 4, 1});
-        for (std::uint32_t number = 1; number <= 4; ++number) {
-            level.settings.refineIterations = number == 4 ? 1 : 3;  // one iteration counts as a change
+        for (std::uint32_t step = 1; step <= 4; ++step) {
+            level.settings.refineIterations = step == 4 ? 1 : 3;  // one iteration counts as a change
             level.forEach([&](const BlockRecord& block, std::uint32_t row, std::uint32_t column) {
                 const BlockRecord before = block;
-                level.visit(row, column, number);
-                bool hasChanged = block.bestMode != before.bestMode || number == 4;
+                level.visit(row, column, step);
+                bool hasChanged = block.bestMode != before.bestMode || step == 4;
                 for (std::size_t mode = 0; mode < 4; ++mode) {
                     const RepStart& record = block.repStarts[mode];
                     hasChanged |= record.candidates[0].colours() != before.repStarts[mode].candidates[0].colours();
                     EXPECT_GE(record.candidates[0].error, block.best().error + (mode < block.bestMode)) << "earlier modes win";
-                    ASSERT_TRUE(record.count >= 1 && record.count <= mostCandidates);
+                    ASSERT_GE(record.count, 1u);
+                    ASSERT_LE(record.count, mostCandidates);
                     for (std::size_t i = 1; i < record.count; ++i) {
                         EXPECT_LE(record.candidates[i - 1].error, record.candidates[i].error);
                         EXPECT_NE(record.candidates[i - 1].colours(), record.candidates[i].colours());
                     }
                 }
-                EXPECT_EQ(block.lastChanged == number, hasChanged);
+                EXPECT_EQ(block.lastChanged == step, hasChanged);
             });
         }
     }
@@ -158,7 +162,7 @@ TEST(AmtcVisits, TakeTheBestOfAllVariantsOfTheNeighboursModes) {
     EXPECT_GT(better, 0u);
 }
 
-TEST(AmtcVisits, ShareLevelsBySegmentsWhereBlockAndSweepAllowIt) {
+TEST(AmtcVisits, ShareIndicesBySegmentsWhereBlockAndSweepAllowIt) {
     const auto errorWith = [](std::uint32_t segmentable, std::uint32_t useSegments) {
         Level level(Kind::gradient, fourByFour);
         level.rows[1][1].segmentable = segmentable;
@@ -193,20 +197,20 @@ TEST(AmtcVisits, ScoreFlatStartsAndTheFirstSweepWithoutRefining) {
     }
 }
 
-TEST(AmtcVisits, AddPerturbedPairsThatAreNewAndKeepThoseThatStandTwice) {
+TEST(AmtcVisits, AddNewPerturbedPairsAndKeepDuplicatesThatAreNotAdjacent) {
     const Level level(Kind::noise, fourByFour);
-    const Candidate blackAndWhite = {0xFF000000, 0xFFFFFFFF};  // lines made longer are held to what they were
+    const Candidate blackAndWhite = {0xFF000000, 0xFFFFFFFF};  // extended lines are clamped to the pair itself
     const StepRules rules = {level.rows[0][0].reps[wholeRep], false, Generation::second, false};
     const PerturbedPairs perturbed(blackAndWhite, rules);
     ASSERT_EQ(perturbed.end() - perturbed.begin(), 7);
     RepStart record{};
     record.count = 3;
     record.candidates = {blackAndWhite, perturbed.begin()[0], blackAndWhite};
-    const RefinementRegion region = {level.settings, level.space->blendTable, {}, nullptr, {}, rules};
-    EvaluatedPairs pairs(region, {}, level.space->pairCache);
-    WorkList work;
-    work.addVariant(record, perturbed, 0, pairs);  // no evaluation: all keep their colours and their order
-    EXPECT_FALSE(work.storeBest(record, mostCandidates));
+    const RefinementRegion region = {level.settings, level.blendTable, {}, nullptr, {}, rules};
+    CachedEvaluator evaluator(region, {}, level.space->pairCache);
+    RefinedCandidates refined;
+    refined.addVariant(record, perturbed, 0, evaluator);  // no evaluation: all keep their colours and their order
+    EXPECT_FALSE(refined.storeBest(record, mostCandidates));
     EXPECT_EQ(record.candidates[2].colours(), blackAndWhite.colours());
     EXPECT_EQ(record.candidates[3].colours(), perturbed.begin()[1].colours());
 }

@@ -1,3 +1,17 @@
+// The evaluators of pixel_evaluation.cpp and segment_evaluation.cpp at 4 bits per pixel, on the lanes of lane_layout.h.
+//
+//     for each group:  differences of all four indices; their squared lengths; the least; difference and weight of the choice
+//     for each interpolation weight in use:  sum the groups' choices under a mask
+//
+// With segments, errors are stored by slot first, segments are chosen from prefix sums, and each group then takes its pixels'
+// choices. A tie is broken by ranking: the error shifted left, with the rank below, makes one minimum do both.
+//
+// `isSpecial` variants handle palette taps and punch-through cells; most tables have neither.
+
+#include "core/base/instruction_set.h"
+
+#if MOKTEX_X86_KERNELS
+
 #include "moktc/amtc/evaluation/lane_arithmetic_avx2.h"
 
 namespace {
@@ -5,74 +19,52 @@ namespace {
 using namespace moktexture::amtc;
 using Lanes = EvaluationLanes4bpp;
 
-/// The eight colours that palette taps choose from, by half of a group: bytes of red and green, of blue and alpha.
-struct Palette {
-    __m256i rg, ba;
-};
-
-MOKTEX_LANE_FUNCTION Palette loadPalette(ColourBytes upperRow) {
-    const auto row = [](ColourBytes pairs) {
-        const __m256i leftAndRight = _mm256_set_m128i(loadPairs(pairs + pairBytes), loadPairs(pairs));
-        return _mm256_shuffle_epi32(leftAndRight, 0xD8);  // A, A, B, B
-    };
-    const __m256i upper = row(upperRow), lower = row(upperRow + blockRowBytes);
-    const __m256i split = _mm256_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15,  //
-                                           0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
-    const __m256i a = _mm256_shuffle_epi8(_mm256_unpacklo_epi64(upper, lower), split);
-    const __m256i b = _mm256_shuffle_epi8(_mm256_unpackhi_epi64(upper, lower), split);
-    return {_mm256_unpacklo_epi64(a, b), _mm256_unpackhi_epi64(a, b)};
-}
-
-MOKTEX_LANE_FUNCTION Palette rightHalves(const Palette& low, const Palette& high) {
-    return {_mm256_permute2x128_si256(low.rg, high.rg, 0x31), _mm256_permute2x128_si256(low.ba, high.ba, 0x31)};
-}
-
-/// All that the pixels of a group have in common.
+/// What the pixels of a group share.
 struct Surroundings {
     const BlockRow &upper, &lower;
     const Palette& palette;
 };
 
-/// Differences of pixels from what each level makes of them.
-struct LevelDifferences {
+/// Differences of pixels from the colours of each modulation index.
+struct IndexDifferences {
     ChannelLanes level0, level1, level2, level3;
 };
 
-/// What is left of colours, given by their differences from the pixels, under a mask.
-MOKTEX_LANE_FUNCTION ChannelLanes maskColours(const ChannelLanes& difference, const LevelLanes& levels) {
+/// Masks colours that are given by their differences from the pixels.
+MOKTEX_LANE_FUNCTION ChannelLanes maskColours(const ChannelLanes& difference, const IndexLanes& levels) {
     const ChannelLanes pixel = widen(load(levels.pixels.pixel)), mask = widen(load(levels.level2Mask));
     const ChannelLanes colour = pixel - difference;
     return pixel - ChannelLanes(_mm256_and_si256(colour.rg, mask.rg), _mm256_and_si256(colour.ba, mask.ba));
 }
 
-/// Colours of palette taps at one level; of other pixels black without alpha.
-MOKTEX_LANE_FUNCTION ChannelLanes tapColours(const Palette& palette, __m256i paletteIndex, char level) {
-    const __m256i firstLevels = _mm256_setr_epi32(0, 0x04040404, 0x08080808, 0x0C0C0C0C,  //
-                                                  0, 0x04040404, 0x08080808, 0x0C0C0C0C);
-    const __m256i indices = _mm256_shuffle_epi8(paletteIndex, _mm256_add_epi8(firstLevels, _mm256_set1_epi8(level)));
-    const __m256i bytes = _mm256_or_si256(indices, _mm256_set1_epi32(static_cast<int>(0x80018000)));
+/// Colours of palette taps at one modulation index; 0 for other pixels.
+MOKTEX_LANE_FUNCTION ChannelLanes tapColours(const Palette& palette, __m256i paletteIndex, char index) {
+    const __m256i firstOffsets = _mm256_setr_epi32(0, 0x04040404, 0x08080808, 0x0C0C0C0C,  //
+                                                   0, 0x04040404, 0x08080808, 0x0C0C0C0C);
+    const __m256i offsets = _mm256_shuffle_epi8(paletteIndex, _mm256_add_epi8(firstOffsets, _mm256_set1_epi8(index)));
+    const __m256i bytes = _mm256_or_si256(offsets, _mm256_set1_epi32(static_cast<int>(0x80018000)));
     return {_mm256_shuffle_epi8(palette.rg, bytes), _mm256_shuffle_epi8(palette.ba, bytes)};
 }
 
 /// `isSpecial`: there may be punch-through pixels and palette taps.
 template <bool isSpecial>
-MOKTEX_LANE_FUNCTION LevelDifferences decodeLevels(const Lanes& lanes, std::size_t group, const Surroundings& around) {
-    const LevelLanes& levels = lanes.groups[group];
+MOKTEX_LANE_FUNCTION IndexDifferences decodeIndices(const Lanes& lanes, std::size_t group, const Surroundings& around) {
+    const IndexLanes& levels = lanes.groups[group];
     const EndDifferences ends = decodeEnds(levels.pixels, around.upper, around.lower);
     const Blend blendOfEnds(ends);
     const ChannelLanes level1 = blendOfEnds.at(load(levels.level1)), level2 = blendOfEnds.at(load(levels.level2));
     if constexpr (!isSpecial) return {ends.a, level1, level2, ends.b};
     const ChannelLanes masked2 = maskColours(level2, levels);
     if (!lanes.hasPaletteTaps) return {ends.a, level1, masked2, ends.b};
-    // Taps have come out of the blends as black without alpha.
-    const __m256i index = load(levels.paletteIndex);
+    // Taps have come out of the blends as colour 0.
+    const __m256i offsets = load(levels.paletteIndex);
     const Palette& palette = around.palette;
-    return {ends.a - tapColours(palette, index, 0), level1 - tapColours(palette, index, 1),
-            masked2 - tapColours(palette, index, 2), ends.b - tapColours(palette, index, 3)};
+    return {ends.a - tapColours(palette, offsets, 0), level1 - tapColours(palette, offsets, 1),
+            masked2 - tapColours(palette, offsets, 2), ends.b - tapColours(palette, offsets, 3)};
 }
 
-struct LevelErrors {
-    MOKTEX_LANE_FUNCTION explicit LevelErrors(const LevelDifferences& differences)
+struct IndexErrors {
+    MOKTEX_LANE_FUNCTION explicit IndexErrors(const IndexDifferences& differences)
         : level0(squaredLength(differences.level0)),
           level1(squaredLength(differences.level1)),
           level2(squaredLength(differences.level2)),
@@ -80,13 +72,13 @@ struct LevelErrors {
     __m256i level0, level1, level2, level3;
 };
 
-/// Masks of the pixels that take a level in spite of those before it: of 1 over 2, 0 over these, 3 over all.
-struct LevelChoice {
+/// Masks of the pixels that prefer an index to those before it: 1 over 2, 0 over these, 3 over all.
+struct IndexChoice {
     __m256i takes1, takes0, takes3;
 };
 
-MOKTEX_LANE_FUNCTION ChosenLanes chosenLanes(const LevelLanes& levels, const LevelDifferences& differences,
-                                             const LevelChoice& choice) {
+MOKTEX_LANE_FUNCTION ChosenLanes chosenLanes(const IndexLanes& levels, const IndexDifferences& differences,
+                                             const IndexChoice& choice) {
     const ChannelLanes difference =
         blend(blend(blend(differences.level2, differences.level1, choice.takes1), differences.level0, choice.takes0),
               differences.level3, choice.takes3);
@@ -97,8 +89,8 @@ MOKTEX_LANE_FUNCTION ChosenLanes chosenLanes(const LevelLanes& levels, const Lev
     return chosen(difference, value);
 }
 
-/// The nearest levels' errors; the earliest of 2, 1, 0, 3 among equals.
-MOKTEX_LANE_FUNCTION __m256i chooseLevels(const LevelErrors& errors, LevelChoice& choice) {
+/// Errors of the nearest colours; the earliest of 2, 1, 0, 3 among equals.
+MOKTEX_LANE_FUNCTION __m256i chooseIndices(const IndexErrors& errors, IndexChoice& choice) {
     choice.takes1 = _mm256_cmpgt_epi32(errors.level2, errors.level1);
     const __m256i least12 = _mm256_min_epi32(errors.level1, errors.level2);
     choice.takes0 = _mm256_cmpgt_epi32(least12, errors.level0);
@@ -107,7 +99,7 @@ MOKTEX_LANE_FUNCTION __m256i chooseLevels(const LevelErrors& errors, LevelChoice
     return _mm256_min_epi32(least012, errors.level3);
 }
 
-/// Errors by lane: of inner rows, where lane 0 is the ring's, and of the ring's own groups.
+/// Errors by lane: of the groups of rows, whose lane 0 belongs to the outer ring, and of the groups of the ring.
 struct ErrorLanes {
     __m256i rows = _mm256_setzero_si256(), ring = rows;
 
@@ -123,7 +115,7 @@ struct ErrorLanes {
     }
 };
 
-/// Calls `visit` with each inner group, and with each of the ring's if that is wanted, and with what surrounds it.
+/// Calls `visit` with each group of a row and, if wanted, of the ring, and with the group's surroundings.
 template <bool isSpecial, typename Visit>
 MOKTEX_LANE_FUNCTION void forEachGroup(const ColourPair* colours, bool withRing, const Visit& visit) {
     const ColourBytes topPairs = bytesOf(colours), middlePairs = topPairs + blockRowBytes;
@@ -149,17 +141,17 @@ MOKTEX_LANE_FUNCTION void finishSums(const Lanes& lanes, const ChosenLanes* choi
     constexpr std::uint32_t values[] = {0, 3, 4, 5, 8};
     for (const std::uint32_t value : values) {
         if ((lanes.valuesInUse >> value & 1) == 0) continue;
-        LevelAccumulator accumulator(value);
+        WeightAccumulator accumulator(value);
         for (std::size_t group = 0; group < innerGroups; ++group)
             accumulator.add(lanes.groups[group].pixels, choices[group]);
         accumulator.finish(sums);
     }
 }
 
-/// A pixel's errors, or a run's, by level.
+/// The errors of a pixel or a run, by modulation index.
 using FourErrors = __m128i;
 
-/// Errors by slot, a running sum of them at each place of a list of slots.
+/// Prefix sums of errors along a list of slots: a run's errors are the difference of two of them.
 template <std::size_t size>
 class RunningErrors {
 public:
@@ -185,7 +177,7 @@ MOKTEX_LANE_FUNCTION std::uint32_t leastOf(__m128i values) {
 }
 
 /// All four errors of the pixels of a group, by slot.
-MOKTEX_LANE_FUNCTION void storeErrors(const LevelErrors& errors, FourErrors* slots) {
+MOKTEX_LANE_FUNCTION void storeErrors(const IndexErrors& errors, FourErrors* slots) {
     const __m256i first01 = _mm256_unpacklo_epi32(errors.level0, errors.level1),
                   last01 = _mm256_unpackhi_epi32(errors.level0, errors.level1),
                   first23 = _mm256_unpacklo_epi32(errors.level2, errors.level3),
@@ -196,7 +188,7 @@ MOKTEX_LANE_FUNCTION void storeErrors(const LevelErrors& errors, FourErrors* slo
     store(slots + 6, _mm256_unpackhi_epi64(last01, last23));
 }
 
-MOKTEX_LANE_FUNCTION void storeDifferences(const LevelDifferences& from, __m256i* to) {
+MOKTEX_LANE_FUNCTION void storeDifferences(const IndexDifferences& from, __m256i* to) {
     const ChannelLanes* const levels[] = {&from.level0, &from.level1, &from.level2, &from.level3};
     for (std::size_t level = 0; level < 4; ++level) {
         store(to + 2 * level, levels[level]->rg);
@@ -204,29 +196,29 @@ MOKTEX_LANE_FUNCTION void storeDifferences(const LevelDifferences& from, __m256i
     }
 }
 
-MOKTEX_LANE_FUNCTION LevelDifferences loadDifferences(const __m256i* from) {
+MOKTEX_LANE_FUNCTION IndexDifferences loadDifferences(const __m256i* from) {
     const auto level = [from](std::size_t i) { return ChannelLanes(load(from + 2 * i), load(from + 2 * i + 1)); };
     return {level(0), level(1), level(2), level(3)};
 }
 
-/// As the plain form settles segments.
+/// Chooses the modulation indices of segments as segment_evaluation.cpp does.
 class SegmentChoice {
 public:
     MOKTEX_LANE_FUNCTION SegmentChoice(const SegmentLanes& segmentLanes, const FourErrors* errors, bool firstPass)
         : segments(segmentLanes) {
-        levels[0] = 0;  // lanes without a run have this one
+        indices[0] = 0;  // for lanes without a run
         inner.fill(segments.innerSlots, segments.innerSlotCount, errors);
         outer.fill(segments.outerSlots, firstPass ? segments.outerSlotCount : 0, errors);
         for (std::size_t i = 0; i < segments.singleCount; ++i)
-            chooseLevel(segments.single[i], firstPass);
+            chooseIndex(segments.single[i], firstPass);
         for (std::size_t i = 0; i < segments.pairCount; ++i)
             choosePair(std::size_t{2} * segments.pairs[i], firstPass);
         for (std::size_t i = 0; firstPass && i < segments.outerCount; ++i)
             addOuterSegment(std::size_t{2} * segments.outer[i]);
     }
 
-    MOKTEX_LANE_FUNCTION __m256i levelsOf(std::size_t group) const {
-        return _mm256_i32gather_epi32(levels, load(segments.runOfPixel[group]), 4);
+    MOKTEX_LANE_FUNCTION __m256i indicesOf(std::size_t group) const {
+        return _mm256_i32gather_epi32(indices, load(segments.runOfPixel[group]), 4);
     }
 
     LaneError total = {0, 0};
@@ -241,36 +233,36 @@ private:
     MOKTEX_LANE_FUNCTION void addOuter(std::size_t run) {
         std::uint32_t errors[4];
         _mm_storeu_si128(reinterpret_cast<__m128i*>(errors), outerErrors(run));
-        total.outer += errors[levels[run]];
+        total.outer += errors[indices[run]];
     }
 
     /// The earliest of 3, 0, 1, 2 among equals.
-    MOKTEX_LANE_FUNCTION void chooseLevel(std::size_t run, bool firstPass) {
+    MOKTEX_LANE_FUNCTION void chooseIndex(std::size_t run, bool firstPass) {
         const __m128i ranks = _mm_setr_epi32(1, 2, 3, 0);
         const std::uint32_t least = leastOf(_mm_or_si128(_mm_slli_epi32(innerErrors(run), 2), ranks));
-        levels[run] = static_cast<std::int32_t>((least + 3) & 3);
+        indices[run] = static_cast<std::int32_t>((least + 3) & 3);
         total.inner += least >> 2;
         if (firstPass) addOuter(run);
     }
 
-    /// The earliest of six pairs of levels among equals.
+    /// The earliest of six pairs of indices among equals.
     MOKTEX_LANE_FUNCTION void choosePair(std::size_t run, bool firstPass) {
-        constexpr std::uint8_t standardLevels[] = {0, 3, 0, 3, 1, 2}, punchLevels[] = {0, 3, 2, 2, 1, 1};
+        constexpr std::uint8_t standardIndices[] = {0, 3, 0, 3, 1, 2}, punchIndices[] = {0, 3, 2, 2, 1, 1};
         const FourErrors standard = innerErrors(run), punchThrough = innerErrors(run + 1);
         const __m128i firstFour = _mm_add_epi32(_mm_shuffle_epi32(standard, 0xCC), _mm_shuffle_epi32(punchThrough, 0xAC));
         const __m128i lastTwo = _mm_add_epi32(_mm_shuffle_epi32(standard, 0x99), _mm_shuffle_epi32(punchThrough, 0x55));
         const __m128i ranked = _mm_min_epu32(_mm_or_si128(_mm_slli_epi32(firstFour, 3), _mm_setr_epi32(0, 1, 2, 3)),
                                              _mm_or_si128(_mm_slli_epi32(lastTwo, 3), _mm_setr_epi32(4, 5, 4, 5)));
         const std::uint32_t least = leastOf(ranked);
-        levels[run] = standardLevels[least & 7];
-        levels[run + 1] = punchLevels[least & 7];
+        indices[run] = standardIndices[least & 7];
+        indices[run + 1] = punchIndices[least & 7];
         total.inner += least >> 3;
         if (!firstPass) return;
         addOuter(run);
         addOuter(run + 1);
     }
 
-    /// The least of the four pairs of levels that the plain form lists for segments without inner pixels.
+    /// The least of the four pairs of indices that segments without inner pixels may take.
     MOKTEX_LANE_FUNCTION void addOuterSegment(std::size_t run) {
         const __m128i standard = _mm_shuffle_epi32(outerErrors(run), 0x9C);
         total.outer += leastOf(_mm_add_epi32(standard, _mm_shuffle_epi32(outerErrors(run + 1), 0x5C)));
@@ -279,7 +271,7 @@ private:
     const SegmentLanes& segments;
     RunningErrors<SegmentLanes::innerPixels> inner;
     RunningErrors<SegmentLanes::outerPixels> outer;
-    std::int32_t levels[2 * SegmentLanes::mostSegments];  ///< by run
+    std::int32_t indices[2 * SegmentLanes::mostSegments];  ///< by run
 };
 
 template <bool isSpecial>
@@ -287,9 +279,9 @@ LaneError evaluateFreely(const Lanes& lanes, const ColourPair* colours, bool fir
     ChosenLanes choices[innerGroups];
     ErrorLanes errorLanes;
     forEachGroup<isSpecial>(colours, firstPass, [&](std::size_t group, const Surroundings& around) {
-        const LevelDifferences differences = decodeLevels<isSpecial>(lanes, group, around);
-        LevelChoice choice;
-        errorLanes.add(group, chooseLevels(LevelErrors(differences), choice));
+        const IndexDifferences differences = decodeIndices<isSpecial>(lanes, group, around);
+        IndexChoice choice;
+        errorLanes.add(group, chooseIndices(IndexErrors(differences), choice));
         if (group < innerGroups) choices[group] = chosenLanes(lanes.groups[group], differences, choice);
     });
     finishSums(lanes, choices, sums);
@@ -302,26 +294,26 @@ LaneError evaluateSegments(const Lanes& lanes, const SegmentLanes& segments, con
     FourErrors errors[Lanes::groupCount * laneCount];
     __m256i differences[innerGroups][8];
     ChosenLanes choices[innerGroups];
-    __m256i isTap[Lanes::groupCount], tapLevels[Lanes::groupCount];
+    __m256i isTap[Lanes::groupCount], tapIndices[Lanes::groupCount];
     ErrorLanes tapErrors;
     forEachGroup<isSpecial>(colours, firstPass, [&](std::size_t group, const Surroundings& around) {
-        const LevelDifferences decoded = decodeLevels<isSpecial>(lanes, group, around);
-        const LevelErrors ofLevels(decoded);
-        storeErrors(ofLevels, errors + group * laneCount);
+        const IndexDifferences decoded = decodeIndices<isSpecial>(lanes, group, around);
+        const IndexErrors indexErrors(decoded);
+        storeErrors(indexErrors, errors + group * laneCount);
         if (group < innerGroups) storeDifferences(decoded, differences[group]);
         if (!lanes.hasPaletteTaps) return;
         isTap[group] = _mm256_cmpgt_epi32(load(lanes.groups[group].paletteIndex), _mm256_set1_epi32(-1));
-        const __m256i takesA = _mm256_cmpgt_epi32(ofLevels.level3, ofLevels.level0);
-        tapLevels[group] = _mm256_andnot_si256(takesA, _mm256_set1_epi32(3));
-        tapErrors.add(group, _mm256_and_si256(isTap[group], _mm256_min_epi32(ofLevels.level0, ofLevels.level3)));
+        const __m256i takesA = _mm256_cmpgt_epi32(indexErrors.level3, indexErrors.level0);
+        tapIndices[group] = _mm256_andnot_si256(takesA, _mm256_set1_epi32(3));
+        tapErrors.add(group, _mm256_and_si256(isTap[group], _mm256_min_epi32(indexErrors.level0, indexErrors.level3)));
     });
     const SegmentChoice segmentChoice(segments, errors, firstPass);
     for (std::size_t group = 0; group < innerGroups; ++group) {
-        __m256i level = segmentChoice.levelsOf(group);
-        if (lanes.hasPaletteTaps) level = blend(level, tapLevels[group], isTap[group]);
-        const LevelChoice choice = {_mm256_cmpeq_epi32(level, _mm256_set1_epi32(1)),
-                                    _mm256_cmpeq_epi32(level, _mm256_setzero_si256()),
-                                    _mm256_cmpeq_epi32(level, _mm256_set1_epi32(3))};
+        __m256i index = segmentChoice.indicesOf(group);
+        if (lanes.hasPaletteTaps) index = blend(index, tapIndices[group], isTap[group]);
+        const IndexChoice choice = {_mm256_cmpeq_epi32(index, _mm256_set1_epi32(1)),
+                                    _mm256_cmpeq_epi32(index, _mm256_setzero_si256()),
+                                    _mm256_cmpeq_epi32(index, _mm256_set1_epi32(3))};
         choices[group] = chosenLanes(lanes.groups[group], loadDifferences(differences[group]), choice);
     }
     finishSums(lanes, choices, sums);
@@ -348,3 +340,5 @@ LaneError evaluateSegmentLanesAVX2(const EvaluationLanes4bpp& lanes, const Segme
 }
 
 }  // namespace moktexture::amtc
+
+#endif

@@ -1,8 +1,9 @@
+#include "moktc/amtc/amtc_localised.h"
+
 #include <gtest/gtest.h>
 
 #include <future>
 
-#include "moktc/amtc/amtc_localised.h"
 #include "moktc/block/block_order.h"
 #include "support/test_images.h"
 
@@ -29,7 +30,7 @@ std::uint32_t encode(const Map& map, const Request& r, std::uint8_t* destination
                                r.unused, r.punchThrough, 4, r.bits, r.generation, r.unused, r.isLinear, r.colourMIPs, nullptr);
 }
 
-/// The top level alone.
+/// The blocks of the top MIP level.
 Bytes encoded(const Map& map, const Request& request) {
     Bytes blocks(static_cast<std::size_t>(map.width * map.height) * request.bits / 8, 0xCD);
     EXPECT_EQ(encode(map, request, blocks.data()), 0u);
@@ -38,11 +39,11 @@ Bytes encoded(const Map& map, const Request& request) {
 
 }  // namespace
 
-TEST(AmtcDoor, MakesEveryLevelOfAChain) {
-    // Digests of the chain and of what stood behind it. They were taken when each level agreed with the encoding of a map that
-    // was cleared, tiled and halved by a second writing of the rules.
+TEST(AmtcCompressImageLevels, EncodesEveryMIPLevelOfAChain) {
+    // Digests of the chain and the bytes behind it, taken when each MIP level agreed with the encoding of an image that a second
+    // implementation of the rules had tiled and halved.
     // clang-format off
-    const struct { std::int32_t width, height; Request request; std::uint64_t chain; } cases[] = {
+    const struct { std::int32_t width, height; Request request; std::uint64_t digest; } cases[] = {
         {32, 32, {.mipMode = 1}, 0xa96d2d5d926d7b76}, {8, 32, {.isLinear = 0, .mipMode = 1}, 0xf521a98300aaaf16},
         {32, 16, {.bits = 2, .generation = 1, .mipMode = 1, .punchThrough = 1}, 0x2f46b28adac51b25},
         {16, 16, {.stride = 80, .mipMode = 2}, 0x93ed74ec0e5050c9}, {24, 8, {.stride = -96, .mipMode = 2}, 0x2f8d8ff5405308c4},
@@ -56,7 +57,7 @@ TEST(AmtcDoor, MakesEveryLevelOfAChain) {
     }
 }
 
-TEST(AmtcDoor, EncodesTwoImagesAtOnceAsEachAlone) {
+TEST(AmtcCompressImageLevels, EncodesTwoImagesAtOnce) {
     const Map maps[] = {{40, 28, testimages::make(Kind::cutOut, 40, 28)}, {32, 64, testimages::make(Kind::edges, 32, 64)}};
     const Request request{.generation = 1, .quality = 1};
     std::future<Bytes> atOnce[2];
@@ -66,29 +67,29 @@ TEST(AmtcDoor, EncodesTwoImagesAtOnceAsEachAlone) {
         EXPECT_EQ(atOnce[i].get(), encoded(maps[i], request)) << "image " << i;
 }
 
-TEST(AmtcDoor, TakesPixelsInEitherOrderAndStrideAndEveryQuality) {
-    const Map plain{16, 12, testimages::make(Kind::softAlpha, 16, 12)};
+TEST(AmtcCompressImageLevels, ReadsBothByteOrdersAndAnyStrideAndClampsQuality) {
+    const Map packed{16, 12, testimages::make(Kind::softAlpha, 16, 12)};
     Map rotated{16, 12, Bytes(12 * 80, 0xCD)};
-    for (std::size_t i = 0; i < plain.pixels.size(); ++i)
-        rotated.pixels[(11 - i / 64) * 80 + i % 64 / 4 * 4 + (i + 1) % 4] = plain.pixels[i];
-    const Bytes blocks = encoded(plain, {.generation = 1});
+    for (std::size_t i = 0; i < packed.pixels.size(); ++i)
+        rotated.pixels[(11 - i / 64) * 80 + i % 64 / 4 * 4 + (i + 1) % 4] = packed.pixels[i];
+    const Bytes blocks = encoded(packed, {.generation = 1});
     EXPECT_EQ(encoded(rotated, {.generation = 1, .isRGBA = 0, .unused = 0, .stride = -80}), blocks);
-    EXPECT_EQ(encoded(plain, {.generation = 1, .quality = 255}), encoded(plain, {.generation = 1, .quality = 4}));
+    EXPECT_EQ(encoded(packed, {.generation = 1, .quality = 255}), encoded(packed, {.generation = 1, .quality = 4}));
 }
 
-TEST(AmtcDoor, StoresTwiddledWhereBothSidesOfTheGridArePowersOfTwo) {
+TEST(AmtcCompressImageLevels, TwiddlesBlocksWhereBothSidesOfTheGridArePowersOfTwo) {
     for (const auto& [across, down, isTwiddled] :
          {std::tuple(4u, 2u, true), {8, 2, true}, {1, 2, true}, {6, 2, false}, {4, 3, false}}) {
         const Map map{std::int32_t(across * 4), std::int32_t(down * 4), testimages::make(Kind::noise, across * 4, down * 4)};
         const Bytes linear = encoded(map, {}), stored = encoded(map, {.isLinear = 0});
         for (std::uint32_t i = 0; i < across * down; ++i) {
-            const std::uint64_t place = isTwiddled ? moktc::BlockIndex(across, down, i % across, i / across, false) : i;
-            EXPECT_TRUE(std::equal(&linear[i * 8], &linear[i * 8] + 8, &stored[place * 8])) << across << ' ' << down << ' ' << i;
+            const std::uint64_t index = isTwiddled ? moktc::BlockIndex(across, down, i % across, i / across, false) : i;
+            EXPECT_TRUE(std::equal(&linear[i * 8], &linear[i * 8] + 8, &stored[index * 8])) << across << ' ' << down << ' ' << i;
         }
     }
 }
 
-TEST(AmtcDoor, RefusesWhatItCannotEncode) {
+TEST(AmtcCompressImageLevels, RefusesInvalidArguments) {
     const Bytes pixels(4096, 9);
     // clang-format off
     const struct { std::int32_t width, height, stride, mipMode; std::uint32_t bits; } cases[] = {
@@ -99,7 +100,7 @@ TEST(AmtcDoor, RefusesWhatItCannotEncode) {
         Bytes blocks(64, 0xCD);
         const Request request{.bits = bits, .stride = stride, .mipMode = mipMode};
         EXPECT_EQ(encode({width, height, pixels}, request, blocks.data()), 1u) << width << ' ' << bits;
-        EXPECT_EQ(blocks == Bytes(64, 0xCD), mipMode != 1) << "the top level alone is written";
+        EXPECT_EQ(blocks == Bytes(64, 0xCD), mipMode != 1) << "only the top MIP level is written";
     }
     EXPECT_EQ(encode({8, 8, pixels}, {}, nullptr), 1u);
     AmtcProgress progress{1, 2, 3, 4, 0, {}}, *record = &progress;
@@ -108,7 +109,7 @@ TEST(AmtcDoor, RefusesWhatItCannotEncode) {
     EXPECT_EQ(progress.mipFactor, 1.3333334F);
 }
 
-TEST(AmtcDoor, TellsItsCourseToAHostThatWantsIt) {
+TEST(AmtcCompressImageLevels, WritesDiagnosticsToTheStreamOfTheHost) {
     const Bytes pixels(4096, 9);
     Bytes blocks(256);
     diagnosticsStream = stderr;
