@@ -1,11 +1,12 @@
 #include "tool_fixture.h"
 
-TEST_F(ToolTest, CompareGivesNumbersWorkedByHand) {
+TEST_F(ToolTest, CompareGivesHandComputedNumbers) {
     writePNG("a.png", 2, 1, {10, 20, 30, 255, 0, 0, 0, 255});
     writePNG("b.png", 2, 1, {13, 20, 30, 255, 0, 4, 0, 255});
     const nlohmann::json comparison = compare("a.png", "b.png");
     // clang-format off
     const struct { const char* channel; double error, psnr, largest; } expected[] = {
+        // channel, mean squared error, PSNR, largest difference
         {"r", 4.5, 41.5987, 3}, {"g", 8, 39.0998, 4}, {"rgb", 12.5 / 3, 41.9329, 4}, {"rgba", 3.125, 43.1823, 4},
         {"weighted", 0.299 * 4.5 + 0.587 * 8, 40.3193, 4}};
     // clang-format on
@@ -22,7 +23,7 @@ TEST_F(ToolTest, CompareGivesNumbersWorkedByHand) {
     EXPECT_NE(text.find("inf"), std::string::npos);
 }
 
-TEST_F(ToolTest, CompareEndsWithSevenForWhatIsTooDifferent) {
+TEST_F(ToolTest, CompareReturnsStatus7ForTooLargeDifferences) {
     writePNG("a.png", 8, 8);
     writePNG("b.png", 8, 8, testimages::Kind::noise);
     writePNG("small.png", 8, 4);
@@ -33,7 +34,7 @@ TEST_F(ToolTest, CompareEndsWithSevenForWhatIsTooDifferent) {
     expectSuccess("compare @a.png @a.png --min-psnr 999");
 }
 
-TEST_F(ToolTest, CompareLooksAtWideFormsInFullWidth) {
+TEST_F(ToolTest, CompareUsesFullPrecisionForWideFormats) {
     writePNG("a.png", 4, 4);
     expectSuccess("convert @a.png @wide.mok -f rgba16161616");
     expectSuccess("convert @a.png @float.mok -f rgba32323232");
@@ -42,7 +43,7 @@ TEST_F(ToolTest, CompareLooksAtWideFormsInFullWidth) {
     EXPECT_EQ(compare("wide.mok", "a.png")["peak"], 255);
 }
 
-TEST_F(ToolTest, InfoTellsAllThatAHeaderHolds) {
+TEST_F(ToolTest, InfoShowsAllHeaderFields) {
     using namespace moktexture;
     CMOKTextureHeader header(eFmtDXT1, 8, 16, 1, 2, 3, 6, static_cast<EMOKTColourSpace>(9), eVarUByteNorm, true);
     header.setOrientation(eOrientUp);

@@ -2,18 +2,19 @@
 
 #include "tool_fixture.h"
 
-TEST_F(ToolTest, TexturesComeBackFromFilesOfOtherMakersByNameAndByContent) {
+TEST_F(ToolTest, KTXAndDDSFilesRoundTripByNameAndByContent) {
     writePNG("a.png", 16, 8, testimages::Kind::noise);
     // clang-format off
-    const struct { const char *format, *container, *formatRead; } cases[] = {
+    const struct { const char *format, *extension, *formatRead; } cases[] = {
+        // format written, extension, format read
         {"rgba8888", "ktx", "rgba8888"}, {"bgra8888", "KTX", "bgra8888"},
         {"rgba16161616:float --mipmaps", "ktx", "rgba16161616:float"},
         {"moktc-4bpp-rgba -q 0", "ktx", "moktc-4bpp-rgba"},
         {"argb8888:uintnorm --mipmaps", "dds", "argb8888:uintnorm"},
         {"rgb565", "DDS", "rgb565:uintnorm"}, {"dxt1 --mipmaps", "dds", "dxt1"}, {"uyvy", "dds", "uyvy"}};
     // clang-format on
-    for (const auto& [format, container, formatRead] : cases) {
-        const std::string file = std::string("a.") + container, options = std::string(" -y -f ") + format;
+    for (const auto& [format, extension, formatRead] : cases) {
+        const std::string file = std::string("a.") + extension, options = std::string(" -y -f ") + format;
         expectSuccess("convert @a.png @plain.mok" + options);
         expectSuccess("convert @a.png @" + file + options);
         EXPECT_EQ(info(file)["format"], formatRead) << file;
@@ -25,13 +26,14 @@ TEST_F(ToolTest, TexturesComeBackFromFilesOfOtherMakersByNameAndByContent) {
     }
 }
 
-TEST_F(ToolTest, FormatsThatAContainerCannotHoldAreRefusedWithThoseThatCan) {
+TEST_F(ToolTest, RefusalOfAContainerNamesTheSuitableOnes) {
     writePNG("a.png", 8, 8);
     write("taken.dds", "precious");
     const struct {
         const char* arguments;
         const char* line;
     } cases[] = {
+        // arguments, message
         {"@taken.dds -y", "taken.dds: .dds files cannot hold rgba8888, srgb; use .mok, .ktx or .h, or a --format"},
         {"@new.ktx -f dxt1", "new.ktx: .ktx files cannot hold dxt1, srgb; use .mok, .dds or .h, or a --format"},
         {"@new.ktx -f etc1", "new.ktx: .ktx files cannot hold etc1, srgb; use .mok or .h, or a --format"},
@@ -45,17 +47,18 @@ TEST_F(ToolTest, FormatsThatAContainerCannotHoldAreRefusedWithThoseThatCan) {
         expectRefusal(std::string("convert @a.png ") + arguments, ExitStatus::commandLine);
 }
 
-TEST_F(ToolTest, FilesThatReadersUnderstandInAnotherWayAreToldOf) {
+TEST_F(ToolTest, WarnsOfFilesThatReadBackDifferently) {
     writePNG("a.png", 8, 8);
-    const struct {
-        const char* arguments;
-        const char* note;
-    } cases[] = {{"@b.dds -f argb8888", "reads back from a .dds file as argb8888:uintnorm, which gives other colours"},
+    // clang-format off
+    const struct { const char *arguments, *note; } cases[] = {
+        // arguments, note
+        {"@b.dds -f argb8888", "reads back from a .dds file as argb8888:uintnorm, which gives other colours"},
                  {"@b.dds -f argb8888:uintnorm", ""},
-                 {"@b.dds -f dxt5", ""},
-                 {"@b.ktx -f rgba5551", "reads back from a .ktx file as rgba1555"},
-                 {"@b.ktx -f rgba8888", ""},
-                 {"@b.mok -f argb8888", ""}};
+        {"@b.dds -f dxt5", ""},
+        {"@b.ktx -f rgba5551", "reads back from a .ktx file as rgba1555"},
+        {"@b.ktx -f rgba8888", ""},
+        {"@b.mok -f argb8888", ""}};
+    // clang-format on
     for (const auto& [arguments, note] : cases) {
         const std::string err = expectSuccess(std::string("convert @a.png -y ") + arguments).err;
         EXPECT_EQ(err.empty(), *note == '\0') << arguments << err;
@@ -69,7 +72,7 @@ TEST_F(ToolTest, FilesThatReadersUnderstandInAnotherWayAreToldOf) {
     EXPECT_EQ(run("convert @volume.mok @c.mok --legacy gl-a").status, ExitStatus::notSupported);
 }
 
-TEST_F(ToolTest, LegacyLayoutIsWrittenWithTheNumberOfEachApiAndReadBack) {
+TEST_F(ToolTest, LegacyLayoutRoundTripsWithTheFormatNumberOfEachApi) {
     writePNG("a.png", 16, 8, testimages::Kind::noise);
     const struct {
         const char* api;
@@ -88,7 +91,7 @@ TEST_F(ToolTest, LegacyLayoutIsWrittenWithTheNumberOfEachApiAndReadBack) {
     }
 }
 
-TEST_F(ToolTest, CSourceHoldsTheNativeFileInAnArrayNamedForTheFile) {
+TEST_F(ToolTest, CSourceHoldsTheNativeFileInAnArrayNamedAfterTheFile) {
     writePNG("a.png", 8, 8, testimages::Kind::noise);
     expectSuccess("convert @a.png @a.mok");
     for (const auto& [file, name] : {std::pair{"leaf.h", "leaf"}, {"2nd-leaf.v1.h", "_2nd_leaf_v1"}, {"texture.H", "texture"}}) {
@@ -102,7 +105,7 @@ TEST_F(ToolTest, CSourceHoldsTheNativeFileInAnArrayNamedForTheFile) {
     }
 }
 
-TEST_F(ToolTest, NumbersOfGraphicsApisAreShownForTexturesAndFormats) {
+TEST_F(ToolTest, InfoAndFormatsShowGraphicsApiNumbers) {
     using nlohmann::json;
     const json rgba8 = {{"internalFormat", 0x8058}, {"format", 0x1908}, {"type", 0x1401}};
     writePNG("a.png", 4, 4);
@@ -126,7 +129,7 @@ TEST_F(ToolTest, NumbersOfGraphicsApisAreShownForTexturesAndFormats) {
     EXPECT_NE(text.find("Direct3D 9     DXT5"), std::string::npos) << text;
 }
 
-TEST_F(ToolTest, FilesThatDoNotLoadSayWhatToDo) {
+TEST_F(ToolTest, LoadErrorsNameTheRemedy) {
     writePNG("a.png", 8, 8);
     expectSuccess("convert @a.png @a.dds -f dxt1");
     const std::string dds = read("a.dds");
@@ -137,7 +140,7 @@ TEST_F(ToolTest, FilesThatDoNotLoadSayWhatToDo) {
         std::string bytes;
         ExitStatus status;
         const char* remedy;
-    } cases[] = {{pitch, ExitStatus::notSupported, "not read; export it as KTX 1 with all counts told, as DDS without pitch"},
+    } cases[] = {{pitch, ExitStatus::notSupported, "not read; export it as KTX 1 with all counts given, as DDS without pitch"},
                  {size, ExitStatus::invalidInput, "itself; export it again"},
                  {dds.substr(0, 130), ExitStatus::invalidInput, "; copy or export it again"},
                  {"nothing", ExitStatus::invalidInput, "; use a .mok, .ktx or .dds file, or a PNG"}};

@@ -9,7 +9,7 @@ using namespace moktexture;
 using moktextool::ProgressLine;
 using moktextool::progressText;
 
-TEST_F(ToolTest, PicturesComeBackUnchangedThroughUncompressedFormats) {
+TEST_F(ToolTest, PicturesRoundTripThroughUncompressedFormats) {
     writePNG("a.png", 20, 12, testimages::Kind::noise);
     for (const char* format :
          {"rgba8888", "abgr8888", "rgba16161616", "rgba16161616:float", "rgba32323232", "rgba32323232:uintnorm"}) {
@@ -20,7 +20,7 @@ TEST_F(ToolTest, PicturesComeBackUnchangedThroughUncompressedFormats) {
     }
 }
 
-TEST_F(ToolTest, MipmappedBlockTexturesDecodeOnEveryLevel) {
+TEST_F(ToolTest, CompressedTexturesDecodeOnEveryMipLevel) {
     writePNG("a.png", 100, 50, testimages::Kind::gradient);
     for (const char* format :
          {"dxt1", "bc2", "dxt5", "etc1 -q 1", "moktc-2bpp-rgb -q 0", "moktc-2bpp-rgba -q 1", "moktc-4bpp-rgb -q fastest",
@@ -41,7 +41,7 @@ TEST_F(ToolTest, MipmappedBlockTexturesDecodeOnEveryLevel) {
     }
 }
 
-TEST_F(ToolTest, BlackAndWhiteComesBackOnEveryLevelThatIsBlackAndWhite) {
+TEST_F(ToolTest, BlackAndWhiteRoundTripsOnEveryMipLevel) {
     std::vector<std::uint8_t> stripes(64 * 16 * 4, 255);
     for (std::size_t i = 0; i < stripes.size(); i += i % 128 == 60 ? 68 : 4)
         std::fill_n(&stripes[i], 3, std::uint8_t{0});
@@ -51,11 +51,17 @@ TEST_F(ToolTest, BlackAndWhiteComesBackOnEveryLevelThatIsBlackAndWhite) {
     EXPECT_EQ(compare("bits.mok", "plain.mok", "--levels")["equal"], true);
 }
 
-TEST_F(ToolTest, LevelsThatAreNoWholeBlocksDecodeAsTheDataHasThem) {
-    // An outer size of whole blocks gives the bytes; the same bytes under a smaller size are the cropped picture.
+TEST_F(ToolTest, LevelsThatAreNotMultiplesOfTheBlockDecodeCropped) {
+    // The data of a texture of whole blocks, under a header with a smaller size, decodes to the cropped picture.
     // clang-format off
     const struct { const char* format; std::uint32_t width, height, croppedWidth, croppedHeight; } cases[] = {
-        {"etc1", 8, 8, 5, 7}, {"etc1", 4, 4, 3, 2}, {"dxt1", 8, 8, 5, 7}, {"uyvy", 8, 3, 7, 3}, {"yuy2", 2, 4, 1, 4}, {"bw1", 16, 3, 9, 3}};
+        // format, size, cropped
+        {"etc1",    8, 8,  5, 7},
+        {"etc1",    4, 4,  3, 2},
+        {"dxt1",    8, 8,  5, 7},
+        {"uyvy",    8, 3,  7, 3},
+        {"yuy2",    2, 4,  1, 4},
+        {"bw1",    16, 3,  9, 3}};
     // clang-format on
     for (const auto& [format, width, height, croppedWidth, croppedHeight] : cases) {
         writePNG("a.png", width, height, testimages::Kind::noise);
@@ -90,11 +96,12 @@ TEST_F(ToolTest, EverySliceOfACompressedVolumeDecodes) {
     }
 }
 
-TEST_F(ToolTest, SizesThatBlocksCannotHoldAreRefusedWithTheRemedy) {
+TEST_F(ToolTest, RefusalOfASizeNamesOptionsThatWork) {
     const std::string multipleOf4 = ": each level's width and height must be a multiple of 4, or below 4; use --resize ";
     const std::string powersOfTwo = ": width and height must be powers of two from ";
     // clang-format off
     const struct { std::uint32_t width, height; std::string options, remedy; } cases[] = {
+        // size, options, message behind "cannot hold"
         {500, 300, "dxt1 -m", "level 1 of 250 x 150" + multipleOf4 + "512x256 or --mipmaps=1"},
         {24, 40, "dxt1 -m=3", "level 2 of 6 x 10" + multipleOf4 + "32x48 or --mipmaps=2"},
         {10, 3, "dxt1", "level 0 of 10 x 3" + multipleOf4 + "12x3"},
@@ -115,13 +122,14 @@ TEST_F(ToolTest, SizesThatBlocksCannotHoldAreRefusedWithTheRemedy) {
         const std::string name = options.substr(0, options.find(' '));
         expectRefusal("convert @a.png @a.mok -f " + options, ExitStatus::notSupported,
                       "moktex: " + path("a.png") + ": " + name + " cannot hold " + remedy + '\n');
-        for (std::size_t at = remedy.find("--"); at != std::string::npos; at = remedy.find("--", at + 2))  // each remedy works
+        for (std::size_t at = remedy.find("--"); at != std::string::npos;
+             at = remedy.find("--", at + 2))  // every suggested option works
             expectSuccess("convert @a.png @b.mok -y -f " + options + ' ' + remedy.substr(at, remedy.find(" or", at) - at));
         std::filesystem::remove(path("b.mok"));
     }
 }
 
-TEST_F(ToolTest, EachKindOfBadRequestHasItsStatusAndOneLineAndLeavesNothing) {
+TEST_F(ToolTest, BadRequestsGiveTheirStatusOneLineAndNoFile) {
     writePNG("a.png", 8, 8);
     expectSuccess("convert @a.png @good.mok");
     const std::string mok = read("good.mok"), png = read("a.png");
@@ -137,6 +145,7 @@ TEST_F(ToolTest, EachKindOfBadRequestHasItsStatusAndOneLineAndLeavesNothing) {
     write("taken.mok", "precious");
     // clang-format off
     const struct { ExitStatus status; std::vector<const char*> arguments; } cases[] = {
+        // status                   command lines
         {ExitStatus::commandLine, {"", "convert", "convert @a.png", "convert @a.png @good.mok @new.mok", "convert @good.mok @new.png --level 1"}},
         {ExitStatus::inputOutput, {"convert @none.png @new.mok", "convert @a.png @none/new.mok", "convert @a.png @taken.mok", "info @none.mok",
                                    "compare @a.png @none.png"}},
@@ -154,7 +163,7 @@ TEST_F(ToolTest, EachKindOfBadRequestHasItsStatusAndOneLineAndLeavesNothing) {
         expectRefusal(std::string("convert @a.png @new.mok ") + options, ExitStatus::commandLine);
 }
 
-TEST_F(ToolTest, EveryPrefixOfAPictureIsRefusedOrReadWithoutHarm) {
+TEST_F(ToolTest, TruncatedPicturesDoNotCrash) {
     writePNG("a.png", 5, 3, testimages::Kind::noise);
     const std::string png = read("a.png");
     for (std::size_t size = 0; size < png.size(); ++size)
@@ -186,10 +195,11 @@ TEST_F(ToolTest, StandardStreamsCarryTextures) {
     expectSuccess("compare - @out.png --min-psnr 200", texture);
 }
 
-TEST_F(ToolTest, CurvesAreAppliedOnRequestAloneAndNeverSilently) {
+TEST_F(ToolTest, ColourCurvesAreAppliedOnlyOnRequestAndReported) {
     writePNG("grey.png", 4, 4, std::vector<std::uint8_t>(64, 128));
     // clang-format off
     const struct { const char *options, *line; double expected; const char* label; } cases[] = {
+        // options, message, grey 128 becomes, colour space of the output
         {"", "", 128, "srgb"},
         {"--colour-space srgb", "", 128, "srgb"},
         {"--assign-colour-space linear", "", 128, "linear"},
@@ -208,7 +218,7 @@ TEST_F(ToolTest, CurvesAreAppliedOnRequestAloneAndNeverSilently) {
     }
 }
 
-TEST_F(ToolTest, TextureInTheWantedFormPassesBitForBit) {
+TEST_F(ToolTest, TextureAlreadyInTheRequestedFormatStaysBitForBit) {
     writePNG("a.png", 16, 16, testimages::Kind::noise);
     expectSuccess("convert @a.png @a.mok -f dxt3 -m");
     expectSuccess("convert @a.mok @b.mok");
@@ -217,15 +227,17 @@ TEST_F(ToolTest, TextureInTheWantedFormPassesBitForBit) {
     EXPECT_EQ(read("a.mok"), read("c.mok"));
 }
 
-TEST_F(ToolTest, TexturesAreEncodedAsTheLibraryEncodesThemWholeAndTheLineGoesAway) {
+TEST_F(ToolTest, EncodingImageByImageEqualsTranscodeAndErasesTheProgressLine) {
     const CMOKTextureHeader header(PixelTypeRGBA8.id, 8, 16, 1, 3, 2, 6, eColourSpaceLinear, eVarUByteNorm, true);
     const CMOKTexture source(header, testimages::randomBytes(header.getDataSize(), 7).data());
     ASSERT_TRUE(source.saveFile(path("a.mok").c_str()));
     // clang-format off
     const struct { const char* options; PixelType format; ECompressorQuality quality; bool dithers; } cases[] = {
-        {"etc1 -q 1", eFmtETC1, eCompressorQuality1, false}, {"bw1 --dither", eFmtBW1bpp, eCompressorQuality3, true},
+        // options                       format            quality              dithers
+        {"etc1 -q 1",                    eFmtETC1,         eCompressorQuality1, false},
+        {"bw1 --dither",                 eFmtBW1bpp,       eCompressorQuality3, true},
         {"moktc-2bpp-rgb -q 0 --dither", eFmtMOKTC2bppRGB, eCompressorQuality0, true},
-        {"moktc2-4bpp -q 0", eFmtMOKTCII4bpp, eCompressorQuality0, false}};
+        {"moktc2-4bpp -q 0",             eFmtMOKTCII4bpp,  eCompressorQuality0, false}};
     // clang-format on
     for (const auto& [options, format, quality, dithers] : cases) {
         CMOKTexture whole = source;
@@ -235,12 +247,14 @@ TEST_F(ToolTest, TexturesAreEncodedAsTheLibraryEncodesThemWholeAndTheLineGoesAwa
             isTerminal = onTerminal;
             const std::string told = expectSuccess(std::string("convert @a.mok @b.mok -y -f ") + options).err;
             EXPECT_EQ(read("b.mok"), read("whole.mok")) << options;
-            EXPECT_TRUE(told.empty() || (onTerminal && told.ends_with(" \r"))) << told;
+            if (told.empty()) continue;
+            EXPECT_TRUE(onTerminal) << told;
+            EXPECT_TRUE(told.ends_with(" \r")) << told;
         }
     }
 }
 
-TEST(ProgressLine, IsDrawnOnATerminalAndWipedOut) {
+TEST(ProgressLine, IsDrawnOnATerminalAndErased) {
     EXPECT_EQ(progressText({1, 11}, 3, 12), "3 of 11 levels, 12 s");
     EXPECT_EQ(progressText({1, 1}, 0, 0), "0 of 1 level, 0 s");
     EXPECT_EQ(progressText({12, 4}, 9, 100), "2 of 12 surfaces, 1 of 4 levels, 100 s");
@@ -266,7 +280,7 @@ TEST(ProgressLine, IsDrawnOnATerminalAndWipedOut) {
     EXPECT_EQ(drawn.str(), text);
 }
 
-TEST_F(ToolTest, OpaqueAndWhiteStayWhatTheyAreWhenSizesChange) {
+TEST_F(ToolTest, ResizingKeepsOpaqueWhite) {
     writePNG("white.png", 50, 30, std::vector<std::uint8_t>(50 * 30 * 4, 255));
     for (const char* filter : {"nearest", "linear", "cubic"})
         for (const char* size : {"100x60", "25x15", "37x11", "64x32"}) {
@@ -277,7 +291,7 @@ TEST_F(ToolTest, OpaqueAndWhiteStayWhatTheyAreWhenSizesChange) {
         }
 }
 
-TEST_F(ToolTest, HDRBecomesFloatAndIsClampedWhereTheTargetWouldWrap) {
+TEST_F(ToolTest, HDRBecomesFloatAndIsClampedToTheTargetsRange) {
     // Two pixels: 4, 1, 0.25 and 0, 0, 0.5.
     write("sun.hdr", std::string("#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 1 +X 2\n\x80\x20\x08\x83\x00\x00\x80\x80", 53));
     expectSuccess("convert @sun.hdr @a.mok");
@@ -301,7 +315,7 @@ TEST_F(ToolTest, SixteenBitPNGBecomesA16BitTexture) {
     EXPECT_NE(expectSuccess("convert @a.mok @shallow.png").err.find("8 bits"), std::string::npos);
 }
 
-TEST_F(ToolTest, QuietConversionsAndHelpSayWhatTheyShould) {
+TEST_F(ToolTest, QuietAndHelpPrintTheExpectedText) {
     writePNG("a.png", 4, 4);
     EXPECT_EQ(expectSuccess("convert @a.png @a.mok --quiet").out, "");
     EXPECT_EQ(expectSuccess("convert @a.png @b.mok").out, path("b.mok") + ": rgba8888, 4 x 4, 1 level, srgb, 116 bytes\n");

@@ -17,10 +17,11 @@ Bytes greys(std::initializer_list<int> values) {
 
 }  // namespace
 
-TEST_F(ToolTest, OperationsGiveWhatIsWorkedByHand) {
+TEST_F(ToolTest, OperationsGiveHandComputedPixels) {
     const Bytes abc = greys({10, 20, 30}), colour = {200, 100, 50, 128};
     // clang-format off
     const struct { const char* options; std::uint32_t width; Bytes input; std::uint32_t expectedWidth; Bytes expected; } cases[] = {
+        // options, width and pixels before, width and pixels after
         {"--flip x", 3, abc, 3, greys({30, 20, 10})},
         {"--flip y", 1, abc, 1, greys({30, 20, 10})},
         {"--rotate90 z", 1, abc, 3, greys({30, 20, 10})},
@@ -48,7 +49,7 @@ TEST_F(ToolTest, OperationsGiveWhatIsWorkedByHand) {
     }
 }
 
-TEST_F(ToolTest, OperationsAndLevelsKeepTheirOrderAndStayBehindTheChangeOfSize) {
+TEST_F(ToolTest, OperationsKeepTheirOrderAfterTheChangeOfSize) {
     writePNG("a.png", 16, 8, testimages::Kind::cutOut);
     expectSuccess("convert @a.png @first.mok --bleed --mips --resize 8x8");
     expectSuccess("convert @a.png @last.mok --resize 8x8 --mips --bleed");
@@ -62,7 +63,7 @@ TEST_F(ToolTest, OperationsAndLevelsKeepTheirOrderAndStayBehindTheChangeOfSize) 
     EXPECT_NE(levels[1]["channels"]["rgba"]["mse"], 0);
 }
 
-TEST_F(ToolTest, OperationsLeaveTheirMarksInTheHeader) {
+TEST_F(ToolTest, OperationsUpdateTheHeader) {
     writePNG("a.png", 8, 4);
     expectSuccess("convert @a.png @b.mok --border 2x1 --rotate90 z --premultiply --normal-map 2:xyzh -f rgba8888");
     const nlohmann::json description = info("b.mok");
@@ -74,7 +75,7 @@ TEST_F(ToolTest, OperationsLeaveTheirMarksInTheHeader) {
     EXPECT_EQ(expectSuccess("convert @b.mok @c.mok -f rgb888").err, "") << "no curve behind normals";
 }
 
-TEST_F(ToolTest, WideChannelsKeepEveryValueThroughOperationsThatOnlyMoveThem) {
+TEST_F(ToolTest, OperationsThatMovePixelsKeepAll16BitValues) {
     writePNG("a.png", 256, 256);
     expectSuccess("convert @a.png @a.mok -f rgba16161616");
     std::string bytes = read("a.mok").substr(0, read("a.mok").size() - 256 * 256 * 8);
@@ -89,7 +90,7 @@ TEST_F(ToolTest, WideChannelsKeepEveryValueThroughOperationsThatOnlyMoveThem) {
     EXPECT_EQ(read("set.mok").substr(bytes.size() - 6, 2), std::string("\x2C\x01"));
 }
 
-TEST_F(ToolTest, OperationsThatWouldSpoilATextureAreRefusedWithTheRemedy) {
+TEST_F(ToolTest, RefusalOfAnOperationNamesTheRemedy) {
     writePNG("a.png", 8, 4);
     expectSuccess("convert @a.png @wide.mok -f rgba16161616");
     expectSuccess("convert @a.png @float.mok -f rgba32323232");
@@ -101,6 +102,7 @@ TEST_F(ToolTest, OperationsThatWouldSpoilATextureAreRefusedWithTheRemedy) {
     write("volume.mok", {image.begin(), image.end()});
     // clang-format off
     const struct { ExitStatus status; const char* remedy; std::vector<const char*> arguments; } cases[] = {
+        // status                   part of the message, command lines
         {ExitStatus::notSupported, "rgba8888", {"@wide.mok --premultiply", "@float.mok --premultiply", "@a.png --normal-map 1 --premultiply"}},
         {ExitStatus::notSupported, "leave it out", {"@done.mok --premultiply", "@a.png --premultiply --premultiply"}},
         {ExitStatus::notSupported, "before --premultiply", {"@a.png --premultiply --bleed"}},

@@ -1,5 +1,5 @@
-# DDS files of ImageMagick load, what moktex writes ImageMagick reads, and both decode alike, within what the palette's weights of
-# 42 and 22 over 64 differ from thirds.
+# Reads DDS files of ImageMagick with moktex and the reverse. Both decode to the same pixels, except that this library weights the
+# palette by 42/64 and 22/64 instead of thirds.
 #   cmake -DMOKTEX=... -DCONVERT=... -DPICTURE=... -DWORK=... -P other_dds_tools.cmake
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})

@@ -27,7 +27,7 @@ struct ToolRun {
     std::string out, err;
 };
 
-/// Runs commands in this process, in a folder of the test's own.
+/// Runs commands in this process, in a temporary folder.
 class ToolTest : public testing::Test {
 protected:
     ToolTest() : folder(std::filesystem::temp_directory_path() / ("moktex_test_" + std::to_string(std::random_device()()))) {
@@ -37,7 +37,7 @@ protected:
 
     std::string path(const std::string& name) const { return (folder / name).string(); }
 
-    /// Arguments in one string, separated by blanks; a word with a leading '@' is a file of the test's folder, '' an empty one.
+    /// Runs a command line, split at blanks; a word with a leading '@' is a file in the test's folder, '' an empty argument.
     ToolRun run(const std::string& commandLine, const std::string& input = "") const {
         std::istringstream words(commandLine), in(input);
         std::vector<std::string> arguments;
@@ -48,19 +48,20 @@ protected:
         const ExitStatus status = moktextool::runMoktex(arguments, console);
         return {status, out.str(), err.str()};
     }
-    /// The same, where nothing may go wrong.
+    /// The same, expecting success.
     ToolRun expectSuccess(const std::string& commandLine, const std::string& input = "") const {
         ToolRun result = run(commandLine, input);
         EXPECT_EQ(result.status, ExitStatus::success) << commandLine << '\n' << result.err;
         return result;
     }
 
-    /// Refused by one line on the error stream that holds `remedy`, and with every file of the folder as it was.
+    /// Expects a status, one line on the error stream that contains `remedy`, and no changed file.
     void expectRefusal(const std::string& commandLine, ExitStatus status, const std::string& remedy = "") const {
         const std::map<std::string, std::string> before = files();
         const ToolRun result = run(commandLine);
         EXPECT_EQ(result.status, status) << commandLine;
-        EXPECT_TRUE(result.err.starts_with("moktex: ") && result.err.find('\n') == result.err.size() - 1) << result.err;
+        EXPECT_TRUE(result.err.starts_with("moktex: ")) << result.err;
+        EXPECT_EQ(result.err.find('\n'), result.err.size() - 1) << result.err;
         EXPECT_NE(result.err.find(remedy), std::string::npos) << commandLine << '\n' << result.err;
         EXPECT_EQ(result.out, "") << commandLine;
         EXPECT_TRUE(files() == before) << commandLine;
@@ -90,7 +91,7 @@ protected:
         const auto* pixels = static_cast<const std::uint8_t*>(picture.getDataPtr());
         return {pixels, pixels + picture.getDataSize()};
     }
-    /// The files in the folder and what they hold.
+    /// The names of the files in the folder and their contents.
     std::map<std::string, std::string> files() const {
         std::map<std::string, std::string> found;
         for (const auto& entry : std::filesystem::directory_iterator(folder))
@@ -106,5 +107,5 @@ protected:
     bool areEqual(const std::string& a, const std::string& b) const { return compare(a, b)["equal"]; }
 
     std::filesystem::path folder;
-    bool isTerminal = false;  ///< what the commands are told of their error stream
+    bool isTerminal = false;  ///< whether the error stream counts as a terminal
 };

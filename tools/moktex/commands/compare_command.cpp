@@ -18,14 +18,14 @@ namespace moktextool {
 
 namespace {
 
-/// How far two sets of values lie apart, in units of the pixels: 0 to `peak` of the comparison.
+/// The difference of two sets of values, in units of the channels: 0 to peakOf().
 struct ChannelDifference {
     double meanSquaredError;
     double psnr;     ///< in decibels; infinite if all values are equal
     double largest;  ///< of the absolute differences
 };
 
-/// Places in LevelDifference::channels: red, green, blue, alpha, the means over three and four of them, and the mean over three
+/// The entries of LevelDifference::channels: single channels, the means over three and four of them, and the mean over three
 /// weighted as the eye sees them: 0.299, 0.587 and 0.114.
 constexpr std::array differenceNames = {"r", "g", "b", "a", "rgb", "rgba", "weighted"};
 constexpr std::size_t overAll = 5;
@@ -77,7 +77,7 @@ ChannelDifference join(const Sums& sums, std::size_t first, std::size_t count, d
     return differenceFrom(squares / static_cast<double>(sums.pixels * count), largest, peak);
 }
 
-/// Red, green and blue taken together by their weights.
+/// Red, green and blue together, weighted.
 ChannelDifference joinWeighted(const Sums& sums, double peak) {
     const double squares = 0.299 * sums.squares[0] + 0.587 * sums.squares[1] + 0.114 * sums.squares[2];
     return differenceFrom(squares / static_cast<double>(sums.pixels), join(sums, 0, 3, peak).largest, peak);
@@ -120,7 +120,7 @@ void requireEqualSize(const CMOKTextureHeader& a, const CMOKTextureHeader& b, co
                       "; compare equal sizes, 'moktex convert --resize' helps");
 }
 
-/// 8 bits, unless both sides hold more; floats if either of those is float or wider than 16 bits.
+/// 8 bits, unless both textures have more; then floats if either is float or wider than 16 bits, else 16 bits.
 TextureFormat commonFormat(const TextureFormat& a, const TextureFormat& b) {
     const auto isFloat = [](const TextureFormat& format) {
         return !isCompressed(format.pixelType) && format.channelType == eVarFloat;
@@ -131,7 +131,7 @@ TextureFormat commonFormat(const TextureFormat& a, const TextureFormat& b) {
     return needsFloat ? rgbaFloatFormat : rgba16Format;
 }
 
-/// Both sides in one format, as they are stored: no curve is applied.
+/// Both textures in one format, with the stored values: no curve is applied.
 struct ComparedPair {
     CMOKTexture a, b;
     std::uint32_t levels;
@@ -169,7 +169,7 @@ void printLevel(const LevelDifference& level, std::ostream& out) {
     }
 }
 
-/// Infinite numbers become null.
+/// Infinite numbers are null in JSON.
 Json levelJson(const LevelDifference& level) {
     Json channels;
     for (std::size_t i = 0; i < differenceNames.size(); ++i) {

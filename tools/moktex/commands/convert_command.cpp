@@ -26,17 +26,17 @@ ResizeRequest parseResize(const std::string& text) {
     return size;
 }
 
-/// One input and where it goes.
+/// One input and its output.
 struct Job {
     std::string input;
     std::string output;
 };
 
-/// Takes the last of two paths as the output where -o is not given.
+/// Without -o, the last of two paths is the output.
 void takeOutputFromPaths(ConvertArguments& arguments) {
     if (!arguments.output.empty()) return;
     if (arguments.paths.size() != 2)
-        throw Failure(ExitStatus::commandLine, arguments.paths.front(), "the output is not clear; name it by -o OUT");
+        throw Failure(ExitStatus::commandLine, arguments.paths.front(), "no output; name it by -o OUT");
     arguments.output = arguments.paths.back();
     arguments.paths.pop_back();
 }
@@ -56,7 +56,7 @@ std::vector<Job> planJobs(const ConvertArguments& arguments) {
     std::set<std::string> taken;
     for (const std::string& input : arguments.paths) {
         if (input == standardStream)
-            throw Failure(ExitStatus::commandLine, "standard input has no name in a folder; name a file by -o");
+            throw Failure(ExitStatus::commandLine, "standard input has no name for a file in a folder; name a file by -o");
         jobs.push_back({input, (fs::path(output) / fs::path(input).stem()).string() + ".mok"});
         if (!taken.insert(jobs.back().output).second)
             throw Failure(ExitStatus::commandLine, input,
@@ -65,7 +65,7 @@ std::vector<Job> planJobs(const ConvertArguments& arguments) {
     return jobs;
 }
 
-/// Makes the folder for several outputs if it is missing; true if it did.
+/// Creates the folder for several outputs if it is missing; true if it did.
 bool makeFolder(const ConvertArguments& arguments) {
     if (!goesToFolder(arguments)) return false;
     std::error_code error;

@@ -14,7 +14,7 @@ namespace moktextool {
 
 namespace {
 
-/// The uncompressed layouts that are met most; any other that follows the rule works as well.
+/// The most common uncompressed formats. Others are accepted as well.
 constexpr const char* commonLayouts[] = {"rgba8888",
                                          "bgra8888",
                                          "rgb888",
@@ -45,17 +45,17 @@ constexpr const char* commonLayouts[] = {"rgba8888",
 constexpr const char* explanation =
     "An uncompressed format is written as its channels and their bits: letters r g b a, l (luminance), i (intensity),\n"
     "x (ignored), then a number for each, joined or with dots, 'rgb565', 'abgr2.10.10.10'. Channels of 8, 16 or 32 bits\n"
-    "lie one behind the other; others are packed in one word, the first in its highest bits.\n"
+    "are stored one after the other; others are packed in one word, the first in its highest bits.\n"
     "The channel type follows a colon: ubytenorm, sbytenorm, ubyte, sbyte, ushortnorm, sshortnorm, ushort, sshort,\n"
-    "uintnorm, sintnorm, uint, sint, float. It may be left out where it is the usual one: unsigned and normalised, as\n"
-    "wide as the channels or the word; float for channels of 32 bits.\n";
+    "uintnorm, sintnorm, uint, sint, float. The default is unsigned and normalised, as wide as the\n"
+    "channels or the word; float for channels of 32 bits.\n";
 
 constexpr const char* numbersExplanation =
-    "OpenGL's numbers are internal format, format and type; '-' is a format without a number. Files of .ktx hold the\n"
-    "formats with a number of OpenGL, files of .dds most of those with one of Direct3D 9. Most\n"
-    "compressed formats have a number of DXGI with the channel type uintnorm alone.\n";
+    "OpenGL's numbers are internal format, format and type; '-' is a format without a number. A .ktx file can hold the\n"
+    "formats with an OpenGL number, a .dds file most of those with a Direct3D 9 number. Most compressed formats have a\n"
+    "DXGI number only with the channel type uintnorm.\n";
 
-/// The numbers of a format in linear colour space, and DXGI's in sRGB too.
+/// The numbers of a format in linear colour space, and that of DXGI also in sRGB.
 Json describeNumbers(const TextureFormat& format) {
     CMOKTextureHeader header;
     header.setPixelFormat(format.pixelType);
@@ -70,23 +70,23 @@ Json describeNumbers(const TextureFormat& format) {
 Json describe(const TextureFormat& format, bool withNumbers) {
     CMOKTextureHeader header;
     header.setPixelFormat(format.pixelType);
-    const CompressedFormat* row = findCompressed(format.pixelType);
+    const FormatInfo* info = findCompressed(format.pixelType);
     Json description = {{"name", nameOf(format)},
-                        {"otherName", row != nullptr && row->otherName != nullptr ? Json(row->otherName) : Json()},
-                        {"compressed", row != nullptr},
+                        {"otherName", info != nullptr && info->otherName != nullptr ? Json(info->otherName) : Json()},
+                        {"compressed", info != nullptr},
                         {"bitsPerPixel", header.getBitsPerPixel()},
-                        {"blockWidth", row != nullptr ? row->blockWidth : 1},
-                        {"blockHeight", row != nullptr ? row->blockHeight : 1},
-                        {"decodes", row == nullptr || row->hasDecoder},
-                        {"encodes", row == nullptr || row->hasEncoder}};
+                        {"blockWidth", info != nullptr ? info->sizeBlock.width : 1},
+                        {"blockHeight", info != nullptr ? info->sizeBlock.height : 1},
+                        {"decodes", info == nullptr || info->hasDecoder},
+                        {"encodes", info == nullptr || info->hasEncoder}};
     if (withNumbers) description["apiNumbers"] = describeNumbers(format);
     return description;
 }
 
 Json describeAll(bool withNumbers) {
     Json formats = Json::array();
-    for (const CompressedFormat& row : compressedFormats())
-        formats.push_back(describe({row.id, eVarUByteNorm}, withNumbers));
+    for (unsigned int id = 0; id < eFmtUnknown; ++id)
+        formats.push_back(describe({id, eVarUByteNorm}, withNumbers));
     for (const char* layout : commonLayouts)
         formats.push_back(describe(parseFormat(layout), withNumbers));
     return formats;

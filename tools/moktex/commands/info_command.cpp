@@ -15,7 +15,7 @@ namespace moktextool {
 
 namespace {
 
-/// Strings from files may hold any byte: those that are no UTF-8 are replaced.
+/// Strings from files may hold any bytes; invalid UTF-8 is replaced.
 std::string dump(const Json& json, int indent = -1) {
     return json.dump(indent, ' ', indent < 0, Json::error_handler_t::replace);
 }
@@ -26,7 +26,7 @@ std::string orientationText(const CMOKTextureHeader& header) {
     return x + ", " + y + (header.getOrientation(eAxisZ) != 0 ? ", out" : ", in");
 }
 
-/// The metadata that the library knows, by topic.
+/// The metadata entries that the library itself defines.
 Json describeTopics(const CMOKTextureHeader& header) {
     Json topics = Json::object();
     if (header.hasMetaData(MOKTextureHeaderV3::magic, 3)) topics["orientation"] = orientationText(header);

@@ -5,10 +5,10 @@
 
 namespace moktextool {
 
-/// A file beside another one that vanishes unless it is moved to its final name.
+/// A file in the folder of the target that is deleted unless it is moved to its final name.
 class TemporaryFile {
 public:
-    /// Chooses a name; the file is not made yet.
+    /// Chooses a name; the file is not created yet.
     explicit TemporaryFile(const std::filesystem::path& target);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;

@@ -24,7 +24,7 @@ constexpr std::array containerExtensions = {".mok", ".ktx", ".dds", ".h"};
 
 // clang-format off
 constexpr LegacyApiName legacyApis[] = {
-    // name    part of the numbering
+    // name    family of format numbers
     {"gl-a",   eLegacyApiGLFamilyA},
     {"gl-b",   eLegacyApiGLFamilyB},
     {"gl-c",   eLegacyApiGLFamilyC},
@@ -52,7 +52,7 @@ std::string joinChoices(const std::vector<std::string>& choices) {
     return text;
 }
 
-/// The smallest texture that poses the same question to a layout.
+/// A texture of one pixel that a layout can hold if and only if it can hold the real one.
 CMOKTexture sampleOf(const CMOKTextureHeader& header) {
     return {CMOKTextureHeader(header.getPixelType().id, 1, 1, 1, 1, 1, 1, header.getColourSpace(), header.getChannelType(),
                               header.isPreMultiplied()),
@@ -105,7 +105,7 @@ std::array<unsigned char, 3> colourOf(CMOKTexture pixel) {
     return colour;
 }
 
-/// Writes and reads one pixel that has other bytes in each place, and tells if its colour changes.
+/// Writes and reads one pixel whose bytes all differ; returns a warning if its colour changes.
 std::string colourCaveat(const CMOKTextureHeader& header, const std::string& extension) {
     CMOKTexture sample = sampleOf(header);
     if (isCompressed(header.getPixelType())) return "";
@@ -121,7 +121,7 @@ std::string colourCaveat(const CMOKTextureHeader& header, const std::string& ext
            ", which gives other colours; choose another --format to be read there";
 }
 
-/// What a C array may be called for a file.
+/// The file's name as a C identifier.
 std::string arrayName(const std::string& path) {
     std::string name = fs::path(path).stem().string();
     for (char& letter : name) {
@@ -173,7 +173,7 @@ std::span<const LegacyApiName> legacyApiNames() {
 
 void requireLegacyPath(const OutputTarget& target) {
     if (target.legacyApi && extensionOf(target.path) != ".mok")
-        throw Failure(ExitStatus::commandLine, target.path, "--legacy writes .mok files alone; name one");
+        throw Failure(ExitStatus::commandLine, target.path, "--legacy writes .mok files only; name one");
 }
 
 void requireHoldable(const CMOKTextureHeader& header, const OutputTarget& target) {
@@ -188,7 +188,7 @@ std::string containerCaveat(const CMOKTextureHeader& header, const OutputTarget&
     const bool isForeign = extension == ".dds" || extension == ".ktx";
     if (!isForeign || target.path == standardStream) return "";
     if (extension == ".dds" && (header.getDepth() > 1 || header.getNumArrayMembers() > 1))
-        return "a .dds file does not tell of slices and array layers; readers find the first one alone";
+        return "a .dds file does not record slices and array layers; readers find only the first one";
     return colourCaveat(header, extension);
 }
 

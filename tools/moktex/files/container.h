@@ -19,10 +19,10 @@ std::string extensionOf(const std::string& path);
 bool isContainerExtension(const std::string& extension);
 /// Whether textures are read from such a file: .mok, .ktx or .dds.
 bool isReadableExtension(const std::string& extension);
-/// Whether bytes start like a texture of any layout, the legacy one too.
+/// Whether `bytes` start like a texture file of any layout, including the legacy one.
 bool startsLikeTexture(std::span<const unsigned char> bytes);
 
-/// The parts of the legacy numbering by their names on the command line.
+/// A family of the legacy format numbers and its name on the command line.
 struct LegacyApiName {
     const char* name;
     moktexture::ELegacyApi api;
@@ -35,16 +35,16 @@ struct OutputTarget {
     std::optional<moktexture::ELegacyApi> legacyApi;  ///< set for the legacy layout
 };
 
-/// A Failure if the legacy layout is asked for where it is not written.
+/// A Failure if the legacy layout is requested for a file other than .mok.
 void requireLegacyPath(const OutputTarget& target);
-/// A Failure that names what can hold such a texture, if the target's layout cannot. Format, channel type, colour space,
-/// premultiplication and depth count.
+/// A Failure if the target's layout cannot hold such a texture; it names the layouts that can. This depends on format, channel
+/// type, colour space, premultiplication and depth.
 void requireHoldable(const moktexture::CMOKTextureHeader& header, const OutputTarget& target);
-/// What readers of such a file will get wrong about the texture: its colours, or slices and array members; "" if nothing.
-/// Formats that cannot be read back at all are not told of.
+/// A warning about what readers of such a file will get wrong: colours, or slices and array layers; "" if nothing.
+/// Formats that cannot be read back at all give no warning.
 std::string containerCaveat(const moktexture::CMOKTextureHeader& header, const OutputTarget& target);
-/// The image of a texture file by the extension of its path. The array of C source is named for the path.
-/// Empty if that cannot be.
+/// The bytes of a texture file, in the layout given by the path's extension. The array in C source is named after the path.
+/// Empty if the layout cannot hold the texture.
 std::vector<unsigned char> encodeContainer(const moktexture::CMOKTexture& texture, const std::string& path);
 
 }  // namespace moktextool

@@ -10,10 +10,10 @@ namespace moktextool {
 
 /// Whether a path ends like a PNG, JPEG, TGA, BMP or HDR file.
 bool hasPictureExtension(const std::string& path);
-/// Whether bytes look like such a file.
+/// Whether `bytes` are such a file, judged by their header.
 bool looksLikePicture(std::span<const unsigned char> bytes);
 
-/// Decodes a picture file: to RGBA8, a 16-bit PNG to RGBA16, both labelled sRGB, as pictures are; HDR to linear float RGBA.
+/// Decodes a picture file: to sRGB RGBA8, a 16-bit PNG to sRGB RGBA16, HDR to linear float RGBA.
 /// A Failure that names `file` if it is broken or too large.
 moktexture::CMOKTexture decodePicture(std::span<const unsigned char> bytes, const std::string& file);
 

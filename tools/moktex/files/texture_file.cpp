@@ -51,8 +51,9 @@ Failure loadFailure(ELoadStatus status, const std::string& name) {
         case eLoadTooLarge:
             return {ExitStatus::notSupported, name, what + "; use a smaller texture"};
         case eLoadUnsupported:
-            return {ExitStatus::notSupported, name,
-                    what + "; export it as KTX 1 with all counts told, as DDS without pitch and extended head, or as a picture"};
+            return {
+                ExitStatus::notSupported, name,
+                what + "; export it as KTX 1 with all counts given, as DDS without pitch and extended header, or as a picture"};
         case eLoadTruncated:
             return {ExitStatus::invalidInput, name, what + "; copy or export it again"};
         case eLoadCorrupt:
@@ -75,7 +76,7 @@ std::vector<unsigned char> encode(const moktexture::CMOKTexture& texture, const 
     return image;
 }
 
-/// Writes the legacy layout, which the library writes to files alone.
+/// Writes the legacy layout, which the library can write only to files.
 void writeLegacy(const moktexture::CMOKTexture& texture, const OutputTarget& target, const TemporaryFile& file) {
     requireHoldable(texture, target);
     if (!file.write({})) throw Failure(ExitStatus::inputOutput, target.path, writingFailed);

@@ -9,26 +9,26 @@ namespace moktextool {
 
 struct Console;
 
-/// A texture and what it came from.
+/// A texture and the kind of file that it came from.
 struct TextureInput {
     moktexture::CMOKTexture texture;
     bool isPicture;
 };
 
-/// Reads a picture or texture from a file or, for "-", from standard input. Content decides what it is, then the extension.
-/// A Failure that names the file if that is not possible.
+/// Reads a picture or texture from a file or, for "-", from standard input. The content decides which of both it is, then the
+/// extension. A Failure that names the file if it cannot be read.
 TextureInput readTexture(const std::string& path, Console& console);
 
 enum class OutputKind { texture, picture };
 
-/// What a path's extension asks for; "-" is a texture. A Failure for extensions that cannot be written.
+/// The kind of output that a path's extension selects; "-" is a texture. A Failure for other extensions.
 OutputKind outputKind(const std::string& path);
 
-/// A Failure if the path is taken and may not be overwritten, or cannot be a file.
+/// A Failure if the path exists and `overwrite` is not set, or cannot be a file.
 void requireWritable(const std::string& path, bool overwrite);
 
-/// Writes a texture, or the RGBA8 picture in it, to a file or, for "-", to standard output. A file appears under its name when it
-/// is complete, or not at all.
+/// Writes a texture, or the RGBA8 picture in it, to a file or, for "-", to standard output. The file
+/// appears under its name only when it is complete.
 /// @return the number of bytes written
 std::size_t writeTexture(const moktexture::CMOKTexture& texture, const OutputTarget& output, Console& console);
 

@@ -16,39 +16,6 @@ namespace moktextool {
 namespace {
 
 // clang-format off
-constexpr CompressedFormat formats[] = {
-    // id               name               other name  block   decodes encodes
-    {eFmtMOKTC2bppRGB,  "moktc-2bpp-rgb",  nullptr,    16, 8,  true,   true},
-    {eFmtMOKTC2bppRGBA, "moktc-2bpp-rgba", nullptr,    16, 8,  true,   true},
-    {eFmtMOKTC4bppRGB,  "moktc-4bpp-rgb",  nullptr,     8, 8,  true,   true},
-    {eFmtMOKTC4bppRGBA, "moktc-4bpp-rgba", nullptr,     8, 8,  true,   true},
-    {eFmtMOKTCII2bpp,   "moktc2-2bpp",     nullptr,     8, 4,  true,   true},
-    {eFmtMOKTCII4bpp,   "moktc2-4bpp",     nullptr,     4, 4,  true,   true},
-    {eFmtETC1,          "etc1",            nullptr,     4, 4,  true,   true},
-    {eFmtDXT1,          "dxt1",            "bc1",       4, 4,  true,   true},
-    {eFmtDXT2,          "dxt2",            nullptr,     4, 4,  true,   true},
-    {eFmtDXT3,          "dxt3",            "bc2",       4, 4,  true,   true},
-    {eFmtDXT4,          "dxt4",            nullptr,     4, 4,  true,   true},
-    {eFmtDXT5,          "dxt5",            "bc3",       4, 4,  true,   true},
-    {eFmtBC4,           "bc4",             nullptr,     4, 4,  false,  false},
-    {eFmtBC5,           "bc5",             nullptr,     4, 4,  false,  false},
-    {eFmtBC6,           "bc6",             nullptr,     1, 1,  false,  false},
-    {eFmtBC7,           "bc7",             nullptr,     1, 1,  false,  false},
-    {eFmtUYVY,          "uyvy",            nullptr,     2, 1,  true,   true},
-    {eFmtYUY2,          "yuy2",            nullptr,     2, 1,  true,   true},
-    {eFmtBW1bpp,        "bw1",             nullptr,     8, 1,  true,   true},
-    {eFmtRGB9E5,        "rgb9e5",          nullptr,     1, 1,  false,  false},
-    {eFmtRGBG8888,      "rgbg8888",        nullptr,     2, 1,  false,  false},
-    {eFmtGRGB8888,      "grgb8888",        nullptr,     2, 1,  false,  false},
-    {eFmtETC2RGB,       "etc2-rgb",        nullptr,     1, 1,  false,  false},
-    {eFmtETC2RGBA,      "etc2-rgba",       nullptr,     1, 1,  false,  false},
-    {eFmtETC2RGBA1,     "etc2-rgba1",      nullptr,     1, 1,  false,  false},
-    {eFmtEACR11U,       "eac-r11",         nullptr,     1, 1,  false,  false},
-    {eFmtEACR11S,       "eac-r11s",        nullptr,     1, 1,  false,  false},
-    {eFmtEACRG11U,      "eac-rg11",        nullptr,     1, 1,  false,  false},
-    {eFmtEACRG11S,      "eac-rg11s",       nullptr,     1, 1,  false,  false},
-};
-
 // By EMOKTVariableType.
 constexpr std::array typeNames = {
     "ubytenorm",  "sbytenorm",  "ubyte",  "sbyte",
@@ -64,7 +31,7 @@ unsigned int storageWidth(EMOKTVariableType type) {
     return type <= eVarSByte ? 8 : type <= eVarSShort ? 16 : 32;
 }
 
-/// Letters and bits of a layout, without the positions that are not in use.
+/// Letters and bits of the channels of a layout, without unused positions.
 struct Channels {
     std::string letters;
     std::vector<unsigned int> bits;
@@ -136,7 +103,7 @@ std::string wordProblem(const Channels& channels, EMOKTVariableType type) {
     const unsigned int storage = storageWidth(type);
     if (channels.allHave(storage)) return "";
     if (channels.someHave(storage) || channels.total() / channels.bits.size() == storage)
-        return "a channel as wide as the channel type stands beside others that are not";
+        return "some channels are as wide as the channel type and others are not";
     if (channels.total() > (isSigned(type) ? 32u : 64u)) return "too many bits to be packed in one word";
     if (*std::max_element(channels.bits.begin(), channels.bits.end()) > 32) return "a channel has more than 32 bits";
     return "";
@@ -144,31 +111,24 @@ std::string wordProblem(const Channels& channels, EMOKTVariableType type) {
 
 constexpr std::array names = {"fastest", "fast", "medium", "thorough", "verythorough", "exhaustive"};
 
-/// ETC1's efforts by name. Even numbers measure errors in a way that spoils some dark blocks, so names take the odd ones.
+/// ETC1's qualities by name. Even qualities encode some dark blocks badly, so names select odd ones.
 constexpr std::array<unsigned int, names.size()> namedETC1 = {1, 1, 3, 3, 5, 5};
 
 constexpr ECompressorQuality defaultQuality = eCompressorQuality3;
 
 }  // namespace
 
-std::span<const CompressedFormat> compressedFormats() {
-    return formats;
-}
-
-bool isFirstMOKTC(PixelType format) {
-    return format.id <= eFmtMOKTC4bppRGBA;
-}
-
-const CompressedFormat* findCompressed(PixelType format) {
-    const auto found = std::find_if(std::begin(formats), std::end(formats), [=](const auto& row) { return row.id == format.id; });
-    return found == std::end(formats) ? nullptr : &*found;
+const FormatInfo* findCompressed(PixelType format) {
+    const FormatInfo& info = GetFormatInfo(format);
+    return info.format == eFmtUnknown ? nullptr : &info;
 }
 
 TextureFormat parseFormat(const std::string& name) {
     std::string text = name;
     std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    for (const CompressedFormat& row : formats) {
-        if (text == row.name || (row.otherName != nullptr && text == row.otherName)) return {row.id, eVarUByteNorm};
+    for (unsigned int id = 0; id < eFmtUnknown; ++id) {
+        const FormatInfo& info = GetFormatInfo(id);
+        if (text == info.name || (info.otherName != nullptr && text == info.otherName)) return {id, eVarUByteNorm};
     }
     const std::size_t colon = std::min(text.find(':'), text.size());
     const std::optional<PixelType> layout = parseLayout(text.substr(0, colon));
@@ -186,7 +146,7 @@ TextureFormat parseFormat(const std::string& name) {
 }
 
 std::string nameOf(const TextureFormat& format) {
-    if (const CompressedFormat* row = findCompressed(format.pixelType)) return row->name;
+    if (const FormatInfo* info = findCompressed(format.pixelType)) return info->name;
     if (isCompressed(format.pixelType)) return "unknown-" + std::to_string(format.pixelType.id);
     if (layoutProblem(format).empty())
         return layoutText(format.pixelType) +
@@ -221,21 +181,21 @@ std::string layoutProblem(const TextureFormat& format) {
         if (isUsed != (format.pixelType.layout.channelBits[i] != 0) || isUsed != (format.pixelType.layout.channelName[i] != 0))
             return "a channel without bits, or bits without a channel";
         if (isUsed && std::count(channels.letters.begin(), channels.letters.end(), channels.letters[i]) > 1)
-            return "a channel stands twice";
+            return "a channel appears twice";
     }
-    if (count == 0 || channels.letters.find_first_not_of("rgbalix") != std::string::npos) return "channels are of r g b a l i x";
+    if (count == 0 || channels.letters.find_first_not_of("rgbalix") != std::string::npos)
+        return "channels must be of r g b a l i x";
     if (format.channelType > eVarFloat) return "the channel type is unknown";
     if (channels.total() % 8 != 0) return "the bits of a pixel must add up to whole bytes";
     if (format.channelType != eVarFloat) return wordProblem(channels, format.channelType);
     const bool areSmall =
         std::all_of(channels.bits.begin(), channels.bits.end(), [](unsigned int b) { return b == 10 || b == 11; });
     if (channels.allHave(32) || channels.allHave(16) || areSmall) return "";
-    return "float channels have 32 bits, or 16, or 11 and 10";
+    return "float channels must have 32 bits, 16 bits, or 11 and 10 bits";
 }
 
 void requireDecodable(const TextureFormat& format, const std::string& file) {
-    const CompressedFormat* row = findCompressed(format.pixelType);
-    if (isCompressed(format.pixelType) && (row == nullptr || !row->hasDecoder))
+    if (isCompressed(format.pixelType) && !GetFormatInfo(format.pixelType).hasDecoder)
         throw Failure(ExitStatus::notSupported, file,
                       "its format " + nameOf(format) + " has no decoder; 'moktex formats' lists those that have");
     if (!isCompressed(format.pixelType) && !layoutProblem(format).empty())

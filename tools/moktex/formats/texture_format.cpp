@@ -18,7 +18,7 @@ namespace {
 /// The next float below 1: the largest value that does not wrap in a 32-bit integer channel.
 constexpr float belowOne = 0x1.FFFFFEp-1F;
 
-/// The values that a format holds without wrapping.
+/// The values that a format can hold without wrapping.
 struct ValueRange {
     float low;
     float high;
@@ -30,13 +30,13 @@ ValueRange rangeOf(const TextureFormat& format) {
     if (isCompressed(format.pixelType)) return {0.0F, 1.0F, 0.0F};
     if (format.channelType == eVarFloat) return {bits == 16 ? -65504.0F : 0.0F, 65504.0F, 0x1p-15F};
     const float high = bits == 32 ? belowOne : 1.0F;
-    // Negative values are stored as a magnitude whose scale is one larger, so -1 itself has no place.
+    // Negative values are stored as a magnitude whose scale is one larger, so -1 itself cannot be stored.
     if (isSigned(format.channelType))
         return {-std::min(belowOne, 1.0F - std::ldexp(1.0F, 1 - static_cast<int>(bits))), high, 0.0F};
     return {0.0F, high, 0.0F};
 }
 
-/// Brings float values into a range; NaN becomes 0. Returns whether a value outside was met.
+/// Clamps values to a range; NaN becomes 0. Returns whether any value changed by more than rounding.
 bool clampValues(std::span<float> values, const ValueRange& range) {
     bool clamped = false;
     for (float& value : values) {
@@ -48,7 +48,8 @@ bool clampValues(std::span<float> values, const ValueRange& range) {
     return clamped;
 }
 
-/// Whether a conversion goes by way of floats: values could be out of range, or would be rounded before and after the curve.
+/// Whether a conversion takes floats as an intermediate step: because values could be out of range, or would be rounded twice,
+/// before and after the curve.
 bool needsFloats(const TextureFormat& source, const TextureFormat& target, bool hasCurve) {
     if (target.channelType == eVarFloat && !isCompressed(target.pixelType) && widestChannel(target) == 32) return false;
     return source.channelType == eVarFloat || isSigned(source.channelType) || target.channelType == eVarFloat ||
@@ -60,7 +61,7 @@ void transcode(CMOKTexture& texture, const FormatChange& change, const std::stri
                    change.dither)) {
         throw Failure(ExitStatus::workFailed, name,
                       "the conversion to " + nameOf(change.target) +
-                          " failed, for want of memory or for its size; close other programs or use --resize");
+                          " failed, for lack of memory or because of its size; close other programs or use --resize");
     }
 }
 
@@ -68,13 +69,13 @@ std::uint32_t roundUp(std::uint32_t size, std::uint32_t step) {
     return (size + step - 1) / step * step;
 }
 
-/// One level of a compressed texture as an array of 2D images, decoded: in whole blocks, whose pixels are where the data has
-/// them, whatever the codec does with other sizes. MOKTC deals with all sizes by itself.
+/// Decodes one level of a compressed texture to an array of 2D images. The size is rounded up to whole blocks, as the data has
+/// them, because codecs other than MOKTC's decode other sizes differently.
 CMOKTexture decodeWholeBlocks(const CMOKTexture& texture, std::uint32_t level, const std::string& name) {
-    const CompressedFormat* row = findCompressed(texture.getPixelType());
-    const bool takesAnySize = row == nullptr || row->id <= eFmtMOKTCII4bpp;
-    const std::uint32_t width = roundUp(texture.getWidth(level), takesAnySize ? 1 : row->blockWidth);
-    const std::uint32_t height = roundUp(texture.getHeight(level), takesAnySize ? 1 : row->blockHeight);
+    const FormatInfo& info = GetFormatInfo(texture.getPixelType());
+    const FormatInfo::Size block = info.codec == eCodecMOKTC ? FormatInfo::Size{1, 1} : info.sizeBlock;
+    const std::uint32_t width = roundUp(texture.getWidth(level), block.width);
+    const std::uint32_t height = roundUp(texture.getHeight(level), block.height);
     const std::uint32_t images = texture.getNumArrayMembers() * texture.getNumFaces() * texture.getDepth(level);
     const CMOKTextureHeader header(texture.getPixelType().id, height, width, 1, 1, images, 1, eColourSpaceLinear, eVarUByteNorm,
                                    false);
@@ -94,8 +95,8 @@ void copyRows(CMOKTexture& destination, std::uint32_t level, const CMOKTexture& 
     }
 }
 
-/// Bytes of all levels in the header's compressed format. The sum does not wrap; an image that is too large on its own does, and
-/// Transcode() refuses it.
+/// Bytes of all levels in the header's compressed format. The sum is computed in 64 bits; the size of a single image can wrap,
+/// but Transcode() refuses such an image.
 std::uint64_t encodedSize(const CMOKTextureHeader& header) {
     std::uint64_t size = 0;
     for (std::uint32_t level = 0; level < header.getNumMIPLevels(); ++level)
@@ -103,8 +104,8 @@ std::uint64_t encodedSize(const CMOKTextureHeader& header) {
     return size * header.getNumArrayMembers() * header.getNumFaces();
 }
 
-/// Encodes an uncompressed texture, which is no volume, image by image: the bytes are those of the whole at once, and a terminal
-/// can show how far it is.
+/// Encodes an uncompressed texture that is not a volume, image by image, so that a terminal can show the progress. The bytes are
+/// the same as when it is encoded as a whole.
 void encodeBlocks(CMOKTexture& texture, const FormatChange& change, const std::string& name, Console& console) {
     CMOKTextureHeader header = texture.getHeader();
     header.setPixelFormat(change.target.pixelType);

@@ -8,7 +8,7 @@
 
 namespace moktextool {
 
-/// Size and number of levels that a texture is to have.
+/// The size and the number of levels that a texture will have.
 struct PlannedSize {
     std::uint32_t width;
     std::uint32_t height;
@@ -16,10 +16,10 @@ struct PlannedSize {
     std::uint32_t levels;
 };
 
-/// Why a format cannot hold a texture of some size, and what it can hold.
+/// Why a format cannot hold a texture of some size, and which sizes it can hold.
 struct SizeProblem {
-    std::string rule;             ///< what is wrong, without the remedy
-    std::uint32_t width, height;  ///< the nearest size that works with as many levels; 0 if none does
+    std::string rule;             ///< the problem, without the remedy
+    std::uint32_t width, height;  ///< the nearest size that works with the same number of levels; 0 if none does
     std::uint32_t fittingLevels;  ///< how many levels of the size work
 };
 std::optional<SizeProblem> sizeProblem(const TextureFormat& target, const PlannedSize& size);

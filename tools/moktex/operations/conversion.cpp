@@ -14,7 +14,7 @@ namespace moktextool {
 
 namespace {
 
-/// One input on its way, with what is settled about its output before the work begins.
+/// One input and the planned properties of its output.
 struct Conversion {
     const ConversionRequest& request;
     const std::string name;
@@ -24,7 +24,7 @@ struct Conversion {
     EMOKTColourSpace colourSpace;
     ECompressorQuality quality;
     PlannedSize resized;                       ///< before the operations
-    PlannedSize size;                          ///< behind them
+    PlannedSize size;                          ///< after them
     std::vector<OperationContext> operations;  ///< of each operation
     bool isPictureOutput;
 
@@ -45,7 +45,7 @@ PlannedSize planResize(const ConversionRequest& request, const CMOKTextureHeader
     return size;
 }
 
-/// What a full channel of a format counts for the user.
+/// The largest channel value of a format as the user writes it.
 double unitOf(const TextureFormat& format) {
     const bool isPlain = isCompressed(format.pixelType) || (format.channelType != eVarFloat && !isSigned(format.channelType));
     if (!isPlain || widestChannel(format) > 16) return 1;
@@ -58,7 +58,7 @@ bool hasBorder(const CMOKTextureHeader& header) {
     return x != 0 || y != 0 || z != 0;
 }
 
-/// A Failure if the image that is to become a picture does not exist.
+/// A Failure if the image to write as a picture does not exist.
 void requireImage(const ConversionRequest& request, const CMOKTextureHeader& header, std::uint32_t levels,
                   const std::string& name) {
     const auto require = [&](const char* option, std::uint32_t index, std::uint32_t count) {
@@ -72,7 +72,7 @@ void requireImage(const ConversionRequest& request, const CMOKTextureHeader& hea
     require("--face", request.face, header.getNumFaces());
 }
 
-/// The options that lead from the wanted size to one that the format can hold; "" if there are none.
+/// The options that give a size that the format can hold; "" if there are none.
 std::string sizeRemedy(const SizeProblem& problem, const ConversionRequest& request, bool isPictureOutput) {
     const std::uint32_t scale = isPictureOutput ? request.level : 0;
     PlannedSize wanted{problem.width << scale, problem.height << scale, 1, 1};
@@ -100,22 +100,22 @@ void checkSize(const Conversion& conversion) {
 
 void checkEncoder(const Conversion& conversion) {
     const PixelType format = conversion.target.pixelType;
-    const CompressedFormat* row = findCompressed(format);
-    if (row != nullptr && !row->hasEncoder)
+    const FormatInfo* info = findCompressed(format);
+    if (info != nullptr && !info->hasEncoder)
         throw Failure(ExitStatus::notSupported, conversion.name,
-                      std::string(row->name) + " has no encoder; 'moktex formats' lists those that have");
+                      std::string(info->name) + " has no encoder; 'moktex formats' lists those that have");
 }
 
 void checkColourSpace(const ConversionRequest& request, const PlannedTexture& planned, EMOKTColourSpace wanted) {
     if (planned.holdsNormals && request.colourSpace == eColourSpaceSRGB)
-        throw Failure(ExitStatus::commandLine, planned.name, "--colour-space srgb: normals are no colours; leave it out");
+        throw Failure(ExitStatus::commandLine, planned.name, "--colour-space srgb: normals are not colours; leave it out");
     if (wanted != planned.colourSpace && planned.colourSpace > eColourSpaceSRGB) {
         throw Failure(ExitStatus::notSupported, planned.name,
                       "its colour space is " + nameOf(planned.colourSpace) + "; say what it is by --assign-colour-space");
     }
 }
 
-/// A Failure if the output's layout cannot hold what the conversion will make.
+/// A Failure if the output's layout cannot hold the result of the conversion.
 void checkContainer(const Conversion& conversion, const std::string& output, bool isPremultiplied) {
     if (conversion.isPictureOutput) return;
     const auto& [format, channelType] = conversion.target;
@@ -124,7 +124,8 @@ void checkContainer(const Conversion& conversion, const std::string& output, boo
     requireHoldable(header, {output, conversion.request.legacyApi});
 }
 
-/// The format of an output that is not told: that of the input, RGBA8 for a picture and where normals find no three channels.
+/// The format of the output without --format: that of the input; RGBA8 for a picture, and for normals if the input has fewer than
+/// three channels.
 TextureFormat defaultFormat(const TextureFormat& source, bool isPictureOutput, bool holdsNormals) {
     const bool hasThreeChannels = isCompressed(source.pixelType) || source.pixelType.layout.channelName[2] != 0;
     return isPictureOutput || (holdsNormals && !hasThreeChannels) ? rgba8Format : source;
@@ -166,7 +167,7 @@ Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std
     return conversion;
 }
 
-/// A format in which values stay what they are in any number of steps: floats, as long as they fit.
+/// A format that keeps all values through any number of operations: floats, if they fit the largest data size.
 TextureFormat exactFormat(const Conversion& conversion) {
     const auto pixelsOf = [](const PlannedSize& size) { return std::uint64_t{size.width} * size.height; };
     const CMOKTexture& texture = conversion.texture;
@@ -178,7 +179,7 @@ TextureFormat exactFormat(const Conversion& conversion) {
     return unit == 255 ? rgba8Format : rgba16Format;
 }
 
-/// A format that an operation takes, the texture's own if that will do.
+/// The format to convert a texture to before an operation; its own if the operation accepts it.
 TextureFormat operandFormat(const Conversion& conversion, OperandFormat wanted) {
     if (wanted == OperandFormat::bytes) return rgba8Format;
     if (wanted == OperandFormat::exact) return exactFormat(conversion);
@@ -194,8 +195,9 @@ void bringTo(Conversion& conversion, OperandFormat format) {
     changeFormat(texture, {operandFormat(conversion, format), texture.getColourSpace()}, conversion.name, conversion.console);
 }
 
-/// The next edge on the way from `current` to `wanted`. The filters sample points and are centred for halving only; so a
-/// reduction goes by halves, and what remains between one and a half goes up to twice the wanted edge first.
+/// The next side in a sequence of resizing steps from `current` to `wanted`. The filters sample points and are centred only when
+/// they halve. So a reduction halves repeatedly; if a factor between one half and one remains, it enlarges to twice `wanted`
+/// first.
 std::uint32_t nextEdge(std::uint32_t current, std::uint32_t wanted) {
     if (current <= wanted || current == 2 * wanted) return wanted;
     return current > 2 * wanted ? current / 2 : 2 * wanted;
@@ -203,7 +205,7 @@ std::uint32_t nextEdge(std::uint32_t current, std::uint32_t wanted) {
 
 void require(bool succeeded, const std::string& name, const std::string& work) {
     if (!succeeded)
-        throw Failure(ExitStatus::workFailed, name, work + " failed, most likely for its size; use a smaller --resize");
+        throw Failure(ExitStatus::workFailed, name, work + " failed, most likely because of its size; use a smaller --resize");
 }
 
 void resize(Conversion& conversion) {
@@ -253,7 +255,7 @@ void operate(Conversion& conversion) {
     }
 }
 
-/// Leaves the one image that becomes a picture.
+/// Reduces the texture to the image that is written as a picture.
 void pickImage(Conversion& conversion, const TextureFormat& source) {
     const auto& request = conversion.request;
     CMOKTexture& texture = conversion.texture;

@@ -19,22 +19,22 @@ struct ResizeRequest {
     std::uint32_t height;
 };
 
-/// What `moktex convert` is asked to do with each input.
+/// What `moktex convert` does with each input.
 struct ConversionRequest {
     std::optional<TextureFormat> format;  ///< none: that of the input
     std::optional<Quality> quality;
-    std::vector<OperationPointer> operations;  ///< in their order, behind the change of size
+    std::vector<OperationPointer> operations;  ///< in order, applied after the change of size
     moktexture::EResizeMode mipFilter = moktexture::eResizeLinear;
     std::optional<ResizeRequest> resize;
     moktexture::EResizeMode resizeFilter = moktexture::eResizeLinear;
-    std::optional<EMOKTColourSpace> assignedColourSpace;  ///< what the input is
-    std::optional<EMOKTColourSpace> colourSpace;          ///< what the output is to be
+    std::optional<EMOKTColourSpace> assignedColourSpace;  ///< of the input; the values stay
+    std::optional<EMOKTColourSpace> colourSpace;          ///< of the output; the curve is applied
     bool dither = false;
-    std::uint32_t level = 0, layer = 0, face = 0;     ///< which image becomes a picture
+    std::uint32_t level = 0, layer = 0, face = 0;     ///< the image to write as a picture
     std::optional<moktexture::ELegacyApi> legacyApi;  ///< set to write the legacy layout
 };
 
-/// Converts one file to another. All that can be refused is refused before the work begins, by a Failure.
+/// Converts one file to another. Every request that cannot be met is refused by a Failure before the conversion starts.
 void convertFile(const ConversionRequest& request, const std::string& input, const std::string& output, Console& console);
 
 }  // namespace moktextool

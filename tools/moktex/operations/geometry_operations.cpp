@@ -20,7 +20,7 @@ public:
 
     void plan(PlannedTexture& texture) const override {
         if (axis == eAxisZ && texture.size.depth == 1)
-            texture.console.note(texture.name + ": " + text + " changes nothing, for there is one slice");
+            texture.console.note(texture.name + ": " + text + " changes nothing, because there is only one slice");
     }
     bool apply(CMOKTexture& texture, const OperationContext&) const override { return Flip(texture, axis); }
 
@@ -61,15 +61,16 @@ public:
                    "wider than the picture, which is " + sizeText(size) + "; use at most " + std::to_string(size.width) + 'x' +
                        std::to_string(size.height));
         if (texture.hasBorder)
-            refuse(texture, ExitStatus::notSupported, "there is a border already, which would be forgotten; start without it");
+            refuse(texture, ExitStatus::notSupported, "there is a border already, whose width would be lost; start without it");
         if (texture.hasMadeLevels)
             refuse(texture, ExitStatus::commandLine, "drops the levels that --mipmaps made; give it before --mipmaps");
         if (size.levels > 1)
-            texture.console.note(texture.name + ": " + text + " keeps only the first level; --mipmaps behind it makes new ones");
+            texture.console.note(texture.name + ": " + text + " keeps only the first level; --mipmaps after it makes new ones");
         size = {size.width + 2 * x, size.height + 2 * y, size.depth, 1};
         if (std::max(size.width, size.height) > largestEdge)
             refuse(texture, ExitStatus::notSupported,
-                   "makes it " + sizeText(size) + ", and sides end at " + std::to_string(largestEdge) + "; use a smaller one");
+                   "makes it " + sizeText(size) + ", and sides must be at most " + std::to_string(largestEdge) +
+                       "; use a smaller one");
         texture.hasBorder = true;
     }
     bool undoSize(PlannedSize& size) const override {
@@ -104,7 +105,7 @@ public:
     bool isMipmaps() const override { return true; }
     OperandFormat operandFormat() const override { return OperandFormat::exact; }
     bool apply(CMOKTexture& texture, const OperationContext& context) const override {
-        // A chain of the wanted length would be left as it is, so an old one goes first.
+        // GenerateMIPMaps() keeps a chain that has the wanted length already, so the old chain is removed first.
         return GenerateMIPMaps(texture, context.mipFilter, 1) && GenerateMIPMaps(texture, context.mipFilter, levels);
     }
 
@@ -123,7 +124,7 @@ OperationPointer parseRotate90(const std::string& text, const std::string& value
     if (value != "z" && value != "-z") {
         const bool isOtherAxis = value == "x" || value == "-x" || value == "y" || value == "-y";
         throw Failure(isOtherAxis ? ExitStatus::notSupported : ExitStatus::commandLine,
-                      text + ": a turn about " + (isOtherAxis ? "x or y makes no picture" : "nothing that is known") +
+                      text + ": rotation about " + (isOtherAxis ? "x or y does not give a picture" : "an unknown axis") +
                           "; use z (clockwise) or -z");
     }
     return std::make_unique<QuarterTurn>(text, value == "z");

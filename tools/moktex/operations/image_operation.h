@@ -10,24 +10,25 @@
 
 namespace moktextool {
 
-/// What a texture is to be at one point of its way through the operations.
+/// The properties that a texture will have before or after an operation.
 struct PlannedTexture {
     const std::string& name;
     Console& console;
     PlannedSize size;
-    double unit;  ///< a full channel as the user counts: 255 up to 8 bits, 65535 up to 16, 1 for wider and for floats
+    double
+        unit;  ///< the largest channel value as the user writes it: 255 up to 8 bits, 65535 up to 16, 1 for wider and for floats
     EMOKTColourSpace colourSpace;
     bool isPremultiplied;
     bool hasBorder;
-    bool hasMadeLevels = false;  ///< its levels are the work of an operation, not the input's own
+    bool hasMadeLevels = false;  ///< the levels come from --mipmaps, not from the input
     bool holdsNormals = false;
 };
 
-/// The forms of pixels that an operation takes.
+/// The formats that an operation accepts.
 enum class OperandFormat {
-    any,    ///< each that the library operates on
+    any,    ///< every format that the library operates on
     bytes,  ///< RGBA8
-    exact,  ///< floats, as long as they fit, so that nothing is rounded on the way
+    exact,  ///< floats, if they fit the largest data size, so that no value is rounded between operations
 };
 
 struct OperationContext {
@@ -35,7 +36,7 @@ struct OperationContext {
     moktexture::EResizeMode mipFilter;
 };
 
-/// One operation of `moktex convert`, as the command line asks for it.
+/// One operation of `moktex convert` with its parameters.
 class ImageOperation {
 public:
     explicit ImageOperation(std::string givenText) : text(std::move(givenText)) {}
@@ -43,16 +44,16 @@ public:
     ImageOperation(const ImageOperation&) = delete;
     ImageOperation& operator=(const ImageOperation&) = delete;
 
-    /// Brings the plan to what it is behind the operation. A Failure where the operation would spoil the texture or be of no use.
+    /// Updates the plan to the state after the operation. A Failure if the operation would damage the texture or do nothing.
     virtual void plan(PlannedTexture& texture) const = 0;
-    /// Makes a wanted width and height behind the operation those before it; false if there are none.
+    /// Turns the size after the operation into the size needed before it; false if there is none.
     virtual bool undoSize(PlannedSize&) const { return true; }
     virtual bool isMipmaps() const { return false; }
     virtual OperandFormat operandFormat() const { return OperandFormat::any; }
-    /// Works on a texture in operandFormat(). False if the library refuses.
+    /// Applies the operation to a texture in operandFormat(). False if the library refuses.
     virtual bool apply(moktexture::CMOKTexture& texture, const OperationContext& context) const = 0;
 
-    const std::string text;  ///< as it was given, "--flip x"
+    const std::string text;  ///< as on the command line, "--flip x"
 
 protected:
     [[noreturn]] void refuse(const PlannedTexture& texture, ExitStatus status, const std::string& why) const {
@@ -62,10 +63,10 @@ protected:
 
 using OperationPointer = std::unique_ptr<const ImageOperation>;
 
-/// An option of `moktex convert` that stands for an operation.
+/// An option of `moktex convert` for an operation.
 struct OperationOption {
-    const char* names;    ///< as the command line takes them, the chief one first
-    const char* operand;  ///< what the help shows for the value; null for an option without one
+    const char* names;    ///< separated by commas
+    const char* operand;  ///< the value in the help; null for an option without one
     const char* help;
     const char* example;
     OperationPointer (*parse)(const std::string& text, const std::string& value);  ///< `text`: option and value together
@@ -73,13 +74,13 @@ struct OperationOption {
 std::span<const OperationOption> operationOptions();
 /// The first of an option's names that has two dashes.
 std::string longName(const OperationOption& option);
-/// All options, each with its explanation and its example.
+/// The help text of all options, each with an example.
 std::string operationHelp();
 
 /// A number of 1 to 65536, or 0 for anything else.
 std::uint32_t parseEdge(const std::string& text);
 
-/// @name Each makes an operation of its option's value. A Failure for values that mean nothing.
+/// @name Each creates the operation of an option from its value. A Failure for invalid values.
 /// @{
 OperationPointer parseMipmaps(const std::string& text, const std::string& value);
 OperationPointer parseColourMips(const std::string& text, const std::string& value);

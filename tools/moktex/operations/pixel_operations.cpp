@@ -39,7 +39,7 @@ public:
             refuse(texture, ExitStatus::notSupported, "the colours are multiplied by alpha already; leave it out");
         if (texture.unit != 255)
             refuse(texture, ExitStatus::notSupported,
-                   "would destroy values of more than 8 bits a channel; convert it to an 8-bit format first, as by "
+                   "would reduce more than 8 bits a channel to 8; convert it to an 8-bit format first, as by "
                    "--format rgba8888");
         texture.isPremultiplied = true;
     }
@@ -92,7 +92,7 @@ public:
     }
 
     void plan(PlannedTexture&) const override {}
-    // The library's copy between 16-bit channels takes one off some values.
+    // CopyChannels() between 16-bit channels changes some values by one.
     OperandFormat operandFormat() const override { return OperandFormat::exact; }
     bool apply(CMOKTexture& texture, const OperationContext&) const override {
         std::array destinations = {eChannelRed, eChannelGreen, eChannelBlue, eChannelAlpha};
@@ -112,7 +112,8 @@ public:
     void plan(PlannedTexture& texture) const override {
         if (texture.size.depth > 1)
             refuse(texture, ExitStatus::notSupported,
-                   "the edges of a volume's slices would meet the first slice; use pictures, or a texture without depth");
+                   "slopes at the edges of a volume's slices would be taken from the first slice; use pictures, or a texture "
+                   "without depth");
         texture.unit = 1;
         texture.colourSpace = eColourSpaceLinear;
         texture.holdsNormals = true;
@@ -168,7 +169,7 @@ OperationPointer parseNormalMap(const std::string& text, const std::string& valu
     const std::optional<double> scale = parseNumber(std::string_view(value).substr(0, colon));
     if (!scale || static_cast<float>(*scale) == 0)
         throw Failure(ExitStatus::commandLine,
-                      text + ": no steepness; use a number other than 0, as in 2, or below 0 to turn the relief inside out");
+                      text + ": no scale; use a number other than 0, as in 2, or a negative one to invert the relief");
     const bool isRepeated =
         std::any_of(order.begin(), order.end(), [&](char letter) { return std::count(order.begin(), order.end(), letter) > 1; });
     if (order.empty() || isRepeated || order.find_first_not_of("xyzh") != std::string::npos)

@@ -29,7 +29,7 @@ ProgressLine::ProgressLine(Console& terminal, const EncodingWork& planned, std::
     try {
         drawer = std::thread([this] { run(); });
     } catch (const std::system_error&) {
-        // The work goes on without a line.
+        // The progress line is optional.
     }
 }
 
@@ -53,7 +53,7 @@ void ProgressLine::run() {
     console.err << '\r' + std::string(drawnLength, ' ') + '\r' << std::flush;
 }
 
-/// Writes over what stood there before.
+/// Overwrites the line drawn before.
 void ProgressLine::draw(const std::string& text) {
     const std::size_t rest = drawnLength - std::min(drawnLength, text.size());
     console.err << '\r' + text + std::string(rest, ' ') << std::flush;

@@ -12,17 +12,17 @@ namespace moktextool {
 
 struct Console;
 
-/// Images of a texture that are to be encoded, surface by surface.
+/// The images of a texture that are to be encoded. A surface is one face of one layer with all its MIP levels.
 struct EncodingWork {
     std::uint32_t surfaces;
     std::uint32_t levels;  ///< of each surface
 };
 
-/// How far such work is: "3 of 11 levels, 12 s", behind the surfaces if there are several.
+/// The progress as text: "3 of 11 levels, 12 s", after the number of surfaces if there are several.
 std::string progressText(const EncodingWork& work, std::uint32_t finishedImages, std::int64_t seconds);
 
-/// A line on the terminal that tells how far some work is, drawn by a thread of its own after each tick and gone with the
-/// object. Without a terminal, or where the console is quiet, there is none.
+/// A line on the terminal that shows the progress of encoding. A thread of its own draws it after each tick; the destructor
+/// erases it. Nothing is drawn without a terminal or on a quiet console.
 class ProgressLine {
 public:
     ProgressLine(Console& terminal, const EncodingWork& planned, std::chrono::milliseconds tick = std::chrono::seconds(1));

@@ -9,15 +9,15 @@ namespace moktextool {
 
 enum class ExitStatus {
     success = 0,
-    commandLine = 1,   ///< the arguments make no sense
+    commandLine = 1,   ///< wrong arguments
     inputOutput = 2,   ///< reading or writing failed
-    invalidInput = 3,  ///< an input file is broken or of no known kind
-    workFailed = 4,    ///< the work itself failed, for want of memory for one
-    notSupported = 5,  ///< a format that the tool or the format cannot hold
-    different = 7,     ///< compared, and different by more than was allowed
+    invalidInput = 3,  ///< an input file is broken or of an unknown kind
+    workFailed = 4,    ///< processing failed, for example for lack of memory
+    notSupported = 5,  ///< outside what the tool, a format or a file layout can hold
+    different = 7,     ///< compared, and more different than allowed
 };
 
-/// Ends the work on one file. The message is one line: what is wrong, with which file, and what to do about it.
+/// Ends the work on one file. The message is one line that names the file, the problem and the remedy.
 class Failure : public std::runtime_error {
 public:
     Failure(ExitStatus exitStatus, const std::string& message) : std::runtime_error(message), status(exitStatus) {}
@@ -32,19 +32,19 @@ struct Console {
     std::istream& in;
     std::ostream& out;
     std::ostream& err;
-    bool quiet = false;       ///< leave out results of `convert`, notes and the progress of long work
-    bool isTerminal = false;  ///< `err` is one, where a line can be drawn over
+    bool quiet = false;       ///< suppresses the results of `convert`, notes and the progress line
+    bool isTerminal = false;  ///< `err` is a terminal, so that a progress line can be drawn
 
-    /// One line on `err` that nothing silences.
+    /// One line on `err`, also where `quiet` is set.
     void warn(const std::string& message);
-    /// One line on `err`, unless quiet.
+    /// One line on `err`, unless `quiet` is set.
     void note(const std::string& message);
 
-    /// Runs a piece of work and turns what it throws into a line on `err` and a status.
+    /// Runs `work`; a Failure or lack of memory becomes a line on `err` and a status.
     ExitStatus guard(const std::function<ExitStatus()>& work);
 };
 
-/// `text` without bytes that would move a terminal's cursor or break the line: those become '?'.
+/// `text` with control characters replaced by '?', so that it is one line and cannot control a terminal.
 std::string printable(const std::string& text);
 
 }  // namespace moktextool

@@ -7,11 +7,11 @@
 
 namespace moktextool {
 
-/// The numbers that graphics APIs have for a texture: an object with `openGL`, `openGLES`, `direct3D9` and `dxgi`, each null
+/// The numbers of a texture's format in graphics APIs: an object with `openGL`, `openGLES`, `direct3D9` and `dxgi`, each null
 /// where the API has none. Those of OpenGL are objects of `internalFormat`, `format` and `type`.
 nlohmann::ordered_json describeAPINumbers(const moktexture::CMOKTextureHeader& header);
 
-/// @name Such numbers as they are commonly written; "-" for null.
+/// @name These numbers as text in their usual notation; "-" for null.
 /// @{
 std::string openGLText(const nlohmann::ordered_json& numbers);
 std::string direct3D9Text(const nlohmann::ordered_json& number);
