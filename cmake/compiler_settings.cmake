@@ -1,18 +1,22 @@
-# Language level, floating-point rules and warnings that every target of the project carries.
+# Language level, floating-point rules and warnings of every target of the project.
+if(CMAKE_CXX_BYTE_ORDER STREQUAL "BIG_ENDIAN")
+    message(FATAL_ERROR "MOKTexLib reads and writes little-endian data in place; it does not support big-endian processors.")
+endif()
+
 add_library(moktex_settings INTERFACE)
 target_compile_features(moktex_settings INTERFACE cxx_std_20)
 target_compile_options(moktex_settings INTERFACE
-    # The same input gives the same bytes on every machine: no fused multiply and add, no reordering.
+    # The same input gives the same bytes on every machine: no fused multiply-add, no reordering.
     -ffp-contract=off -fno-fast-math
     -Wall -Wextra -Wpedantic -Wshadow -Wcast-qual -Wdouble-promotion -Wold-style-cast
-    # g++ 12 warns of the inside of its own std::string and std::vector.
-    -Wno-restrict -Wno-free-nonheap-object)
+    # False warnings of g++ 12 about the inside of its own std::string and std::vector.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict$<SEMICOLON>-Wno-free-nonheap-object>)
 if(MOKTEX_WARNINGS_AS_ERRORS)
     target_compile_options(moktex_settings INTERFACE -Werror)
 endif()
 if(MOKTEX_SANITIZE)
-    # With sanitizers g++ 12 warns of values in standard containers that are always set.
-    target_compile_options(moktex_settings INTERFACE -Wno-maybe-uninitialized)
+    # False warnings of g++ 12, with sanitizers, about values in standard containers.
+    target_compile_options(moktex_settings INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_compile_options(moktex_settings INTERFACE -fsanitize=${MOKTEX_SANITIZE} -fno-sanitize-recover=all
         -fno-omit-frame-pointer)
     target_link_options(moktex_settings INTERFACE -fsanitize=${MOKTEX_SANITIZE})
@@ -22,7 +26,8 @@ if(MOKTEX_COVERAGE)
     target_link_options(moktex_settings INTERFACE --coverage)
 endif()
 
-# Files of fast forms: one instruction set each, chosen at run time. On other processors than x86-64 they compile to nothing.
+# Compiles a file for one instruction set, which the library selects at run time. For processors other than x86-64 the file
+# compiles to nothing.
 #   moktex_kernel(FILE INSTRUCTION_SET)    INSTRUCTION_SET is SSE41 or AVX2
 function(moktex_kernel file instruction_set)
     if(NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
@@ -31,7 +36,7 @@ function(moktex_kernel file instruction_set)
     if(instruction_set STREQUAL "AVX2")
         set(options -mavx2)
         if(WIN32)
-            # The stack is aligned to 16 bytes only; aligned moves of 32-byte spills would fault.
+            # The stack is aligned to 16 bytes only; an aligned 32-byte store to it would fault.
             list(APPEND options -Wa,-muse-unaligned-vector-move)
         endif()
     elseif(instruction_set STREQUAL "SSE41")

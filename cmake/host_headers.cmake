@@ -1,11 +1,11 @@
 # Header-only libraries of the build machine: stb for pictures; for the tool also CLI11 for arguments and JSON for Modern C++.
-# A cross compiler must not see /usr/include, so links to the folders stand by themselves in the build tree.
+# A cross compiler must not see the rest of /usr/include, so the build tree has symbolic links to these folders alone.
 include_guard(GLOBAL)
 
 set(host_header_links ${PROJECT_BINARY_DIR}/picture_headers)
 file(MAKE_DIRECTORY ${host_header_links})
 
-#   moktex_host_header(FOLDER HEADER PACKAGE)    HEADER lies in FOLDER; PACKAGE is Debian's, for the message
+#   moktex_host_header(FOLDER HEADER PACKAGE)    FOLDER holds HEADER; PACKAGE is the Debian package to name if it is missing
 function(moktex_host_header folder header package)
     find_path(MOKTEX_${folder}_PARENT ${folder}/${header} PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH
         DOC "Folder that holds ${folder}/${header} (Debian package ${package})")

@@ -1,4 +1,4 @@
-# Headers, library and the package that find_package(MOKTexLib) finds.
+# Installs headers, library and the package files for find_package(MOKTexLib).
 include(CMakePackageConfigHelpers)
 
 install(TARGETS MOKTexLib EXPORT MOKTexLibTargets

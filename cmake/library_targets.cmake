@@ -1,4 +1,5 @@
-# The library from the modules' objects, and its twin for tests and benchmarks, which may reach into the modules.
+# The library, made of the objects of all modules, and a static one of the same objects for tests and benchmarks, which use
+# internal headers.
 get_property(modules GLOBAL PROPERTY moktex_modules)
 set(objects "")
 foreach(module IN LISTS modules)
@@ -18,7 +19,7 @@ if(NOT BUILD_SHARED_LIBS)
 elseif(WIN32)
     set_target_properties(MOKTexLib PROPERTIES PREFIX "")
 else()
-    # Standard containers leave weak symbols of their own, which no user should see.
+    # Hides the weak symbols of standard containers.
     set(version_script ${PROJECT_SOURCE_DIR}/cmake/exported_symbols.map)
     target_link_options(MOKTexLib PRIVATE -Wl,--version-script=${version_script} -Wl,--no-undefined)
     set_target_properties(MOKTexLib PROPERTIES LINK_DEPENDS ${version_script})
