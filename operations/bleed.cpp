@@ -16,7 +16,7 @@
 /// There are two forms. Both find the same means:
 ///
 /// - By boxes: the loop above. Up to 81 additions per channel and pixel on a 2D level, 729 in a volume. For 32-bit and float
-///   elements, whose float sums are rounded and therefore depend on the order of addition.
+///   elements and for deep 16-bit volumes, whose float sums are rounded and therefore depend on the order of addition.
 /// - By running sums, for 8- and 16-bit elements where (largest element) * (pixels of a box) is below 2 to the 24: every partial
 ///   float sum is then an integer that a float holds exactly, so that integer sums in any order give the same value. One sum per
 ///   column covers the rows of the box; a row of boxes slides over the columns:

@@ -11,9 +11,8 @@
 ///         mirror columns: in every row, so that the corners are mirrored in both directions
 ///
 /// On an axis with 3 pixels A B C and a margin of 2 this gives B A A B C C B: the edge pixel is repeated. A margin wider than the
-/// image reads margin pixels that are not written yet; these are 0 and lie within the level, since the farthest read is 2 *
-/// margin
-/// - 1 pixels from the start and from the end of the axis. Every pixel is written once, in row order: the cost is that of a copy.
+/// image reads margin pixels that are not written yet. They are 0, and no read leaves the level: the farthest one is 2 * margin
+/// pixels from the start or from the end of the axis. The cost is that of copying the new level once.
 
 #include <algorithm>
 #include <cstdint>

@@ -71,10 +71,10 @@ bool withElementType(EMOKTVariableType channelType, Routine&& routine) {
     }
 }
 
-/// Calls `visit(const Subresource&)` for each layer, in it each face, in it each level, and returns the result of the last call.
-/// Returns false at once for a texture without a buffer, layers, faces or levels, however large its other counts are.
+/// forEachSubresource() with the result of the last `visit(const Subresource&)`. Returns false at once for a texture without a
+/// buffer, layers, faces or levels, however large its other counts are.
 template <typename Visit>
-bool forEachSubresource(const CMOKTexture& texture, VisitedLevels levels, Visit&& visit) {
+bool visitSubresources(const CMOKTexture& texture, VisitedLevels levels, Visit&& visit) {
     SubresourceCounts counts = subresourceCounts(texture);
     if (counts.layers == 0 || counts.faces == 0 || counts.levels == 0 || texture.getDataPtr() == nullptr) return false;
     if (levels == VisitedLevels::first) counts.levels = 1;
@@ -88,7 +88,7 @@ template <typename Routine>
 bool processLevels(CMOKTexture& texture, Routine&& routine) {
     return withElementType(texture.getChannelType(), [&](auto element) {
         using T = typename decltype(element)::type;
-        return forEachSubresource(texture, VisitedLevels::all, [&](const Subresource& subresource) {
+        return visitSubresources(texture, VisitedLevels::all, [&](const Subresource& subresource) {
             return routine(levelView<T>(texture, subresource), subresource);
         });
     });
@@ -104,7 +104,7 @@ bool processLevelsInto(const CMOKTexture& source, CMOKTexture& destination, Visi
     return withElementType(source.getChannelType(), [&](auto element) {
         using T = typename decltype(element)::type;
         using D = std::conditional_t<std::is_same_v<Destination, SourceElement>, T, Destination>;
-        return forEachSubresource(source, levels, [&](const Subresource& subresource) {
+        return visitSubresources(source, levels, [&](const Subresource& subresource) {
             return routine(levelView<const T>(source, subresource), levelView<D>(destination, subresource), subresource);
         });
     });

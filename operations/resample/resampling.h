@@ -25,11 +25,11 @@
 ///
 /// Filters:
 ///
-/// | Filter  | Samples per axis            | Weights                            | Beyond the edge                          |
-/// | ------- | --------------------------- | ---------------------------------- | ---------------------------------------- |
-/// | nearest | index                       | none                               | cannot happen                            |
-/// | linear  | index, index + 1            | 1 - fraction, fraction             | the last pixel repeats                   |
-/// | cubic   | index - 1 to index + 2      | Lagrange cubic through 4 points    | the last pixel repeats; index -1 is last |
+/// | Filter  | Samples per axis       | Weights                         | Beyond the edge                        |
+/// | ------- | ---------------------- | ------------------------------- | -------------------------------------- |
+/// | nearest | index                  | none                            | the last pixel, if rounding gets there |
+/// | linear  | index, index + 1       | 1 - fraction, fraction          | the last pixel                         |
+/// | cubic   | index - 1 to index + 2 | Lagrange cubic through 4 points | the last pixel, also for index -1      |
 ///
 /// A source of depth 1 has no samples and weights in z.
 ///
@@ -38,8 +38,7 @@
 /// - Linear works in stages, one for each axis: x, then y, then z. A stage gives an element, not a float: for integers both
 ///   products are truncated before they are added. So the weights of the axes cannot be multiplied into one, and the order of the
 ///   stages counts.
-/// - Cubic adds up, from 0, with x outermost and z innermost, `((sample * wx[i]) * wy[j]) * wz[k]` in floats. Products and sums
-/// of
+/// - Cubic adds up `((sample * wx[i]) * wy[j]) * wz[k]` in floats, from 0, with x outermost and z innermost. Products and sums of
 ///   floats are rounded, so the weights are not combined and the terms are not regrouped. The sum is clamped and truncated once.
 ///
 /// In both, what the weights in x contribute depends on the source row alone, not on the destination row. The filters use that:
@@ -52,9 +51,10 @@
 ///             combine the rows, all columns in one loop that the compiler vectorises
 ///
 /// The cache has one slot for each row index modulo 2 (or 4) and slice index modulo 2 (or 4), so that the rows around one
-/// position have slots of their own; each slot remembers which row it holds. Enlargements find most rows there. A strip bounds
-/// the memory: with its cache it takes at most about 45 KB (linear) or 75 KB (cubic) on the stack. Cost per element of the
-/// destination: 1 copy (nearest); 3 or 7 blends (linear); up to 4 + 16 or 16 + 64 products with their additions (cubic).
+/// position have slots of their own; each slot records which row it holds. Enlargements find most rows there. A strip bounds the
+/// memory: it takes, with its cache, at most about 45 KB (linear) or 75 KB (cubic) on the stack. Cost per element of the
+/// destination: 1 copy (nearest); up to 3 blends, in volumes 7 (linear); up to 16 products in x and 16 in y, in volumes 64 in x
+/// and 128 in y and z (cubic).
 
 namespace moktexture {
 

@@ -181,11 +181,11 @@ TEST(OperationFrame, VisitsLayersFacesAndLevelsAndReturnsTheLastResult) {
         visited.push_back(subresource.layer * 100 + subresource.face * 10 + subresource.level);
         return (subresource.layer == 1 && subresource.face == 1) == lastResult;
     };
-    EXPECT_TRUE(forEachSubresource(texture, VisitedLevels::all, visit));
-    EXPECT_TRUE(forEachSubresource(texture, VisitedLevels::first, visit));
+    EXPECT_TRUE(visitSubresources(texture, VisitedLevels::all, visit));
+    EXPECT_TRUE(visitSubresources(texture, VisitedLevels::first, visit));
     EXPECT_EQ(visited, (std::vector<std::uint32_t>{0, 1, 10, 11, 100, 101, 110, 111, 0, 10, 100, 110}));
     lastResult = false;
-    EXPECT_FALSE(forEachSubresource(texture, VisitedLevels::first, visit));
+    EXPECT_FALSE(visitSubresources(texture, VisitedLevels::first, visit));
 }
 
 }  // namespace
