@@ -57,10 +57,9 @@ TEST(TextureHeader, SizesExistOneLevelPastTheLastAndBitsAreSummedOverLevels) {
                   (std::array{level, width, height, depth}));
     EXPECT_EQ(texture.getDataSize(33, true, true), texture.getDataSize(1, true, true));
     const CMOKTextureHeader nibble = header(PixelType('l', 0, 0, 0, 4, 0, 0, 0), 2, 1, 2, 3, 2);
-    EXPECT_EQ(nibble.getDataSize(1, true, true), 0u);
-    EXPECT_EQ(nibble.getDataSize(-1, false, false), 1u);
-    EXPECT_EQ(nibble.getDataSize(-1, true, false), 3u);
-    EXPECT_EQ(nibble.getDataSize(-1, false, true), 2u);
+    EXPECT_EQ((std::array{nibble.getDataSize(1, true, true), nibble.getDataSize(-1, false, false),
+                          nibble.getDataSize(-1, true, false), nibble.getDataSize(-1, false, true)}),
+              (std::array{0u, 1u, 3u, 2u}));
     EXPECT_EQ(header(eFmtDXT1, 5, 3, 3).getTextureSize(), 64u);
     EXPECT_EQ(header(PixelTypeRGBA8, 0, 0).getWidth(), 1u);
     EXPECT_EQ(header(PixelType('r', 'g', 'b', 0, 8, 8, 8, 0), 1, 1).getTextureSize(), 1u);
@@ -170,9 +169,7 @@ TEST(TextureMetaData, GettersReadZeroesBeyondAShortPayload) {
     EXPECT_EQ(texture.getOrientation(eAxisZ), eOrientIn);
     unsigned int x, y, z;
     texture.getBorder(x, y, z);
-    EXPECT_EQ(x, 7u);
-    EXPECT_EQ(y, 9u);
-    EXPECT_EQ(z, 0u);
+    EXPECT_EQ((std::array{x, y, z}), (std::array{7u, 9u, 0u}));
     EXPECT_EQ(payloadOf(texture.getMetaData(own, 0)), std::string(8, 0));
 }
 

@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <type_traits>
 
 #include "MOKTexLib.h"
 #include "first_page_loop.h"
@@ -28,15 +27,6 @@ std::string temporaryPath(const char* name) {
 }
 
 }  // namespace
-
-TEST(ExportedInterface, TheClassesHaveTheirPublishedSizes) {
-    EXPECT_EQ(sizeof(CMOKTArray<unsigned int>), 24u);
-    EXPECT_EQ(sizeof(CMOKTMap<unsigned int, MetaDataBlock>), 56u);
-    EXPECT_EQ(sizeof(CMOKTString), 32u);
-    EXPECT_EQ(sizeof(MetaDataBlock), 24u);
-    EXPECT_EQ(sizeof(MOKTextureHeaderV3), 52u);
-    EXPECT_FALSE(std::is_polymorphic_v<CMOKTexture>);
-}
 
 TEST(ExportedInterface, TheContainersOfTheInterfaceLink) {
     CMOKTArray<CMOKTMap<unsigned int, MetaDataBlock>> maps;
@@ -95,19 +85,6 @@ TEST(ExportedInterface, TexturesAreProcessedConvertedSavedAndLoaded) {
     for (std::size_t i = 0; i < before.size(); ++i)
         error += static_cast<std::uint64_t>((before[i] - after[i]) * (before[i] - after[i]));
     EXPECT_LT(error / before.size(), 20u);
-}
-
-TEST(ExportedInterface, ACopyIsDeepAndAMoveLeavesADefaultTexture) {
-    CMOKTexture texture = picture(8, 4);
-    CMOKTexture copy(texture);
-    EChannelName red = eChannelRed;
-    unsigned int value = 9;
-    ASSERT_TRUE(SetChannels(copy, 1, &red, &value));
-    EXPECT_NE(bytesOf(copy), bytesOf(texture));
-    const CMOKTexture taken(std::move(copy));
-    EXPECT_EQ(taken.getWidth(), 8u);
-    EXPECT_EQ(copy.getDataPtr(), nullptr);
-    EXPECT_EQ(copy.getPixelType(), PixelType(eFmtUnknown));
 }
 
 TEST(ExportedInterface, EveryLoadStatusHasASentence) {
