@@ -1,7 +1,5 @@
 #include <benchmark/benchmark.h>
 
-#include <cstring>
-
 #include "bench_pictures.h"
 #include "dxtn/dxtn.h"
 #include "dxtn/dxtn_kernels.h"
@@ -21,15 +19,6 @@ std::vector<std::uint8_t> encoded(const BenchPicture& picture, DXTMode mode) {
     std::vector<std::uint8_t> blocks(CompressDXTn(nullptr, nullptr, &picture.width, &picture.height, &mode));
     CompressDXTn(picture.rgba.data(), blocks.data(), &picture.width, &picture.height, &mode);
     return blocks;
-}
-
-void copy(benchmark::State& state, const BenchPicture& picture) {
-    std::vector<std::uint8_t> target(picture.rgba.size());
-    for (auto _ : state) {
-        std::memcpy(target.data(), picture.rgba.data(), target.size());
-        benchmark::ClobberMemory();
-    }
-    countPixels(state, pixelsOf(picture));
 }
 
 void encode(benchmark::State& state, const BenchPicture& picture, DXTMode mode, const dxtn::EncoderKernel& kernel) {
@@ -69,8 +58,7 @@ void decode(benchmark::State& state, const BenchPicture& picture, DXTMode mode) 
 void registerDXTnBenchmarks(const std::vector<BenchPicture>& pictures) {
     const InstructionSet detected = detectInstructionSet();
     for (const BenchPicture& picture : pictures) {
-        benchmark::RegisterBenchmark(("dxtn/memcpy/" + picture.name).c_str(),
-                                     [&picture](benchmark::State& state) { copy(state, picture); });
+        registerCopyBenchmark("dxtn", picture);
         benchmark::RegisterBenchmark(("dxtn/axis/reference/" + picture.name).c_str(),
                                      [&picture](benchmark::State& state) { searchAxes(state, picture); });
         for (const DXTMode mode : measuredModes) {

@@ -1,7 +1,5 @@
 #include <benchmark/benchmark.h>
 
-#include <cstring>
-
 #include "bench_pictures.h"
 #include "core/base/pixel_block.h"
 #include "etc1/etc1.h"
@@ -23,15 +21,6 @@ ConstImageView middleRows(const BenchPicture& picture, std::uint32_t pixels) {
     const std::uint32_t height = fitting < 4 ? 4 : fitting < picture.height ? fitting : picture.height;
     const std::size_t first = (picture.height - height) / 8 * 4;
     return packedImage(picture.rgba.data() + first * picture.width * 4, picture.width, height);
-}
-
-void copy(benchmark::State& state, const BenchPicture& picture) {
-    std::vector<std::uint8_t> target(picture.rgba.size());
-    for (auto _ : state) {
-        std::memcpy(target.data(), picture.rgba.data(), target.size());
-        benchmark::ClobberMemory();
-    }
-    countPixels(state, std::uint64_t{picture.width} * picture.height);
 }
 
 void encode(benchmark::State& state, const ConstImageView& image, std::uint32_t quality) {
@@ -82,8 +71,7 @@ void registerEncoders(const BenchPicture& picture, std::uint32_t quality) {
 
 void registerETC1Benchmarks(const std::vector<BenchPicture>& pictures) {
     for (const BenchPicture& picture : pictures) {
-        benchmark::RegisterBenchmark(("etc1/memcpy/" + picture.name).c_str(),
-                                     [&picture](benchmark::State& state) { copy(state, picture); });
+        registerCopyBenchmark("etc1", picture);
         benchmark::RegisterBenchmark(("etc1/decode/" + picture.name).c_str(),
                                      [&picture](benchmark::State& state) { decode(state, picture); });
         for (std::uint32_t quality = 0; quality < qualities; ++quality)

@@ -1,6 +1,5 @@
 #include <benchmark/benchmark.h>
 
-#include <cstring>
 #include <string>
 
 #include "bench_pictures.h"
@@ -39,15 +38,6 @@ std::vector<std::uint8_t> encoded(const BenchPicture& picture, const Format& for
     return blocks;
 }
 
-void copy(benchmark::State& state, const BenchPicture& picture) {
-    std::vector<std::uint8_t> target(picture.rgba.size());
-    for (auto _ : state) {
-        std::memcpy(target.data(), picture.rgba.data(), target.size());
-        benchmark::ClobberMemory();
-    }
-    countPixels(state, pixelsOf(picture));
-}
-
 void decode(benchmark::State& state, const BenchPicture& picture, const Format& format) {
     const std::vector<std::uint8_t> blocks = encoded(picture, format);
     std::vector<std::uint8_t> pixels(picture.rgba.size());
@@ -76,8 +66,7 @@ void decodeByReference(benchmark::State& state, const BenchPicture& picture, con
 
 void registerMOKTCBenchmarks(const std::vector<BenchPicture>& pictures) {
     for (const BenchPicture& picture : pictures) {
-        benchmark::RegisterBenchmark(("moktc/memcpy/" + picture.name).c_str(),
-                                     [&picture](benchmark::State& state) { copy(state, picture); });
+        registerCopyBenchmark("moktc", picture);
         for (const Format& format : formats) {
             const std::string name = std::string("moktc/") + format.name;
             benchmark::RegisterBenchmark((name + "/decode/" + picture.name).c_str(),

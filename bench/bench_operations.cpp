@@ -1,6 +1,5 @@
 #include <benchmark/benchmark.h>
 
-#include <cstring>
 #include <functional>
 
 #include "bench_pictures.h"
@@ -20,15 +19,6 @@ std::uint64_t pixelsOf(const CMOKTexture& texture) {
     return texture.getTextureSize();
 }
 
-void copy(benchmark::State& state, const BenchPicture& picture) {
-    std::vector<std::uint8_t> target(picture.rgba.size());
-    for (auto _ : state) {
-        std::memcpy(target.data(), picture.rgba.data(), target.size());
-        benchmark::ClobberMemory();
-    }
-    countPixels(state, target.size() / 4);
-}
-
 /// An operation that works in place.
 void operateInPlace(benchmark::State& state, const BenchPicture& picture, bool (*operation)(CMOKTexture&)) {
     CMOKTexture texture = textureOf(picture);
@@ -39,7 +29,7 @@ void operateInPlace(benchmark::State& state, const BenchPicture& picture, bool (
     countPixels(state, pixelsOf(texture));
 }
 
-/// An operation in place on a picture in which every other square of 32 by 32 pixels is transparent.
+/// An operation in place on a picture whose squares of 32 by 32 pixels are transparent and opaque in turn.
 void operateOnCutOut(benchmark::State& state, const BenchPicture& picture, bool (*operation)(CMOKTexture&)) {
     BenchPicture cutOut = picture;
     for (std::size_t i = 0; i < cutOut.rgba.size() / 4; ++i) {
@@ -49,7 +39,7 @@ void operateOnCutOut(benchmark::State& state, const BenchPicture& picture, bool 
     operateInPlace(state, cutOut, operation);
 }
 
-/// An operation that builds a new texture, whose pixels are counted; the copy of the source is not timed.
+/// An operation that builds a new texture. The pixels of the result are counted; copying the source is not timed.
 void rebuild(benchmark::State& state, const BenchPicture& picture, const std::function<bool(CMOKTexture&)>& operation) {
     const CMOKTexture source = textureOf(picture);
     std::uint64_t pixels = 0;
@@ -136,7 +126,7 @@ void registerOperationBenchmarks(const std::vector<BenchPicture>& pictures) {
         {"GenerateNormalMap", makeNormals}};
     for (const BenchPicture& picture : pictures) {
         const auto nameOf = [&picture](const char* what) { return "operations/" + std::string(what) + "/" + picture.name; };
-        benchmark::RegisterBenchmark(nameOf("memcpy").c_str(), [&picture](benchmark::State& state) { copy(state, picture); });
+        registerCopyBenchmark("operations", picture);
         for (const auto& [name, operation] : inPlace) {
             benchmark::RegisterBenchmark(nameOf(name).c_str(), [&picture, run = operation](benchmark::State& state) {
                 operateInPlace(state, picture, run);

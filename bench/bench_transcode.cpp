@@ -1,7 +1,5 @@
 #include <benchmark/benchmark.h>
 
-#include <cstring>
-
 #include "bench_pictures.h"
 #include "transcode/convert_layout.h"
 
@@ -18,6 +16,7 @@ struct Conversion {
 
 // clang-format off
 constexpr Conversion conversions[] = {
+    // Name         Format                            Channel type    Colour space
     {"bgra8",       {'b', 'g', 'r', 'a', 8, 8, 8, 8}, eVarUByteNorm,  eColourSpaceLinear},
     {"rgb8",        {'r', 'g', 'b', 0, 8, 8, 8, 0},   eVarUByteNorm,  eColourSpaceLinear},
     {"l8",          {'l', 0, 0, 0, 8, 0, 0, 0},       eVarUByteNorm,  eColourSpaceLinear},
@@ -33,16 +32,7 @@ CMOKTextureHeader headerOf(const BenchPicture& picture, PixelType type, EMOKTVar
     return {type.id, picture.height, picture.width, 1, 1, 1, 1, eColourSpaceLinear, channelType, false};
 }
 
-void copy(benchmark::State& state, const BenchPicture& picture) {
-    std::vector<std::uint8_t> target(picture.rgba.size());
-    for (auto _ : state) {
-        std::memcpy(target.data(), picture.rgba.data(), target.size());
-        benchmark::ClobberMemory();
-    }
-    countPixels(state, std::uint64_t{picture.width} * picture.height);
-}
-
-/// From linear RGBA8, between textures that exist already, so that the conversion alone is measured.
+/// Converts from linear RGBA8 between textures that are allocated beforehand, so that only the conversion is measured.
 void convert(benchmark::State& state, const BenchPicture& picture, const Conversion& conversion) {
     const CMOKTexture from(headerOf(picture, PixelTypeRGBA8, eVarUByteNorm), picture.rgba.data());
     CMOKTexture to(headerOf(picture, conversion.type, conversion.channelType), nullptr);
@@ -59,8 +49,7 @@ void convert(benchmark::State& state, const BenchPicture& picture, const Convers
 
 void registerTranscodeBenchmarks(const std::vector<BenchPicture>& pictures) {
     for (const BenchPicture& picture : pictures) {
-        benchmark::RegisterBenchmark(("transcode/memcpy/" + picture.name).c_str(),
-                                     [&picture](benchmark::State& state) { copy(state, picture); });
+        registerCopyBenchmark("transcode", picture);
         for (const Conversion& conversion : conversions)
             benchmark::RegisterBenchmark(
                 ("transcode/" + std::string(conversion.name) + "/" + picture.name).c_str(),

@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The picture without what its sides have beyond a multiple of 4. Empty if it cannot be read.
+/// Loads a picture and crops its sides to multiples of 4. Empty if it cannot be read.
 BenchPicture loadPicture(const fs::path& path) {
     std::ifstream stream(path, std::ios::binary);
     const std::vector<char> file(std::istreambuf_iterator<char>(stream), {});
@@ -70,6 +70,17 @@ void countPixels(benchmark::State& state, std::uint64_t pixelsPerIteration) {
     state.counters["Mpixels"] = benchmark::Counter(pixels / 1e6, benchmark::Counter::kIsRate);
 }
 
+void registerCopyBenchmark(const std::string& group, const BenchPicture& picture) {
+    benchmark::RegisterBenchmark((group + "/memcpy/" + picture.name).c_str(), [&picture](benchmark::State& state) {
+        std::vector<std::uint8_t> target(picture.rgba.size());
+        for (auto _ : state) {
+            std::memcpy(target.data(), picture.rgba.data(), target.size());
+            benchmark::ClobberMemory();
+        }
+        countPixels(state, std::uint64_t{picture.width} * picture.height);
+    });
+}
+
 int main(int argc, char** argv) {
     if (argc < 2 || argv[1][0] == '-') {
         std::cerr << "usage: moktex_bench PICTURE_FOLDER [--benchmark_filter=REGEX ...]\n";
@@ -88,7 +99,7 @@ int main(int argc, char** argv) {
     registerAmtcEvaluationBenchmarks(pictures);
     registerAmtcBenchmarks(pictures);
     registerOperationBenchmarks(pictures);
-    // The folder is no flag of the benchmark library's.
+    // The benchmark library does not know the folder argument: move it behind the flags.
     std::rotate(argv + 1, argv + 2, argv + argc);
     int flags = argc - 1;
     benchmark::Initialize(&flags, argv);

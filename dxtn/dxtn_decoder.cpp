@@ -101,8 +101,8 @@ std::uint32_t DecompressDXTn(const void* blocks, void* pixels, const std::uint32
             decodeImage<AlphaBlock::interpolated>(source, image);
             break;
     }
-    // Kept (dxtn-zero-after-decode): 0 after success too; the decompression stage of `Transcode` ignores the result of its
-    // decoders, and callers that took 0 for the answer of every call would see a change.
+    // Kept (dxtn-zero-after-decode): 0 after success too, so that `decompressStage` counts nothing for DXTn; `Transcode` ignores
+    // that count, and must not take it for a sign of failure.
     return 0;
 }
 

@@ -27,10 +27,10 @@
 //           if floor + bound[blue] > limit in all tables:                                skip
 //           compute the error; if it comes before the best in (error, red, green, blue): best = it, limit = its error
 //
-// It ends as the box is finite and visited once; a step downhill lowers an integer error that is not negative. Nothing better is
-// missed: a colour is skipped only if its error is above the limit, and the limit is never below the least error that is still
-// wanted. Colours of equal error are never skipped, so that the first of them wins as in a walk over all. In the worst case all
-// colours are computed; with a good start colour few are.
+// It ends: the box is finite and visited once, and a step downhill lowers an integer error that is not negative. Nothing better
+// is missed: a colour is skipped only if its error is above the limit, and the limit is an error that the result may still have.
+// A colour of exactly that error is not skipped, so that the first of several wins, as it would if all were computed. In the
+// worst case all are; with a good start colour few are.
 //
 // Bounds are sums in another order than errors, so that floats round them otherwise: `roundingMargin` covers that. With uniform
 // weights all values are exact.

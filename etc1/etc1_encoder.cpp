@@ -67,7 +67,7 @@ std::uint32_t CompressETC1(const void* pixels, void* out, const std::uint32_t* w
     using namespace etc1;
     if (width == nullptr || height == nullptr) return 0;
     // Kept (etc1-size-not-rounded): not rounded up to whole blocks, though whole blocks are written. `Transcode` compares it with
-    // the blocks' size and so refuses textures whose sides are no multiples of 4.
+    // the size of the blocks, and so returns false for textures whose sides are no multiples of 4.
     const std::uint32_t size = *width * *height / 2;
     if (pixels == nullptr || out == nullptr) return size;
     if (quality >= qualities.size()) return 0;

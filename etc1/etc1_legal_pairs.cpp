@@ -10,12 +10,12 @@
 //   rank[r][g][b] = error << 15 | red << 10 | green << 5 | blue        of each second colour: orders ties as the box is walked
 //   for each channel:
 //       for each line of ranks along that channel:
-//           line[first code] = min over the second codes of that line with a difference of -4 to 3
+//           line[first code] = min over the second codes of that line at most 4 below and 3 above it
 //   for each first colour, red outermost:
-//       error = first's error + (rank at its place) >> 15;  keep the first pair of least error
+//       error = its error + (rank at its offset >> 15);  keep the first pair of least error
 //
-// That is 3 * n^3 * 8 comparisons at most and two boxes of memory, 16 KB. The rank also carries the second colour, so that
-// nothing else must be remembered.
+// That is 3 * n^3 * 8 comparisons at most, and 11 KB for the ranks. A rank also carries the second colour, so that nothing else
+// must be remembered.
 
 namespace moktexture::etc1 {
 namespace {

@@ -1,5 +1,5 @@
-// Draws sample.png, the picture that scripts/quickstart works on: smooth ground, fine grain, hard edges, lettering, a cut-out
-// leaf and a soft glow on transparent ground.
+// Draws sample.png, the picture that scripts/quickstart encodes: smooth gradients, fine grain, hard edges, lettering, a cut-out
+// leaf, and a soft glow on a transparent background.
 //   draw_sample OUT.png
 
 #include <algorithm>
@@ -56,9 +56,9 @@ double fractalNoise(double x, double y) {
 }
 
 Colour sky(double x, double y) {
-    const Colour ground = mix({0.16, 0.30, 0.62, 1}, {0.98, 0.72, 0.46, 1}, smoothStep(0, 300, y));
+    const Colour gradient = mix({0.16, 0.30, 0.62, 1}, {0.98, 0.72, 0.46, 1}, smoothStep(0, 300, y));
     const double sun = std::hypot(x - 150, y - 190);
-    return mix(ground, {1, 0.95, 0.75, 1}, 1 - smoothStep(34, 36, sun) * smoothStep(0, 220, sun));
+    return mix(gradient, {1, 0.95, 0.75, 1}, 1 - smoothStep(34, 36, sun) * smoothStep(0, 220, sun));
 }
 
 Colour hills(const Colour& behind, double x, double y) {
@@ -116,17 +116,17 @@ Colour scene(double x, double y) {
     return leaf(y < 256 ? glow(x, y) : Colour{0.62, 0.24, 0.08, 0}, x, y);
 }
 
-/// Mean of a pixel's samples, each colour weighted by its alpha.
+/// The mean of a pixel's samples, their colours weighted by alpha; unweighted if all are transparent.
 void drawPixel(int x, int y, std::uint8_t* pixel) {
-    Colour sum{0, 0, 0, 0}, plain{0, 0, 0, 0};
+    Colour sum{0, 0, 0, 0}, unweighted{0, 0, 0, 0};
     constexpr double count = samplesPerAxis * samplesPerAxis;
     for (int i = 0; i < samplesPerAxis * samplesPerAxis; ++i) {
         const Colour c = scene(x + (i % samplesPerAxis + 0.5) / samplesPerAxis, y + (i / samplesPerAxis + 0.5) / samplesPerAxis);
         sum = {sum.r + c.r * c.a, sum.g + c.g * c.a, sum.b + c.b * c.a, sum.a + c.a};
-        plain = {plain.r + c.r, plain.g + c.g, plain.b + c.b, 0};
+        unweighted = {unweighted.r + c.r, unweighted.g + c.g, unweighted.b + c.b, 0};
     }
     const Colour mean = sum.a > 0 ? Colour{sum.r / sum.a, sum.g / sum.a, sum.b / sum.a, sum.a / count}
-                                  : Colour{plain.r / count, plain.g / count, plain.b / count, 0};
+                                  : Colour{unweighted.r / count, unweighted.g / count, unweighted.b / count, 0};
     const double channels[] = {mean.r, mean.g, mean.b, mean.a};
     for (int c = 0; c < 4; ++c)
         pixel[c] = static_cast<std::uint8_t>(std::clamp(channels[c], 0.0, 1.0) * 255 + 0.5);
