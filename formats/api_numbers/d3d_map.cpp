@@ -8,7 +8,7 @@ namespace {
 using enum MapDirection;
 
 // clang-format off
-constexpr D3DRow rows[] = {
+constexpr D3DRow d3dRows[] = {
     // Number              Pixel format                    Channel type   Direction  Premultiplied
     {D3DFMT_R8G8B8,        layout("rgb", 8, 8, 8),         eVarUIntNorm,  getAndSet},
     {D3DFMT_A8R8G8B8,      layout("argb", 8, 8, 8, 8),     eVarUIntNorm,  getAndSet},
@@ -91,7 +91,7 @@ constexpr D3DRow rows[] = {
 }  // namespace
 
 std::uint32_t findD3DNumber(PixelType pixelFormat, EMOKTVariableType channelType) {
-    for (const D3DRow& row : rows) {
+    for (const D3DRow& row : d3dRows) {
         if (!isForGetter(row.direction) || row.pixelFormat != pixelFormat) continue;
         if (isCompressed(pixelFormat) || row.channelType == channelType) return row.number;
     }
@@ -99,7 +99,7 @@ std::uint32_t findD3DNumber(PixelType pixelFormat, EMOKTVariableType channelType
 }
 
 const D3DRow* findD3DFormat(std::uint32_t number) {
-    for (const D3DRow& row : rows) {
+    for (const D3DRow& row : d3dRows) {
         if (isForSetter(row.direction) && row.number == number) return &row;
     }
     return nullptr;

@@ -10,7 +10,7 @@ constexpr EMOKTColourSpace sRGB = eColourSpaceSRGB;
 
 // BC6H_UF16 (95) has no row.
 // clang-format off
-constexpr DXGIRow rows[] = {
+constexpr DXGIRow dxgiRows[] = {
     // Number                         Pixel format                    Channel type    Space   Direction  Any channel type
     {DXGI_FORMAT_R32G32B32A32_FLOAT,  layout("rgba", 32, 32, 32, 32), eVarFloat,      linear, getAndSet},
     {DXGI_FORMAT_R32G32B32A32_UINT,   layout("rgba", 32, 32, 32, 32), eVarUInt,       linear, getAndSet},
@@ -102,7 +102,7 @@ constexpr DXGIRow rows[] = {
 std::uint32_t findDXGINumber(PixelType pixelFormat, EMOKTVariableType channelType, EMOKTColourSpace colourSpace) {
     const bool wantsSRGB = colourSpace == eColourSpaceSRGB;
     std::uint32_t inOtherSpace = 0;
-    for (const DXGIRow& row : rows) {
+    for (const DXGIRow& row : dxgiRows) {
         if (!isForGetter(row.direction) || row.pixelFormat != pixelFormat) continue;
         if (row.channelType != channelType && !row.takesAnyChannelType) continue;
         if ((row.colourSpace == sRGB) == wantsSRGB) return row.number;
@@ -112,7 +112,7 @@ std::uint32_t findDXGINumber(PixelType pixelFormat, EMOKTVariableType channelTyp
 }
 
 const DXGIRow* findDXGIFormat(std::uint32_t number) {
-    for (const DXGIRow& row : rows) {
+    for (const DXGIRow& row : dxgiRows) {
         if (isForSetter(row.direction) && row.number == number) return &row;
     }
     return nullptr;

@@ -20,7 +20,7 @@ using enum MapDirection;
 // Columns: pixel format, channel type, {internal format, format, type}, direction for OpenGL, direction for OpenGL ES. OpenGL ES
 // has neither bgr 8.8.8 nor signed bytes.
 // clang-format off
-constexpr OpenGLRow rows[] = {
+constexpr OpenGLRow openGLRows[] = {
     {eFmtMOKTC2bppRGB,  eVarUIntNorm, {glMOKTC2bppRGB,   0, 0}, both,    both},
     {eFmtMOKTC2bppRGBA, eVarUIntNorm, {glMOKTC2bppRGBA,  0, 0}, both,    both},
     {eFmtMOKTC4bppRGB,  eVarUIntNorm, {glMOKTC4bppRGB,   0, 0}, both,    both},
@@ -97,7 +97,7 @@ MapDirection directionOf(const OpenGLRow& row, OpenGLApi api) {
 }  // namespace
 
 std::optional<OpenGLNumbers> findOpenGLNumbers(OpenGLApi api, PixelType pixelFormat, EMOKTVariableType channelType) {
-    for (const OpenGLRow& row : rows) {
+    for (const OpenGLRow& row : openGLRows) {
         if (!isForGetter(directionOf(row, api)) || row.pixelFormat != pixelFormat) continue;
         if (isCompressed(pixelFormat) || row.channelType == channelType) return numbersOf(row, api);
     }
@@ -105,7 +105,7 @@ std::optional<OpenGLNumbers> findOpenGLNumbers(OpenGLApi api, PixelType pixelFor
 }
 
 std::optional<OpenGLPixels> findOpenGLCompressed(OpenGLApi api, std::uint32_t internalFormat) {
-    for (const OpenGLRow& row : rows) {
+    for (const OpenGLRow& row : openGLRows) {
         if (!isForSetter(directionOf(row, api)) || !isCompressed(row.pixelFormat)) continue;
         if (row.numbers.internalFormat == internalFormat) return OpenGLPixels{row.pixelFormat, row.channelType};
     }
@@ -113,7 +113,7 @@ std::optional<OpenGLPixels> findOpenGLCompressed(OpenGLApi api, std::uint32_t in
 }
 
 std::optional<OpenGLPixels> findOpenGLLayout(OpenGLApi api, std::uint32_t baseFormat, std::uint32_t type) {
-    for (const OpenGLRow& row : rows) {
+    for (const OpenGLRow& row : openGLRows) {
         if (!isForSetter(directionOf(row, api)) || isCompressed(row.pixelFormat)) continue;
         const OpenGLNumbers numbers = numbersOf(row, api);
         if (numbers.format == baseFormat && numbers.type == type) return OpenGLPixels{row.pixelFormat, row.channelType};

@@ -108,7 +108,7 @@ ELoadStatus applyHeader(const DDSHeader& dds, CMOKTextureHeader& header) {
     return (dds.flags & DDSD_PITCH) != 0 ? eLoadUnsupported : eLoadOk;
 }
 
-DDSHeader makeHeader(const CMOKTextureHeader& header) {
+DDSHeader makeDDSHeader(const CMOKTextureHeader& header) {
     const bool hasLevels = header.getNumMIPLevels() > 1;
     const bool hasFaces = header.getNumFaces() > 1;
     DDSHeader dds;
@@ -150,7 +150,7 @@ ELoadStatus readDDSFile(ByteReader& source, const ReadPolicy& policy, CMOKTextur
 }
 
 bool writeDDSFile(const CMOKTexture& texture, ByteWriter& target) {
-    DDSHeader dds = makeHeader(texture);
+    DDSHeader dds = makeDDSHeader(texture);
     if (!makePixelFormat(texture.getD3DFormat(), dds.pixelFormat)) return false;
     if (!hasNoSubresources(texture) && !TextureInternals::hasValidPixelData(texture)) return false;
     if (!target.write(&dds, sizeof(dds))) return false;

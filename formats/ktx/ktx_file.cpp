@@ -152,7 +152,7 @@ std::array<char, 10> orientationValue(const CMOKTextureHeader& header) {
     return value;
 }
 
-KTXHeader makeHeader(const CMOKTextureHeader& header) {
+KTXHeader makeKTXHeader(const CMOKTextureHeader& header) {
     KTXHeader ktx;
     header.getOGLFormat(ktx.glInternalFormat, ktx.glFormat, ktx.glType);
     // Kept (ktx-type-size-of-pixel): the bytes of a whole pixel, not of a channel, and 0 for formats below 8 bits per pixel; the
@@ -186,7 +186,7 @@ ELoadStatus readKTXFile(ByteReader& source, const ReadPolicy& policy, CMOKTextur
 }
 
 bool writeKTXFile(const CMOKTexture& texture, ByteWriter& target) {
-    KTXHeader ktx = makeHeader(texture);
+    KTXHeader ktx = makeKTXHeader(texture);
     if (ktx.glInternalFormat == 0) return false;
     const std::array<char, 10> value = orientationValue(texture);
     constexpr std::uint32_t pairSize = sizeof(orientationKey) + sizeof(value);

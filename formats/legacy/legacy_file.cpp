@@ -90,7 +90,7 @@ ELoadStatus readPixels(ByteReader& source, CMOKTexture& texture) {
     return isComplete ? eLoadOk : truncatedStatus(source);
 }
 
-LegacyHeader makeHeader(const CMOKTextureHeader& header, std::uint8_t formatNumber) {
+LegacyHeader makeLegacyHeader(const CMOKTextureHeader& header, std::uint8_t formatNumber) {
     LegacyHeader legacy;
     legacy.height = header.getHeight();
     legacy.width = header.getWidth();
@@ -133,7 +133,7 @@ bool writeLegacyFile(const CMOKTexture& texture, ELegacyApi api, ByteWriter& tar
                                  texture.isPreMultiplied()};
     const std::optional<std::uint8_t> number = legacyNumberOf(format, api);
     if (!number) return false;
-    const LegacyHeader legacy = makeHeader(texture, *number);
+    const LegacyHeader legacy = makeLegacyHeader(texture, *number);
     const bool headerWritten = target.write(&legacy, sizeof(legacy));
     return writePixelData(texture, target) && headerWritten;
 }

@@ -7,7 +7,7 @@ namespace moktexture::moktc {
 namespace {
 
 /// A higher threshold skips more blocks that are nearly right and costs quality. The encoded bytes depend on it.
-constexpr FitSettings fitSettings = {.pixels = blockArea2bpp, .errorThreshold = 128.0f};
+constexpr FitSettings fitSettings2bpp = {.pixels = blockArea2bpp, .errorThreshold = 128.0f};
 
 }  // namespace
 
@@ -43,7 +43,7 @@ RGBAPair MOKTC2bppCompressor::fitBlock(std::size_t index, const BlockImages& ima
         weight = std::min(weight, std::uint8_t{8});
     ResidualSums sums;
     m_kernels.sumResiduals(images, weights.data(), m_blockWidth, sums);
-    return fitColours(sums, fitSettings, colours);
+    return fitColours(sums, fitSettings2bpp, colours);
 }
 
 Block MOKTC2bppCompressor::packModulation(std::size_t index) const {

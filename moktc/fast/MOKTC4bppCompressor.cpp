@@ -6,7 +6,7 @@ namespace moktexture::moktc {
 namespace {
 
 /// A higher threshold skips more blocks that are nearly right and costs quality. The encoded bytes depend on it.
-constexpr FitSettings fitSettings = {.pixels = blockArea4bpp, .errorThreshold = 32.0f};
+constexpr FitSettings fitSettings4bpp = {.pixels = blockArea4bpp, .errorThreshold = 32.0f};
 
 const std::uint8_t* indicesOf(const ModulationBlock4bpp& block) {
     return block.mode == 0 ? block.normalIndices : block.punchIndices;
@@ -44,7 +44,7 @@ RGBAPair MOKTC4bppCompressor::fitBlock(std::size_t index, const BlockImages& ima
         weights[i] = indexWeights[0][indices[i]];
     ResidualSums sums;
     m_kernels.sumResiduals(images, weights.data(), m_blockWidth, sums);
-    return fitColours(sums, fitSettings, colours);
+    return fitColours(sums, fitSettings4bpp, colours);
 }
 
 Block MOKTC4bppCompressor::packModulation(std::size_t index) const {

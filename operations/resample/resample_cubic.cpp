@@ -8,15 +8,13 @@ namespace {
 
 /// Destination columns whose positions are computed once and serve all rows. Wider strips make longer loops and a larger cache of
 /// 16 rows, which at this width takes 64 KB.
-constexpr std::uint32_t stripWidth = 64;
-constexpr std::size_t stripElements = stripWidth * channelsPerPixel;
-/// Key of an empty slot of the row cache.
-constexpr std::uint64_t noRow = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint32_t cubicStripWidth = 64;
+constexpr std::size_t cubicStripElements = cubicStripWidth * channelsPerPixel;
 
 /// One of the four samples of each of the strip's columns, with weights repeated for each element so that one loop covers all.
 struct StripTap {
-    std::uint32_t column[stripWidth];
-    float weight[stripElements];
+    std::uint32_t column[cubicStripWidth];
+    float weight[cubicStripElements];
 };
 
 void computeColumns(const ResampleAxis& axis, std::uint32_t firstColumn, std::uint32_t columnCount, StripTap (&taps)[cubicTaps]) {
@@ -34,7 +32,7 @@ void computeColumns(const ResampleAxis& axis, std::uint32_t firstColumn, std::ui
 
 /// A source row as the strip's columns sample it: for each of their four samples the product with its weight in x.
 struct WeightedRow {
-    float products[cubicTaps][stripElements];
+    float products[cubicTaps][cubicStripElements];
 };
 
 /// Adds to each sum its product of each of four runs, one after another, scaled by `weigh(product, index of the run)`.
@@ -155,17 +153,17 @@ private:
     const std::uint32_t columnCount;
     const std::size_t elementCount;
     StripTap taps[cubicTaps];
-    T gathered[stripElements];
+    T gathered[cubicStripElements];
     std::uint64_t cachedKeys[cubicTaps * cubicTaps];  ///< slice (high 32 bits) and row of each cached row
     WeightedRow cachedRows[cubicTaps * cubicTaps];
-    float sums[stripElements];
+    float sums[cubicStripElements];
 };
 
 }  // namespace
 
 template <typename T>
 void resampleCubic(const Resampling<T>& resampling) {
-    forEachStrip(resampling.destination.size.width, stripWidth,
+    forEachStrip(resampling.destination.size.width, cubicStripWidth,
                  [&resampling](std::uint32_t first, std::uint32_t count) { CubicStrip<T>(resampling, first, count).resample(); });
 }
 

@@ -8,17 +8,15 @@ namespace {
 
 /// Destination columns whose positions are computed once and serve all rows. Wider strips make longer loops and larger row
 /// caches.
-constexpr std::uint32_t stripWidth = 256;
-constexpr std::size_t stripElements = stripWidth * channelsPerPixel;
-/// Key of an empty slot of the row cache.
-constexpr std::uint64_t noRow = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint32_t linearStripWidth = 256;
+constexpr std::size_t linearStripElements = linearStripWidth * channelsPerPixel;
 
 /// Left and right samples of the strip's columns, and their weights, repeated for each element so that one loop covers all.
 struct StripColumns {
-    std::uint32_t left[stripWidth];
-    std::uint32_t right[stripWidth];
-    float leftWeight[stripElements];
-    float rightWeight[stripElements];
+    std::uint32_t left[linearStripWidth];
+    std::uint32_t right[linearStripWidth];
+    float leftWeight[linearStripElements];
+    float rightWeight[linearStripElements];
     bool areHalfway;  ///< all weights are 0.5, as in a halving
 };
 
@@ -149,19 +147,19 @@ private:
     const std::uint32_t columnCount;
     const std::size_t elementCount;
     StripColumns columns;
-    T left[stripElements];
-    T right[stripElements];
+    T left[linearStripElements];
+    T right[linearStripElements];
     std::uint64_t cachedKeys[4];  ///< slice (high 32 bits) and row of each cached row
-    T cachedRows[4][stripElements];
-    T nearSlice[stripElements];
-    T farSlice[stripElements];
+    T cachedRows[4][linearStripElements];
+    T nearSlice[linearStripElements];
+    T farSlice[linearStripElements];
 };
 
 }  // namespace
 
 template <typename T>
 void resampleLinear(const Resampling<T>& resampling) {
-    forEachStrip(resampling.destination.size.width, stripWidth, [&resampling](std::uint32_t first, std::uint32_t count) {
+    forEachStrip(resampling.destination.size.width, linearStripWidth, [&resampling](std::uint32_t first, std::uint32_t count) {
         LinearStrip<T>(resampling, first, count).resample();
     });
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 #include "core/base/numeric.h"
 #include "operations/frame/channel_elements.h"
@@ -118,6 +119,9 @@ Resampling<T> makeResampling(const LevelView<const T>& source, const LevelView<T
     return {source, destination, makeResampleAxis(from.width, to.width), makeResampleAxis(from.height, to.height),
             makeResampleAxis(from.depth, to.depth)};
 }
+
+/// Key of an empty slot of a cache of rows.
+constexpr std::uint64_t noRow = std::numeric_limits<std::uint64_t>::max();
 
 /// Calls `work(firstColumn, columnCount)` for strips of up to `stripWidth` columns of a destination, from left to right.
 template <typename Work>

@@ -39,7 +39,7 @@ constexpr GridPosition gridPositionOf(std::size_t offset, std::size_t blockSide)
     return {block, static_cast<float>(offset - block * blockSide) / static_cast<float>(blockSide)};
 }
 
-ColourVector toVector(const std::array<std::uint8_t, channelCount>& colour) {
+ColourVector meanVector(const std::array<std::uint8_t, channelCount>& colour) {
     return {static_cast<float>(colour[0]), static_cast<float>(colour[1]), static_cast<float>(colour[2]),
             static_cast<float>(colour[3])};
 }
@@ -49,8 +49,8 @@ std::array<ColourVector, 3> meansAtRow(const NeighbourMeans& means, std::size_t 
     const GridPosition position = gridPositionOf(row, blockHeight);
     std::array<ColourVector, 3> interpolated;
     for (std::size_t column = 0; column < 3; ++column)
-        interpolated[column] = pointBetween(toVector(means[3 * position.block + column]),
-                                            toVector(means[3 * (position.block + 1) + column]), position.fraction);
+        interpolated[column] = pointBetween(meanVector(means[3 * position.block + column]),
+                                            meanVector(means[3 * (position.block + 1) + column]), position.fraction);
     return interpolated;
 }
 
@@ -62,7 +62,7 @@ void subtractMeans(const Footprint& footprint, const AmtcLevelSettings& settings
         for (std::size_t column = 0; column < settings.footprintWidth; ++column, ++pixel) {
             const GridPosition position = gridPositionOf(column, settings.blockWidth);
             const ColourVector mean = pointBetween(means[position.block], means[position.block + 1], position.fraction);
-            const ColourVector colour = amtc::toVector(footprint[pixel]);
+            const ColourVector colour = toVector(footprint[pixel]);
             for (std::size_t channel = 0; channel < channelCount; ++channel)
                 detail[pixel][channel] = colour[channel] - mean[channel];
         }
@@ -149,7 +149,7 @@ void AnalyseDetail(const Footprint& footprint, const AmtcLevelSettings& settings
         includeProjection(detail[i], all);
         if (hasAlpha(footprint[i])) includeProjection(detail[i], opaque);
     });
-    const ColourVector centreMean = toVector(neighbourMeans[centreOfNeighbourhood]);
+    const ColourVector centreMean = meanVector(neighbourMeans[centreOfNeighbourhood]);
     shiftToColours(centreMean, cloud.sum, all);
     shiftToColours(centreMean, opaqueMean, opaque);
 }

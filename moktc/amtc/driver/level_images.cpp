@@ -20,7 +20,7 @@ constexpr std::uint32_t leastVisibleAlpha = 4;
 /// How far the neighbourhood reaches each way, and the weights along one axis. A wider one bleeds colours further under a
 /// cut-out, at a cost that grows with its square.
 constexpr std::int32_t reach = 3;
-constexpr std::array<std::uint32_t, 2 * reach + 1> weights = {1, 2, 3, 4, 3, 2, 1};
+constexpr std::array<std::uint32_t, 2 * reach + 1> reductionWeights = {1, 2, 3, 4, 3, 2, 1};
 
 std::int32_t wrap(std::int32_t position, std::int32_t size) {
     const std::int32_t rest = position % size;
@@ -41,8 +41,8 @@ std::uint32_t surroundingColour(const AmtcImage& image, std::int32_t centreX, st
             if (dx == 0 && dy == 0) continue;
             const std::uint32_t colour = row[wrap(centreX + dx, image.Width)];
             // Alpha plus 1: the weight is never 0, and so neither is the sum.
-            const std::uint32_t weight = weights[static_cast<std::size_t>(dy + reach)] *
-                                         weights[static_cast<std::size_t>(dx + reach)] * ((colour >> 24) + 1);
+            const std::uint32_t weight = reductionWeights[static_cast<std::size_t>(dy + reach)] *
+                                         reductionWeights[static_cast<std::size_t>(dx + reach)] * ((colour >> 24) + 1);
             red += weight * (colour & 0xFF);
             green += weight * (colour >> 8 & 0xFF);
             blue += weight * (colour >> 16 & 0xFF);

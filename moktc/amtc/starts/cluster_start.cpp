@@ -58,7 +58,7 @@ using DiscColours = std::array<std::uint32_t, discPixels>;
 // More clusters and more steps represent rare colours better; time grows with both. The candidates use
 // the four largest clusters at most; a fifth keeps rare colours out of their means. The bytes depend on these constants.
 constexpr std::size_t mostClusters = 5;
-constexpr int steps = 11;
+constexpr int clusterSteps = 11;
 /// Squared distance from its cluster's mean up to which a pixel counts as represented: 6 in one channel. A smaller value adds
 /// clusters for noise, a larger one misses colours.
 constexpr std::uint32_t errorThreshold = 36;
@@ -188,7 +188,7 @@ void sortByCount(Clusters& clusters) {
 
 Clusters findClusters(const DiscColours& colours, const ColourVector& axis) {
     Clusters clusters = seedClusters(colours, axis);
-    for (int remaining = steps - 1;; --remaining) {
+    for (int remaining = clusterSteps - 1;; --remaining) {
         const FarthestPixel farthest = assignPixels(clusters, colours);
         const bool isLast = remaining == 0 || farthest.distance <= errorThreshold;
         if (isLast) sortByCount(clusters);
