@@ -76,12 +76,12 @@ void computeSource(EChannelName source, const S* pixels, std::size_t count, D* c
 }
 
 /// Pixels that are copied at a time: their four computed channels, at most 4 KB, stay in the cache.
-constexpr std::size_t runLength = 256;
+constexpr std::size_t copyRunLength = 256;
 
 /// Copies channels of a run of pixels. All sources are computed before any element is written, so that both runs may be the same.
 template <typename D, typename S>
 void copyRun(const S* source, D* destination, std::size_t count, const ChannelSources& sources) {
-    D columns[channelsPerPixel][runLength];
+    D columns[channelsPerPixel][copyRunLength];
     for (std::size_t c = 0; c < channelsPerPixel; ++c) {
         if (sources[c] != eChannelNone) {
             computeSource(sources[c], source, count, columns[c]);
@@ -99,8 +99,8 @@ void copyRun(const S* source, D* destination, std::size_t count, const ChannelSo
 template <typename D, typename S>
 bool copyLevel(const LevelView<const S>& source, const LevelView<D>& destination, const ChannelSources& sources) {
     const std::size_t pixelCount = destination.size.pixelCount();
-    for (std::size_t first = 0; first < pixelCount; first += runLength) {
-        const std::size_t count = std::min(runLength, pixelCount - first);
+    for (std::size_t first = 0; first < pixelCount; first += copyRunLength) {
+        const std::size_t count = std::min(copyRunLength, pixelCount - first);
         copyRun(source.data + first * channelsPerPixel, destination.data + first * channelsPerPixel, count, sources);
     }
     return true;

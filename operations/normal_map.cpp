@@ -87,13 +87,13 @@ struct HeightRows {
 };
 
 /// Pixels that are computed at a time: the components of a run take 1.5 KB, which stays in the cache.
-constexpr std::size_t runLength = 128;
+constexpr std::size_t normalRunLength = 128;
 
 /// The components of a run of normals, from 0 to 1 as they are stored.
 struct NormalRun {
-    float x[runLength];
-    float y[runLength];
-    float z[runLength];
+    float x[normalRunLength];
+    float y[normalRunLength];
+    float z[normalRunLength];
 };
 
 void computeNormals(const HeightRows& rows, std::size_t first, std::size_t count, float scale, NormalRun& normals) {
@@ -114,8 +114,8 @@ void computeNormals(const HeightRows& rows, std::size_t first, std::size_t count
 /// Arranges a run of normals and their heights as pixels.
 void storeNormals(const NormalRun& normals, const float* heights, std::size_t count, const ChannelContents& channels,
                   float* pixels) {
-    static constexpr std::array<float, runLength> ones = [] {
-        std::array<float, runLength> values = {};
+    static constexpr std::array<float, normalRunLength> ones = [] {
+        std::array<float, normalRunLength> values = {};
         values.fill(1.0f);
         return values;
     }();
@@ -131,8 +131,8 @@ void storeNormals(const NormalRun& normals, const float* heights, std::size_t co
 
 void mapRow(const HeightRows& rows, std::uint32_t width, const NormalMapSettings& settings, float* pixels) {
     NormalRun normals;
-    for (std::size_t first = 0; first < width; first += runLength) {
-        const std::size_t count = std::min(runLength, width - first);
+    for (std::size_t first = 0; first < width; first += normalRunLength) {
+        const std::size_t count = std::min(normalRunLength, width - first);
         computeNormals(rows, first, count, settings.scale, normals);
         storeNormals(normals, rows.here.at(first), count, settings.channels, pixels + first * channelsPerPixel);
     }
