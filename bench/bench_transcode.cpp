@@ -28,14 +28,14 @@ constexpr Conversion conversions[] = {
 };
 // clang-format on
 
-CMOKTextureHeader headerOf(const BenchPicture& picture, PixelType type, EMOKTVariableType channelType) {
+CMOKTextureHeader makeHeader(const BenchPicture& picture, PixelType type, EMOKTVariableType channelType) {
     return {type.id, picture.height, picture.width, 1, 1, 1, 1, eColourSpaceLinear, channelType, false};
 }
 
 /// Converts from linear RGBA8 between textures that are allocated beforehand, so that only the conversion is measured.
 void convert(benchmark::State& state, const BenchPicture& picture, const Conversion& conversion) {
-    const CMOKTexture from(headerOf(picture, PixelTypeRGBA8, eVarUByteNorm), picture.rgba.data());
-    CMOKTexture to(headerOf(picture, conversion.type, conversion.channelType), nullptr);
+    const CMOKTexture from(makeHeader(picture, PixelTypeRGBA8, eVarUByteNorm), picture.rgba.data());
+    CMOKTexture to(makeHeader(picture, conversion.type, conversion.channelType), nullptr);
     PixelCodec fromCodec(PixelTypeRGBA8, eVarUByteNorm);
     PixelCodec toCodec(conversion.type, conversion.channelType);
     for (auto _ : state) {

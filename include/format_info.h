@@ -20,7 +20,7 @@ enum EFormatCodec : unsigned int {
 /// Bits of FormatInfo::codecVariant where the codec is eCodecMOKTC.
 enum EMOKTCVariant : unsigned int {
     eMOKTCSecondGeneration = 1,
-    eMOKTCHasAlpha = 2,  ///< the encoder is told that the pixels have alpha
+    eMOKTCHasAlpha = 2,  ///< passed to the encoder: the pixels have alpha
 };
 
 /// What the library knows of one compressed format. Blocks and sizes are in pixels; no format has a block deeper than 1.

@@ -12,7 +12,7 @@
 ///
 /// What a conversion means is defined pixel by pixel by PixelCodec: read each channel as a float, write it into the destination's
 /// channel, then, if the colour spaces differ, read the written colour channels back, apply the curve and write them again. Each
-/// of the faster forms moves work from the pixel loop to a preparation and gives the same bytes:
+/// of the faster forms does some of this work once, before the pixel loop, and gives the same bytes:
 ///
 ///     form           work per pixel                                 preparation            speed, ns per pixel
 ///     pixelByPixel   all decisions and float operations             none                   40 to 100, 500 with a curve
@@ -23,7 +23,7 @@
 /// (512 by 512 pixels on one core of a shared x86-64 server; the order of magnitude is what matters.) The pair of layouts
 /// decides, and the number of pixels, since a few pixels are converted before a table is filled:
 ///
-///     if a layout has errors or there are few pixels:                          pixelByPixel
+///     if a layout has errors or an unknown type, or pixels are few:            pixelByPixel
 ///     else if some destination channel mixes source channels, or a source
 ///             channel has more than 8 bits, or channels share bits:            perChannel
 ///     else if each destination byte is a source byte or a constant, and the

@@ -48,7 +48,7 @@ CMOKTexture convertedTo(const CMOKTexture& texture, PixelType target, EMOKTVaria
 }
 
 /// Whether the encoders wrote exactly the texture's size.
-/// Kept (size-alone-tells-success): nothing else reports failure, so that a target with neither encoder nor data size, eFmtBC7
+/// Kept (size-alone-decides-success): nothing else reports failure, so that a target with neither encoder nor data size, eFmtBC7
 /// for one, gives true and an empty texture. Callers convert headers to such formats this way.
 bool compress(CMOKTexture& texture, PixelType target, ECompressorQuality quality) {
     const std::uint32_t count = compressStage(texture, target, quality);

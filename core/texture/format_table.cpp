@@ -23,8 +23,8 @@ constexpr unsigned int Alpha = eMOKTCHasAlpha, Gen2 = eMOKTCSecondGeneration;
 // blocks of these formats are larger. KTX and DDS files of these formats are read and written with the sizes that follow.
 // Kept (dither-etc1-alpha): ETC1 dithers alpha too, which its encoder drops; the dithered RGBA8 pixels are the same as for a
 // format with 4 bits of alpha.
-// Kept (moktc2-encoder-alpha): the second-generation encoder is told that there is no alpha, unlike the first-generation one.
-// The encoder ignores the flag: .mok files of both generations hold the alpha of their pixels.
+// Kept (moktc2-encoder-alpha): the second-generation encoder does not get the alpha flag, unlike the first-generation one. Both
+// encoders ignore it: .mok files of either generation hold the alpha of their pixels.
 // clang-format off
 constexpr std::array<FormatInfo, eFmtUnknown + 1> formats = {{
     //                                           size     codec   smallest longest, dither              variant

@@ -21,13 +21,14 @@ TEST(Dither, ErrorGoesRightBelowAndLowerRight) {
         Values before, after;
     } cases[] = {
         // clang-format off
+        // what, bits, width, height, depth, before, after
         {"half goes right, truncated; the sum is clamped at 255", 5, 3, 1, 1, {10, 20, 255}, {8, 16, 255}},
         {"one bit is the top bit plus half of the value", 1, 2, 1, 1, {100, 200}, {50, 240}},
         {"a negative error is truncated toward zero", 1, 2, 1, 1, {201, 100}, {228, 43}},
         {"clamped at 0", 1, 2, 1, 1, {200, 7}, {228, 0}},
         {"in a single column a quarter goes below and the half is lost", 1, 1, 2, 1, {100, 100}, {50, 56}},
         {"all three shares", 1, 2, 2, 1, {100, 100, 100, 100}, {50, 62, 56, 205}},
-        {"slices are apart", 1, 1, 1, 2, {100, 100}, {50, 50}},
+        {"no error leaves a slice", 1, 1, 1, 2, {100, 100}, {50, 50}},
         {"each share is clamped before the next is added", 1, 2, 2, 1, {127, 0, 184, 250}, {63, 16, 228, 250}},
         {"no bits", 0, 2, 1, 1, {100, 200}, {100, 200}}, {"8 bits", 8, 2, 1, 1, {101, 203}, {101, 203}},
         // clang-format on
@@ -77,10 +78,10 @@ TEST(Dither, EqualsTheReferenceForm) {
         random.fill(fast);
         for (std::size_t i = 0; round % 2 == 0 && i < fast.size(); ++i)  // extremes, where the order of clamped sums shows
             fast[i] = static_cast<std::uint8_t>(fast[i] < 128 ? fast[i] % 8 : 255 - fast[i] % 8);
-        Values plain = fast;
+        Values expected = fast;
         const PixelType target = targets[static_cast<std::size_t>(round) % std::size(targets)];
         ditherLevel(fast.data(), target, width, height, depth);
-        ditherLevelReference(plain.data(), target, width, height, depth);
-        ASSERT_EQ(fast, plain) << width << " by " << height << " by " << depth;
+        ditherLevelReference(expected.data(), target, width, height, depth);
+        ASSERT_EQ(fast, expected) << width << " by " << height << " by " << depth;
     }
 }

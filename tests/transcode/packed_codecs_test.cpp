@@ -31,6 +31,7 @@ Bytes decodedYUV(const Bytes& groups, std::uint32_t width, std::uint32_t height,
 TEST(PackedYUV, TakesEachChromaFromOnePixelOfThePair) {
     const std::pair<Bytes, Bytes> pairs[] = {
         // clang-format off
+        // even and odd pixel, UYVY group
         {{0, 0, 0, 0, 0, 0}, {128, 16, 128, 16}}, {{255, 255, 255, 255, 255, 255}, {128, 235, 128, 235}},
         {{255, 0, 0, 0, 0, 255}, {90, 82, 110, 41}},   // U of red, V of blue
         {{0, 0, 255, 255, 0, 0}, {240, 41, 240, 82}},  // U of blue, V of red
@@ -59,7 +60,7 @@ TEST(PackedYUV, DecodesWithItsOwnFactorsAndClamps) {
 }
 
 TEST(PackedYUV, OddWidthsOverwriteTheNextRowAndStayInsideTheLevel) {
-    // Luma 16 + 12 n gives grey 14 n, near enough to tell the groups: a row of 3 reads its own group and the next one.
+    // Luma 16 + 12 n gives grey 14 n, near enough to recognise the groups: a row of 3 reads its own group and the next one.
     const Bytes groups = {16, 128, 28, 128, 40, 128, 52, 128, 64, 128, 76, 128, 88, 128, 100, 128};
     const Bytes pixels = decodedYUV(groups, 3, 3, eFmtYUY2);
     const Bytes greys = {0, 14, 28, 28, 42, 56, 56, 70, 84};

@@ -45,6 +45,7 @@ TEST(PixelCodecTest, FlagsEveryErrorOfALayout) {
         std::uint32_t flags;
     } rows[] = {
         // clang-format off
+        // layout, flags
         {rgb565, 0}, {PixelType(std::uint64_t{0x61626772}), 0}, {{'r', 'g', 'r', 0, 8, 8, 8, 0}, 1},
         {{'r', 'g', 0, 0, 8, 0, 0, 0}, 2}, {{'r', 'q', 0, 0, 8, 8, 0, 0}, 4}, {{'r', 0, 'b', 0, 8, 0, 8, 0}, 8},
         {{'r', 'g', 'b', 0, 4, 4, 4, 0}, 16}, {{'r', 'g', 'b', 'a', 64, 64, 64, 64}, 32},
@@ -68,6 +69,7 @@ TEST(PixelCodecTest, ReadsChannelsOfEveryKind) {
         float value;
     } rows[] = {
         // clang-format off
+        // layout, channel type, bytes of the pixel, channel read, value
         {rgba8, u8, {1, 128, 2, 3}, G, 128.0f / 255.0f}, {rgba8, u32, {1, 2, 3, 51}, R, 0.2f},
         {rgb565, u16, {0xE0, 0x0F}, R, 1.0f / 31.0f}, {red(32), u32, {0xFF, 0xFF, 0xFF, 0xFF}, R, 1.0f},
         {red(32), u32, {0, 0, 0, 0x80}, R, 0.5f}, {red(8), s8, {0x7F}, R, 1.0f}, {red(8), s8, {0x80}, R, -0.0f},
@@ -101,6 +103,7 @@ TEST(PixelCodecTest, WritesChannelsOfEveryKind) {
         std::uint64_t word;
     } rows[] = {
         // clang-format off
+        // layout, channel type, channel written, value, pixel word
         {rgba8, u8, G, 1.0f, 0xFF00}, {rgba8, u8, G, 0.5f, 0x8000}, {rgba8, u8, G, 1.1f, 0x1900}, {rgba8, u8, G, -1.0f, 0},
         {rgba8, u8, G, notANumber, 0}, {rgba8, u8, G, infinity, 0}, {red(32), u32, R, 1.0f, 0},
         {red(32), u32, R, 0.5f, 0x80000000}, {red(8), s8, R, 1.0f, 0x7F}, {red(8), s8, R, -0.5f, 0xC0},
@@ -135,6 +138,7 @@ TEST(PixelCodecTest, ChoosesTheSourceOfGreyAlphaAndUnspecified) {
         Bytes expected;
     } rows[] = {
         // clang-format off
+        // from, pixel, to, expected pixel
         {rgba8, {10, 20, 30, 40}, {'b', 'g', 'r', 'a', 8, 8, 8, 8}, {30, 20, 10, 40}},
         {one8('l'), {77}, rgba8, {77, 77, 77, 255}}, {one8('i'), {77}, rgba8, {77, 77, 77, 255}},
         {one8('a'), {77}, rgba8, {0, 0, 0, 77}}, {one8('r'), {77}, rgba8, {77, 0, 0, 255}}, {la, {77, 9}, ri, {77, 77}},

@@ -14,13 +14,13 @@ using namespace moktexture;
 using Bytes = std::vector<std::uint8_t>;
 
 struct Shape {
-    std::uint32_t width, height, depth = 1, levels = 1, members = 1, faces = 1;
+    std::uint32_t width, height, depth = 1, levels = 1, layers = 1, faces = 1;
 };
 
 /// Large textures are left empty.
 inline CMOKTexture textureOf(PixelType format, const Shape& shape, EMOKTColourSpace colourSpace = eColourSpaceLinear,
                              EMOKTVariableType channelType = eVarUByteNorm) {
-    const CMOKTextureHeader header(format.id, shape.height, shape.width, shape.depth, shape.levels, shape.members, shape.faces,
+    const CMOKTextureHeader header(format.id, shape.height, shape.width, shape.depth, shape.levels, shape.layers, shape.faces,
                                    colourSpace, channelType, true);
     const bool isLarge = header.getDataSize() > 1u << 20;
     return CMOKTexture(header, isLarge ? nullptr : testimages::randomBytes(header.getDataSize(), 3).data());
@@ -31,9 +31,18 @@ inline Bytes bytesOf(const CMOKTexture& texture) {
     return Bytes(data, data + TextureInternals::dataSize(texture));
 }
 
-inline Bytes levelOf(const CMOKTexture& texture, std::uint32_t level, std::uint32_t member, std::uint32_t face) {
-    const auto* data = static_cast<const std::uint8_t*>(texture.getDataPtr(level, member, face));
+inline Bytes levelOf(const CMOKTexture& texture, std::uint32_t level, std::uint32_t layer, std::uint32_t face) {
+    const auto* data = static_cast<const std::uint8_t*>(texture.getDataPtr(level, layer, face));
     return Bytes(data, data + texture.getDataSize(static_cast<int>(level), false, false));
+}
+
+/// An RGBA8 image repeated from its origin until it fills the padded size.
+inline Bytes tiled(const Bytes& pixels, std::uint32_t width, std::uint32_t height, std::uint32_t paddedWidth,
+                   std::uint32_t paddedHeight) {
+    Bytes result(std::size_t{paddedWidth} * paddedHeight * 4);
+    for (std::size_t i = 0; i < result.size(); ++i)
+        result[i] = pixels[(i / 4 / paddedWidth % height * width + i / 4 % paddedWidth % width) * 4 + i % 4];
+    return result;
 }
 
 }  // namespace samples

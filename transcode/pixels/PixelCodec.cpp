@@ -111,18 +111,43 @@ float readFloat(const PixelCodec& codec, int position) {
     }
 }
 
-/// The values of colour channels that the source lacks, and of grey destination channels.
-struct GreyValues {
-    float grey = 0.0f;
-    float luminance = 0.0f;
-    float intensity = 0.0f;
-};
+// Kept (grey-fills-one-channel): of a destination that has both luminance and intensity only one is filled, and the other is 0.
+// The bytes of textures with both letters depend on it.
+ValueSource fromConstant(float value) {
+    return {ValueSource::constant, value, eChannelNone};
+}
 
-float mixedLuminance(const PixelCodec& source) {
+ValueSource fromChannel(EChannelName name) {
+    return {ValueSource::channel, 0.0f, name};
+}
+
+/// The grey value for a colour channel that the source lacks.
+ValueSource greyValueSource(const PixelCodec& source, const PixelCodec& destination) {
+    const bool fromLuminance = source.has(eChannelLuminance);
+    const bool fromIntensity = source.has(eChannelIntensity);
+    if (!fromLuminance && !fromIntensity) return fromConstant(0.0f);
+    if (!fromIntensity || (fromLuminance && destination.has(eChannelLuminance))) return fromChannel(eChannelLuminance);
+    return fromChannel(eChannelIntensity);
+}
+
+ValueSource luminanceSource(const PixelCodec& source, const PixelCodec& destination) {
+    if (source.has(eChannelLuminance)) return fromChannel(eChannelLuminance);
+    if (source.has(eChannelIntensity))
+        return destination.has(eChannelIntensity) ? fromConstant(0.0f) : fromChannel(eChannelIntensity);
+    return {ValueSource::luminance, 0.0f, eChannelNone};
+}
+
+ValueSource intensitySource(const PixelCodec& source, const PixelCodec& destination) {
+    if (source.has(eChannelLuminance) && destination.has(eChannelLuminance)) return fromConstant(0.0f);
+    if (source.has(eChannelIntensity)) return fromChannel(eChannelIntensity);
+    if (source.has(eChannelLuminance)) return fromChannel(eChannelLuminance);
+    return destination.has(eChannelLuminance) ? fromConstant(0.0f) : ValueSource{ValueSource::mean, 0.0f, eChannelNone};
+}
+
+float luminanceOf(const PixelCodec& source) {
     float luminance = 0.0f;
-    if (source.has(eChannelRed)) luminance += luminanceWeights[0] * source.readChannel(eChannelRed);
-    if (source.has(eChannelGreen)) luminance += luminanceWeights[1] * source.readChannel(eChannelGreen);
-    if (source.has(eChannelBlue)) luminance += luminanceWeights[2] * source.readChannel(eChannelBlue);
+    for (const EChannelName name : {eChannelRed, eChannelGreen, eChannelBlue})
+        if (source.has(name)) luminance += luminanceWeights[name - eChannelRed] * source.readChannel(name);
     return canonicalNaN(luminance);
 }
 
@@ -137,43 +162,16 @@ float meanColour(const PixelCodec& source) {
     return count == 0 ? 0.0f : canonicalNaN(sum / static_cast<float>(count));
 }
 
-// Kept (grey-fills-named-values): each pair of grey layouts fills only the values named here; the others stay 0, such as
-// intensity where both sides have luminance. valueSourceOf() makes the same choices, so that all forms write the same bytes.
-GreyValues greyValues(const PixelCodec& source, const PixelCodec& destination) {
-    const bool toLuminance = destination.has(eChannelLuminance);
-    const bool toIntensity = destination.has(eChannelIntensity);
-    const bool fromLuminance = source.has(eChannelLuminance);
-    const bool fromIntensity = source.has(eChannelIntensity);
-
-    GreyValues values;
-    if (toLuminance && fromLuminance) {
-        values.luminance = values.grey = source.readChannel(eChannelLuminance);
-    } else if (!toIntensity && fromIntensity) {
-        values.luminance = values.grey = source.readChannel(eChannelIntensity);
-    } else if (fromLuminance || fromIntensity) {
-        const EChannelName grey = fromIntensity ? eChannelIntensity : eChannelLuminance;
-        values.grey = values.intensity = source.readChannel(grey);
-    } else if (toLuminance) {
-        values.luminance = mixedLuminance(source);
-    } else if (toIntensity) {
-        values.intensity = meanColour(source);
-    }
-    return values;
-}
-
-/// Value of one destination channel.
-float convertedValue(EChannelName name, const PixelCodec& source, const GreyValues& values) {
-    switch (name) {
-        case eChannelAlpha:
-            return source.readChannel(source.has(eChannelAlpha) ? eChannelAlpha : eChannelUnspecified);
-        case eChannelUnspecified:
-            return source.readChannel(source.has(eChannelUnspecified) ? eChannelUnspecified : eChannelAlpha);
-        case eChannelLuminance:
-            return values.luminance;
-        case eChannelIntensity:
-            return values.intensity;
+float valueFrom(const PixelCodec& source, const ValueSource& value) {
+    switch (value.kind) {
+        case ValueSource::channel:
+            return source.readChannel(value.name);
+        case ValueSource::luminance:
+            return luminanceOf(source);
+        case ValueSource::mean:
+            return meanColour(source);
         default:
-            return source.has(name) ? source.readChannel(name) : values.grey;
+            return value.value;
     }
 }
 
@@ -198,6 +196,24 @@ EChannelName channelNameFromChar(std::uint8_t letter) {
         default:
             return eChannelNone;
     }
+}
+
+ValueSource valueSourceOf(EChannelName name, const PixelCodec& source, const PixelCodec& destination) {
+    if (name == eChannelLuminance) return luminanceSource(source, destination);
+    if (name == eChannelIntensity) return intensitySource(source, destination);
+    if (source.has(name)) return fromChannel(name);
+    if (isColourChannel(name)) return greyValueSource(source, destination);
+    const EChannelName other = name == eChannelAlpha ? eChannelUnspecified : eChannelAlpha;
+    return source.has(other) ? fromChannel(other) : fromConstant(1.0f);
+}
+
+bool areConvertible(const PixelCodec& source, const PixelCodec& destination) {
+    return source.errorFlags == 0 && destination.errorFlags == 0 && source.variableType <= eVarFloat &&
+           destination.variableType <= eVarFloat;
+}
+
+bool isColourChannel(EChannelName name) {
+    return name != eChannelAlpha && name != eChannelUnspecified;
 }
 
 bool isSignedType(EMOKTVariableType type) {
@@ -313,10 +329,10 @@ void PixelCodec::writeChannel(EChannelName name, float value) {
 void PixelCodec::convertFrom(const PixelCodec& source) {
     if (errorFlags != 0 || source.errorFlags != 0) return;
     clearPixel();
-    const GreyValues values = greyValues(source, *this);
-    for (unsigned int name = eChannelRed; name <= eChannelUnspecified; ++name)
-        if (has(static_cast<EChannelName>(name)))
-            writeChannel(static_cast<EChannelName>(name), convertedValue(static_cast<EChannelName>(name), source, values));
+    for (unsigned int i = eChannelRed; i <= eChannelUnspecified; ++i) {
+        const auto name = static_cast<EChannelName>(i);
+        if (has(name)) writeChannel(name, valueFrom(source, valueSourceOf(name, source, *this)));
+    }
 }
 
 void PixelCodec::convertColourSpace(EMOKTColourSpace target, EMOKTColourSpace source) {

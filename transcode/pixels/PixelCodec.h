@@ -92,4 +92,26 @@ private:
 /// Whether the type is one of the signed integers, normalised or not.
 bool isSignedType(EMOKTVariableType type);
 
+/// The source of a destination channel's value. It depends on the two layouts alone.
+struct ValueSource {
+    enum Kind {
+        constant,   ///< the number `value`
+        channel,    ///< the source's channel `name`
+        luminance,  ///< weighted sum of the source's colour channels
+        mean,       ///< mean of the source's colour channels
+    };
+    Kind kind;
+    float value;
+    EChannelName name;
+};
+
+/// The source of the channel `name`, which `destination` has, for PixelCodec::convertFrom() and all faster forms.
+ValueSource valueSourceOf(EChannelName name, const PixelCodec& source, const PixelCodec& destination);
+
+/// Whether both layouts are free of errors and have channels of a known type.
+bool areConvertible(const PixelCodec& source, const PixelCodec& destination);
+
+/// Whether a curve applies to the channel.
+bool isColourChannel(EChannelName name);
+
 }  // namespace moktexture

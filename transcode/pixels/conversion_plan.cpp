@@ -27,8 +27,8 @@
 ///
 /// The bytes equal PixelCodec's because readers and writers use the same functions of channel_value.h, in the same order of
 /// operations, and channels are written in the same order, so that values that spill into other channels do so alike. The tests
-/// compare both forms for random layouts. The cost is linear in the number of pixels; the memory is the tables, at most 256 KiB
-/// for each of five colour channels.
+/// compare both forms for random layouts. The cost is linear in the number of pixels; the memory is the tables, 1 KiB for each
+/// source channel and at most 256 KiB for each curved one.
 
 namespace moktexture {
 
@@ -43,37 +43,6 @@ constexpr std::uint64_t pixelsForLargeTables = 1u << 18;
 
 /// Pixels per block: the words and values of a block (about 2.5 KiB) stay in the first-level cache.
 constexpr std::size_t blockPixels = 64;
-
-ValueSource fromConstant(float value) {
-    return {ValueSource::constant, value, eChannelNone};
-}
-
-ValueSource fromChannel(EChannelName name) {
-    return {ValueSource::channel, 0.0f, name};
-}
-
-/// The grey value for a colour channel that the source lacks.
-ValueSource greySource(const PixelCodec& source, const PixelCodec& destination) {
-    const bool fromLuminance = source.has(eChannelLuminance);
-    const bool fromIntensity = source.has(eChannelIntensity);
-    if (!fromLuminance && !fromIntensity) return fromConstant(0.0f);
-    if (!fromIntensity || (fromLuminance && destination.has(eChannelLuminance))) return fromChannel(eChannelLuminance);
-    return fromChannel(eChannelIntensity);
-}
-
-ValueSource luminanceSource(const PixelCodec& source, const PixelCodec& destination) {
-    if (source.has(eChannelLuminance)) return fromChannel(eChannelLuminance);
-    if (source.has(eChannelIntensity))
-        return destination.has(eChannelIntensity) ? fromConstant(0.0f) : fromChannel(eChannelIntensity);
-    return {ValueSource::luminance, 0.0f, eChannelNone};
-}
-
-ValueSource intensitySource(const PixelCodec& source, const PixelCodec& destination) {
-    if (source.has(eChannelLuminance) && destination.has(eChannelLuminance)) return fromConstant(0.0f);
-    if (source.has(eChannelIntensity)) return fromChannel(eChannelIntensity);
-    if (source.has(eChannelLuminance)) return fromChannel(eChannelLuminance);
-    return destination.has(eChannelLuminance) ? fromConstant(0.0f) : ValueSource{ValueSource::mean, 0.0f, eChannelNone};
-}
 
 using Unpack = void (*)(const std::uint8_t*, std::size_t, const PixelBits&, PixelBits*);
 using Pack = void (*)(const PixelBits*, std::size_t, std::uint8_t*);
@@ -92,24 +61,6 @@ constexpr auto unpackBySize = unpackTable(std::make_index_sequence<PixelCodec::b
 constexpr auto packBySize = packTable(std::make_index_sequence<PixelCodec::bufferSize + 1>());
 
 }  // namespace
-
-ValueSource valueSourceOf(EChannelName name, const PixelCodec& source, const PixelCodec& destination) {
-    if (name == eChannelLuminance) return luminanceSource(source, destination);
-    if (name == eChannelIntensity) return intensitySource(source, destination);
-    if (source.has(name)) return fromChannel(name);
-    if (isColourChannel(name)) return greySource(source, destination);
-    const EChannelName other = name == eChannelAlpha ? eChannelUnspecified : eChannelAlpha;
-    return source.has(other) ? fromChannel(other) : fromConstant(1.0f);
-}
-
-bool areConvertible(const PixelCodec& source, const PixelCodec& destination) {
-    return source.errorFlags == 0 && destination.errorFlags == 0 && source.variableType <= eVarFloat &&
-           destination.variableType <= eVarFloat;
-}
-
-bool isColourChannel(EChannelName name) {
-    return name != eChannelAlpha && name != eChannelUnspecified;
-}
 
 ConversionPlan::ConversionPlan(const ConversionRequest& request)
     : sourceBytes(request.from.getBytesPerPixel()), destinationBytes(request.to.getBytesPerPixel()) {

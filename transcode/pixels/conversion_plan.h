@@ -19,28 +19,6 @@ struct ConversionRequest {
     InstructionSet instructionSet;
 };
 
-/// The source of a destination channel's value. It depends on the two layouts alone.
-struct ValueSource {
-    enum Kind {
-        constant,   ///< the number `value`
-        channel,    ///< the source's channel `name`
-        luminance,  ///< weighted sum of the source's colour channels
-        mean,       ///< mean of the source's colour channels
-    };
-    Kind kind;
-    float value;
-    EChannelName name;
-};
-
-/// The source of the channel `name`, which `destination` has, as PixelCodec::convertFrom() chooses it.
-ValueSource valueSourceOf(EChannelName name, const PixelCodec& source, const PixelCodec& destination);
-
-/// Whether both layouts are free of errors and have channels of a known type.
-bool areConvertible(const PixelCodec& source, const PixelCodec& destination);
-
-/// Whether a curve applies to the channel.
-bool isColourChannel(EChannelName name);
-
 /// Conversion channel by channel, with all decisions that depend on the layouts made beforehand.
 class ConversionPlan {
 public:
