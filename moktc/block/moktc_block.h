@@ -10,7 +10,7 @@
 // The MOKTC block format
 //
 // A level is stored as two small images, A and B, of one colour a block. Each is upscaled bilinearly, with a block's colour at
-// the block's centre, and every pixel is a blend of the two upscaled images by a weight of its own:
+// the block's centre, and every pixel is a blend of the two upscaled images by its own weight:
 //
 //     pixel = (A * (8 - weight) + B * weight) / 8          weight: 0 to 8, the share of B in eighths
 //

@@ -88,8 +88,8 @@ inline std::uint32_t halfRowIndices(const UnpackedBlock<Rate::fourBpp>& block, u
 }
 
 // Kept (flat-cell-ignores-mode-weights): in a flat cell the mode bit changes no weight and makes no pixel punch-through; it only
-// selects the corner palette. The slow encoder stores four-weight blocks of flat cells with the bit set, which would decode
-// wrongly.
+// selects the corner palette. The slow encoder's blend table predicts flat cells so, and its textures would decode to other
+// pixels.
 template <Generation generation, bool isFlat>
 void findModulation(const CellBlocks<Rate::fourBpp>& blocks, unsigned dy, RowModulation<Rate::fourBpp>& row) {
     const UnpackedBlock<Rate::fourBpp>* const own[] = {&blocks.left[dy / 2], &blocks.right[dy / 2]};
@@ -193,7 +193,7 @@ void decodeFlatCell(const CellBlocks<rate>& blocks, const ImageView& cell) {
 template <BlockVariant variant>
 void decodeCell(const CellBlocks<variant.rate>& blocks, const ImageView& cell) {
     // Kept (flat-flag-of-upper-left-block): only the upper left block's flat flag decides how a cell is decoded, also in the
-    // quarters of the other three blocks. The slow encoder chooses its flat blocks by this rule.
+    // quarters of the other three blocks. The slow encoder's blend table predicts cells so.
     if (variant.isSecondGeneration() && blocks.left[0].isFlat) {
         decodeFlatCell<variant.rate>(blocks, cell);
     } else {

@@ -64,8 +64,8 @@ struct Level {
 /// lies in the block before.
 std::size_t wrappedCoordinate(std::uint32_t block, std::uint32_t blockCount, std::uint32_t length, std::uint32_t offset) {
     // Kept (wrap-at-whole-blocks): neighbours wrap at the level's whole blocks, not at the image's edge: beyond it in the second
-    // generation, where a level of one block wraps onto itself, and before it in the first. Encoders of both generations predict
-    // pixels at the edges by this rule.
+    // generation, where a level of one block wraps onto itself, and before it in the first. The slow encoder's
+    // footprints wrap there, and textures would decode to other pixels along all their edges.
     const std::size_t size = std::size_t{blockCount} * length;
     return (std::size_t{block} * length + size - length / 2 + offset) % size;
 }

@@ -17,21 +17,11 @@ MOKTC2bppCompressor::MOKTC2bppCompressor(const ConstImageView& image, const Fast
 void MOKTC2bppCompressor::initialise(bool) {
     // Kept (2-bpp-ignores-wide-footprint): start colours always come from the block alone. Every texture encoded at 2 bpp and
     // quality 0 would get other bytes with the wide footprint, which encodeFast() asks for at both rates.
-    initialiseColours(false);
-    upscaleColours();
-    updateModulationRegion(0, m_blocksX, 0, m_blocksY);
+    MOKTCCompressor::initialise(false);
 }
 
-void MOKTC2bppCompressor::upscaleColours() {
-    upscaleImage(m_kernels.fillCell2bpp, m_colourA, m_upscaledA);
-    upscaleImage(m_kernels.fillCell2bpp, m_colourB, m_upscaledB);
-}
-
-void MOKTC2bppCompressor::updateModulationRegion(std::uint32_t x0, std::uint32_t x1, std::uint32_t y0, std::uint32_t y1) {
-    for (std::uint32_t y = y0; y < y1; ++y) {
-        for (std::uint32_t x = x0; x < x1; ++x)
-            m_kernels.chooseModulation2bpp(imagesOf(x, y), m_blocks[blockIndex(x, y)]);
-    }
+void MOKTC2bppCompressor::chooseModulation(std::size_t index, const BlockImages& images) {
+    m_kernels.chooseModulation2bpp(images, m_blocks[index]);
 }
 
 RGBAPair MOKTC2bppCompressor::fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const {

@@ -17,22 +17,8 @@ const std::uint8_t* indicesOf(const ModulationBlock4bpp& block) {
 MOKTC4bppCompressor::MOKTC4bppCompressor(const ConstImageView& image, const FastKernels& kernels)
     : MOKTCCompressor(image, Rate::fourBpp, kernels), m_blocks(m_colourA.size()) {}
 
-void MOKTC4bppCompressor::initialise(bool wideFootprint) {
-    initialiseColours(wideFootprint);
-    upscaleColours();
-    updateModulationRegion(0, m_blocksX, 0, m_blocksY);
-}
-
-void MOKTC4bppCompressor::upscaleColours() {
-    upscaleImage(m_kernels.fillCell4bpp, m_colourA, m_upscaledA);
-    upscaleImage(m_kernels.fillCell4bpp, m_colourB, m_upscaledB);
-}
-
-void MOKTC4bppCompressor::updateModulationRegion(std::uint32_t x0, std::uint32_t x1, std::uint32_t y0, std::uint32_t y1) {
-    for (std::uint32_t y = y0; y < y1; ++y) {
-        for (std::uint32_t x = x0; x < x1; ++x)
-            m_kernels.chooseModulation4bpp(imagesOf(x, y), m_blocks[blockIndex(x, y)]);
-    }
+void MOKTC4bppCompressor::chooseModulation(std::size_t index, const BlockImages& images) {
+    m_kernels.chooseModulation4bpp(images, m_blocks[index]);
 }
 
 RGBAPair MOKTC4bppCompressor::fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const {

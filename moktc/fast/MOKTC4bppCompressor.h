@@ -11,13 +11,10 @@ class MOKTC4bppCompressor final : public MOKTCCompressor {
 public:
     MOKTC4bppCompressor(const ConstImageView& image, const FastKernels& kernels);
 
-    void initialise(bool wideFootprint) override;
-    void upscaleColours() override;
-    void updateModulationRegion(std::uint32_t x0, std::uint32_t x1, std::uint32_t y0, std::uint32_t y1) override;
-
 private:
-    Block packModulation(std::size_t index) const override;
+    void chooseModulation(std::size_t index, const BlockImages& images) override;
     RGBAPair fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const override;
+    Block packModulation(std::size_t index) const override;
 
     std::vector<ModulationBlock4bpp> m_blocks;
 };

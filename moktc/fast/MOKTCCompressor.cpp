@@ -27,11 +27,24 @@ MOKTCCompressor::MOKTCCompressor(const ConstImageView& image, Rate rate, const F
         std::memcpy(&m_source[y * rowBytes], image.row(y), rowBytes);
 }
 
+void MOKTCCompressor::initialise(bool wideFootprint) {
+    initialiseColours(wideFootprint);
+    upscaleColours();
+    updateModulationRegion(0, m_blocksX, 0, m_blocksY);
+}
+
 void MOKTCCompressor::optimise() {
     for (std::uint32_t pass = 0; pass < m_iterations; ++pass) {
         updateColoursRegion(0, m_blocksX, 0, m_blocksY);
         upscaleColours();
         if (updatesModulation(pass)) updateModulationRegion(0, m_blocksX, 0, m_blocksY);
+    }
+}
+
+void MOKTCCompressor::updateModulationRegion(std::uint32_t x0, std::uint32_t x1, std::uint32_t y0, std::uint32_t y1) {
+    for (std::uint32_t y = y0; y < y1; ++y) {
+        for (std::uint32_t x = x0; x < x1; ++x)
+            chooseModulation(blockIndex(x, y), imagesOf(x, y));
     }
 }
 
@@ -149,6 +162,12 @@ void MOKTCCompressor::upscaleImage(FillCell fillCell, const std::vector<std::uin
             copyCell(cell.data(), i, j, target);
         }
     }
+}
+
+void MOKTCCompressor::upscaleColours() {
+    const FillCell fillCell = m_blockWidth == moktc::blockWidth(Rate::twoBpp) ? m_kernels.fillCell2bpp : m_kernels.fillCell4bpp;
+    upscaleImage(fillCell, m_colourA, m_upscaledA);
+    upscaleImage(fillCell, m_colourB, m_upscaledB);
 }
 
 }  // namespace moktexture::moktc

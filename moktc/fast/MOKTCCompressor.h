@@ -25,16 +25,16 @@ public:
     virtual ~MOKTCCompressor() = default;
 
     /// Start colours, from the block or from a wide footprint around it, then the first upscaling and the first modulation.
-    virtual void initialise(bool wideFootprint) = 0;
+    virtual void initialise(bool wideFootprint);
     /// Runs all passes over the whole grid on the caller's thread.
     void optimise();
     /// Packs all blocks, 8 bytes each, in twiddled or linear order. In twiddled order a grid with a side that is not a power of
     /// two has blocks with an index beyond the output, which are dropped; the gaps that they leave are zeroed.
     void writeBlocks(void* out, bool twiddled) const;
     /// Rebuilds both upscaled images.
-    virtual void upscaleColours() = 0;
+    void upscaleColours();
     /// Chooses new modulation for a range of blocks.
-    virtual void updateModulationRegion(std::uint32_t x0, std::uint32_t x1, std::uint32_t y0, std::uint32_t y1) = 0;
+    void updateModulationRegion(std::uint32_t x0, std::uint32_t x1, std::uint32_t y0, std::uint32_t y1);
     /// Fits the colours of a range of blocks.
     void updateColoursRegion(std::uint32_t x0, std::uint32_t x1, std::uint32_t y0, std::uint32_t y1);
 
@@ -46,18 +46,14 @@ public:
     bool updatesModulation(std::uint32_t pass) const { return m_modulationInterval != 0 && pass % m_modulationInterval == 0; }
 
 protected:
-    using FillCell = void (*)(std::uint32_t p, std::uint32_t q, std::uint32_t r, std::uint32_t s, std::uint8_t* cell);
+    // What the rates do differently with one block; `index` counts blocks in raster order.
 
-    /// A block's modulation word and mode bit; the bits of its colours are 0. `index` counts blocks in raster order.
-    virtual Block packModulation(std::size_t index) const = 0;
-    /// A block's fitted colours, from its current ones.
+    /// Chooses the block's modulation for the present colours.
+    virtual void chooseModulation(std::size_t index, const BlockImages& images) = 0;
+    /// The block's fitted colours, from its current ones.
     virtual RGBAPair fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const = 0;
-
-    std::size_t blockIndex(std::uint32_t x, std::uint32_t y) const { return std::size_t{y} * m_blocksX + x; }
-    BlockImages imagesOf(std::uint32_t x, std::uint32_t y) const;
-    void initialiseColours(bool wideFootprint);
-    /// Upscales one colour per block to `target`. Colours wrap at the image's edges, pixels do not.
-    void upscaleImage(FillCell fillCell, const std::vector<std::uint32_t>& colours, std::vector<std::uint8_t>& target) const;
+    /// The block's modulation word and mode bit; the bits of its colours are 0.
+    virtual Block packModulation(std::size_t index) const = 0;
 
     std::uint32_t m_width;
     std::uint32_t m_height;
@@ -76,8 +72,15 @@ protected:
     const FastKernels& m_kernels;
 
 private:
+    using FillCell = void (*)(std::uint32_t p, std::uint32_t q, std::uint32_t r, std::uint32_t s, std::uint8_t* cell);
+
+    std::size_t blockIndex(std::uint32_t x, std::uint32_t y) const { return std::size_t{y} * m_blocksX + x; }
+    BlockImages imagesOf(std::uint32_t x, std::uint32_t y) const;
+    void initialiseColours(bool wideFootprint);
     RGBAPair findStartColours(std::uint32_t x, std::uint32_t y, bool wideFootprint) const;
     RGBAPair furthestPair(const std::uint32_t* pixels, std::uint32_t count) const;
+    /// Upscales one colour per block to `target`. Colours wrap at the image's edges, pixels do not.
+    void upscaleImage(FillCell fillCell, const std::vector<std::uint32_t>& colours, std::vector<std::uint8_t>& target) const;
     void copyCell(const std::uint8_t* cell, std::uint32_t i, std::uint32_t j, std::vector<std::uint8_t>& target) const;
 };
 

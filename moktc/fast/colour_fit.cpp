@@ -6,7 +6,7 @@
 
 // Least squares fit of a block's two colours
 //
-// For given weights t, a pixel's blend is (1 - t) * A + t * B. Let e be what the source has more than the blend. Moving A by dA
+// For given weights t, a pixel's blend is (1 - t) * A + t * B. Let e be the residual, the source minus the blend. Moving A by dA
 // and B by dB moves the blend by the line (1 - t) * dA + t * dB, so the corrections that leave the smallest squares of residuals
 // are the ends of the regression line of e over t, for each channel by itself:
 //

@@ -24,7 +24,7 @@ struct FitSettings {
 /// Limits each channel to the range `low` to `high`.
 void clampVector(Vector4& out, const Vector4& value, float low, float high);
 
-/// Moves a block's colours by least squares to where the blend has the smallest residuals, given the sums of the present ones.
+/// The block's colours moved by least squares so that the residuals become small; `sums` are those of the present colours.
 RGBAPair fitColours(const ResidualSums& sums, const FitSettings& settings, const RGBAPair& colours);
 
 }  // namespace moktexture::moktc

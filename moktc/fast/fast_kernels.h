@@ -55,7 +55,7 @@ struct ResidualSums {
 struct FastKernels {
     const char* name;
     /// The two pixels with the largest squared distance over all four channels; the first such pair in the order of `first`, then
-    /// `second`, with `first` < `second`; 0 and 0 if all are alike. `count` is a multiple of 4, 4 to `largestFootprint`.
+    /// `second`, with `first` < `second`; 0 and 0 if all are equal. `count` is a multiple of 4, 4 to `largestFootprint`.
     void (*findFurthest)(const std::uint32_t* pixels, std::uint32_t count, std::uint32_t& first, std::uint32_t& second);
     /// Interpolates one cell, packed rows of RGBA8, between the colours of the blocks p (upper left), q (upper right), r (lower
     /// left) and s (lower right).

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -28,10 +27,19 @@ Bytes randomBlocks(const Level& level, std::uint32_t set, std::uint32_t cleared,
     return blocks;
 }
 
+/// Decodes to rows with two pixels between them, which must stay as they are.
 Bytes decodedByCells(const Level& level, const Bytes& blocks) {
-    Bytes pixels(std::size_t{4} * level.width * level.height, 0xAA);
-    decodeCells(blocks.data(), level.variant, packedImage(pixels.data(), level.width, level.height));
-    return pixels;
+    const std::size_t rowBytes = std::size_t{4} * level.width;
+    const Bytes gap(8, 0xAA);
+    Bytes pixels((rowBytes + gap.size()) * level.height, 0xAA), packed;
+    decodeCells(blocks.data(), level.variant, {{pixels.data(), level.width, level.height, rowBytes + gap.size()}});
+    for (auto row = pixels.begin(); row != pixels.end();) {
+        const auto end = row + static_cast<std::ptrdiff_t>(rowBytes);
+        packed.insert(packed.end(), row, end);
+        row = end + 8;
+        EXPECT_EQ(Bytes(end, row), gap);
+    }
+    return packed;
 }
 
 Bytes decodedByReference(const Level& level, const Bytes& blocks) {
@@ -41,14 +49,6 @@ Bytes decodedByReference(const Level& level, const Bytes& blocks) {
     } else {
         DecodeTwiddled(blocks.data(), level.variant.is2bpp(), level.width, level.height, pixels.data());
     }
-    return pixels;
-}
-
-Bytes decodedImage(const Bytes& blocks, const StreamRules& rules, std::uint32_t width, std::uint32_t height) {
-    PixelImage image = {width, height, std::vector<std::uint32_t>(std::size_t{width} * height)};
-    DecodeImage(blocks.data(), rules, width, height, image);
-    Bytes pixels(image.pixels.size() * 4);
-    std::memcpy(pixels.data(), image.pixels.data(), pixels.size());
     return pixels;
 }
 
@@ -95,42 +95,15 @@ TEST(MOKTCDecodeEquality, RandomBlocksDecodeAsInTheSecondImplementation) {
     }
 }
 
-TEST(MOKTCDecodeEquality, RowsOfTheTargetMayBeFurtherApartThanItsWidth) {
-    for (const BlockVariant& variant : allVariants) {
-        const Level level = {19, 10, variant};
-        const Bytes blocks = randomBlocks(level, 0, 0, 6), packed = decodedByCells(level, blocks);
-        constexpr std::size_t rowBytes = 23 * 4;
-        Bytes pixels(rowBytes * level.height, 0xAA);
-        decodeCells(blocks.data(), variant, {{pixels.data(), level.width, level.height, rowBytes}});
-        for (std::size_t y = 0; y < level.height; ++y) {
-            EXPECT_TRUE(std::equal(&pixels[y * rowBytes], &pixels[y * rowBytes] + 19 * 4, &packed[y * 19 * 4])) << variant << y;
-            EXPECT_EQ(std::count(&pixels[y * rowBytes] + 19 * 4, &pixels[y * rowBytes] + rowBytes, 0xAA), 4 * 4) << variant << y;
-        }
-    }
-}
-
 TEST(MOKTCDecodeEquality, ReferencePixelWalkReadsFirstGenerationStreams) {
-    for (const Rate rate : {Rate::fourBpp, Rate::twoBpp}) {
-        const Level level = {64, 16, {rate, Generation::first}};
+    for (const Level& level : {Level{64, 16, allVariants[0]}, {64, 16, allVariants[1]}, {4, 4, allVariants[0]}}) {
         const Bytes blocks = randomBlocks(level, 0, 0, 3);
-        EXPECT_EQ(decodedImage(blocks, {false, level.variant, true, false}, 64, 16), decodedByCells(level, blocks));
+        PixelImage image = {level.width, level.height, std::vector<std::uint32_t>(level.width * level.height)};
+        DecodeImage(blocks.data(), {true, level.variant, true, false}, level.width, level.height, image);
+        Bytes pixels(image.pixels.size() * 4);
+        std::memcpy(pixels.data(), image.pixels.data(), pixels.size());
+        EXPECT_EQ(pixels, decodedByCells(level, blocks)) << level.width << ", " << level.variant;
     }
-    const Level oneBlock = {4, 4, {Rate::fourBpp, Generation::first}};  // stored as two by two blocks
-    const Bytes blocks = randomBlocks(oneBlock, 0, 0, 4);
-    EXPECT_EQ(decodedImage(blocks, {true, oneBlock.variant, true, false}, 4, 4), decodedByCells(oneBlock, blocks));
-}
-
-TEST(MOKTCDecodeEquality, ReferencePixelWalkClampsAtTheEdgesIfAsked) {
-    // A row of blocks that clamps looks like one that wraps and has its first and last block twice.
-    constexpr BlockVariant variant = {Rate::fourBpp, Generation::second};
-    const Bytes blocks = randomBlocks({8, 4, variant}, 0, 0, 5);
-    Bytes doubled = blocks;
-    doubled.insert(doubled.begin(), blocks.begin(), blocks.begin() + 8);
-    doubled.insert(doubled.end(), blocks.end() - 8, blocks.end());
-    const Bytes clamped = decodedImage(blocks, {false, variant, false, true}, 8, 4);
-    const Bytes wrapped = decodedByCells({16, 4, variant}, doubled);
-    for (std::size_t y = 0; y < 4; ++y)
-        EXPECT_TRUE(std::equal(&clamped[32 * y], &clamped[32 * y] + 32, &wrapped[64 * y + 16])) << y;
 }
 
 TEST(MOKTCDecodeEntry, ReturnsSizesModulo32BitsAndRefusesWhatDoesNotFit) {

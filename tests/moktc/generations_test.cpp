@@ -116,36 +116,32 @@ TEST(MOKTCGenerations, SecondInterpolatesUnlessTheUpperLeftBlockIsFlat) {
 }
 
 TEST(MOKTCGenerations, SecondDrawsFlatCellsFromOwnBlocksOrTheCornerPalette) {
-    // The cell between four blocks, in which A has red and B has green of a shade that identifies the block.
-    const Level level = {8, 8, {Rate::fourBpp, Generation::second}};
-    const std::uint32_t columns[] = {1, 2}, rows[] = {0, 16};
-    // Colour by pixel (rows of the cell) and index 0 to 3: p, q, r, s are A, P, Q, R, S are B of the upper left, upper right,
-    // lower left and lower right block.
+    // The cell between four flat blocks of one index. A of each block has red and B has green of a shade that identifies the
+    // block.
+    constexpr std::uint32_t p = 1, q = 2, r = 17, s = 18;  // upper left, upper right, lower left, lower right
     // clang-format off
-    const char* const palette[16] = {
-        "    ", "pPqQ", "pPqQ", "pPqQ",
-        "pPrR", "pPqR", "pPqQ", "sPqQ",
-        "pPrR", "pPrR", "pSrQ", "sSqQ",
-        "pPrR", "pSrR", "sSrR", "sSrQ"};
+    const struct { std::uint32_t mode, index, dx, dy, shade, weight; } cases[] = {
+        // mode     index  dx, dy  block, weight
+        {  0,       1,     1,  1,  p,     3},  // without the mode bit: blends of the pixel's own block
+        {  0,       2,     2,  0,  q,     5},
+        {  0,       2,     1,  3,  r,     5},
+        {  0,       3,     3,  3,  s,     8},
+        {  modeBit, 2,     0,  0,  p,     5},  // at the corner: blended, with the weights of mode 0 and no punch-through
+        {  modeBit, 0,     1,  1,  p,     0},  // elsewhere: a colour of any of the four blocks
+        {  modeBit, 2,     1,  1,  q,     0},
+        {  modeBit, 3,     1,  1,  r,     8},
+        {  modeBit, 0,     3,  1,  s,     0},
+        {  modeBit, 1,     2,  2,  s,     8},
+        {  modeBit, 3,     3,  3,  q,     8}};
     // clang-format on
-    for (std::uint32_t index = 0; index < 4; ++index)
-        for (const std::uint32_t mode : {0u, modeBit}) {
-            std::vector<Block> blocks;
-            for (unsigned corner = 0; corner < 4; ++corner) {
-                const std::uint32_t shade = columns[corner % 2] + rows[corner / 2];
-                blocks.push_back({index * 0x55555555, opaqueBlock(shade, 0, 0, 0, shade, 0) | flatBit | mode});
-            }
-            const auto pixels = decode(level, blocks);
-            for (unsigned pixel = 0; pixel < 16; ++pixel) {
-                const unsigned dx = pixel % 4, dy = pixel / 4, own = dx / 2 + dy / 2 * 2;
-                const char colour = palette[pixel][index];
-                const bool isPalette = mode != 0 && pixel != 0;
-                const unsigned corner = isPalette ? static_cast<unsigned>((colour | 32) - 'p') : own;
-                // Without the palette the weights are 0, 3, 5 and 8 in both modes, and nothing is punched through.
-                const std::uint32_t weight = isPalette ? (colour < 'a' ? 8 : 0) : indexWeights[0][index];
-                const std::uint32_t shade = columns[corner % 2] + rows[corner / 2], shade8 = shade << 3 | shade >> 2;
-                EXPECT_EQ(pixels[(2 + dy) * 8 + 2 + dx], 0xFF000000u | shade8 * (8 - weight) / 8 | shade8 * weight / 8 << 8)
-                    << pixel << ' ' << index << ' ' << mode;
-            }
-        }
+    for (const auto& row : cases) {
+        std::vector<Block> blocks;
+        for (const std::uint32_t shade : {p, q, r, s})
+            blocks.push_back({row.index * allIndex1, opaqueBlock(shade, 0, 0, 0, shade, 0) | flatBit | row.mode});
+        const auto pixels = decode({8, 8, {Rate::fourBpp, Generation::second}}, blocks);
+        const std::uint32_t shade8 = row.shade << 3 | row.shade >> 2;
+        EXPECT_EQ(pixels[(2 + row.dy) * 8 + 2 + row.dx],
+                  0xFF000000u | shade8 * (8 - row.weight) / 8 | shade8 * row.weight / 8 << 8)
+            << row.mode << ' ' << row.index << ' ' << row.dx << ' ' << row.dy;
+    }
 }

