@@ -1,6 +1,5 @@
 #include "moktc/moktc.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -27,7 +26,8 @@ bool sizesFit32Bits(std::uint32_t width, std::uint32_t height, BlockVariant vari
            levelBlockCount(width, height, variant) <= limit / bitsPerBlock;
 }
 
-struct EncodeRequest {
+/// A level to encode.
+struct LevelRequest {
     ConstImageView image;
     BlockVariant variant;
     std::uint32_t quality;
@@ -37,20 +37,24 @@ bool isWholeBlocks(std::uint32_t width, std::uint32_t height, Rate rate) {
     return width % blockWidth(rate) == 0 && height % blockHeight == 0;
 }
 
-/// Encodes whole blocks by the slow encoder; false if it fails. Quality 0 of the first generation is the fast compressor's.
-bool encodeSlowly(const EncodeRequest& request, std::uint8_t* blocks) {
-    const auto& [pixels, width, height, rowBytes] = request.image;
-    const bool isSecondGeneration = request.variant.isSecondGeneration();
-    return amtc::encodeImage({.source = {pixels, static_cast<std::int32_t>(width), static_cast<std::int32_t>(height),
-                                         static_cast<std::ptrdiff_t>(rowBytes), true},
+/// Encodes whole blocks by the slow encoder; false if it fails. Its efforts are 0 to 4; quality 0 of the first generation is the
+/// fast compressor's.
+bool encodeSlowly(const LevelRequest& request, std::uint8_t* blocks) {
+    const ConstImageView& image = request.image;
+    const bool isSecond = request.variant.isSecondGeneration();
+    return amtc::encodeImage({.source = {.pixels = image.pixels,
+                                         .width = static_cast<std::int32_t>(image.width),
+                                         .height = static_cast<std::int32_t>(image.height),
+                                         .rowBytes = static_cast<std::ptrdiff_t>(image.rowBytes),
+                                         .isRGBAOrder = true},
                               .destination = blocks,
                               .options = {.variant = request.variant,
-                                          .linearBlockOrder = isSecondGeneration,
-                                          .quality = isSecondGeneration ? request.quality : request.quality - 1}});
+                                          .linearBlockOrder = isSecond,
+                                          .quality = isSecond ? request.quality : request.quality - 1}});
 }
 
 /// Encodes a level that is not empty; in the first generation its sides are multiples of the block.
-bool encodeLevel(EncodeRequest request, std::uint8_t* blocks) {
+bool encodeLevel(LevelRequest request, std::uint8_t* blocks) {
     if (request.quality == 0 && !request.variant.isSecondGeneration())
         return encodeFast({.image = request.image, .rate = request.variant.rate, .threads = availableThreads()}, blocks);
     const std::uint32_t width = roundUp(request.image.width, blockWidth(request.variant.rate));
@@ -87,7 +91,7 @@ std::uint32_t CompressMOKTC(const void* pixels, void* destination, const std::ui
     const std::uint32_t size = *width * *height * bitsPerPixel(variant.rate) >> 3;
     const bool isEmpty = *width == 0 || *height == 0;
     if (pixels == nullptr || destination == nullptr || isEmpty) return size;
-    const EncodeRequest request = {packedImage(pixels, *width, *height), variant, quality};
+    const LevelRequest request = {packedImage(pixels, *width, *height), variant, quality};
     return encodeLevel(request, static_cast<std::uint8_t*>(destination)) ? size : 0;
 }
 
