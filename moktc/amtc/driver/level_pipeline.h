@@ -13,7 +13,7 @@ struct EncodeOptions {
     BlockVariant variant;                                    ///< the unfinished rate of 1 bit per pixel ends the process
     bool linearBlockOrder;                                   ///< row by row, else twiddled
     std::uint32_t quality;                                   ///< 0 to 4; more counts as 4
-    std::uint32_t formatVersion = 4;                         ///< stands in the settings of a level and has no effect
+    std::uint32_t formatVersion = 4;                         ///< recorded in the settings of a level, without effect
     std::uint32_t threads = availableThreads();              ///< most threads; the bytes do not depend on it
     InstructionSet instructionSet = detectInstructionSet();  ///< nor on this one
 };

@@ -26,7 +26,7 @@
 namespace moktexture::amtc {
 namespace {
 
-/// Corner palette cells: the modulation index that stands in the word for a pixel's entry in its list of four palette colours.
+/// Corner palette cells: the modulation index that the word stores for a pixel's entry in its list of four palette colours.
 // clang-format off
 constexpr std::array<std::array<std::uint8_t, 4>, 16> CornerPaletteBits = {{
     // entry 0, 1, 2, 3 becomes     pixel of the block, row by row
@@ -136,7 +136,8 @@ LocalModulation chooseSamples(const LocalPixels& local, std::uint32_t mode) {
         }
     }
     for (std::size_t row = firstRow; row < firstRow + moktc::blockHeight; ++row) {
-        for (std::size_t column = firstColumn(Rate::twoBpp) + 1 - row % 2; column < firstColumn(Rate::twoBpp) + blockWidth; column += 2) {
+        for (std::size_t column = firstColumn(Rate::twoBpp) + 1 - row % 2; column < firstColumn(Rate::twoBpp) + blockWidth;
+             column += 2) {
             const DecodedPixel decoded = decodePixel2bpp(local, row, column);
             const std::uint32_t weight = meanOfSamples(samples, meanClass, row, column);
             const std::uint32_t colour = mixColours(decoded.candidates[0], decoded.candidates[3], 8 - weight, weight);

@@ -18,7 +18,7 @@ using namespace moktexture::amtc;
 using Lanes = EvaluationLanes2bpp;
 constexpr std::size_t lastRow = Lanes::lastRow;
 
-/// Interpolation weights of samples by row. Those of the last column stand apart; a row of zeroes lies above and one below.
+/// Interpolation weights of samples by row. Those of the last column are separate; a row of zeroes precedes and one follows.
 class SampleGrid {
 public:
     MOKTEX_LANE_FUNCTION SampleGrid() { rows[0] = rows[lastRow + 2] = _mm256_setzero_si256(); }

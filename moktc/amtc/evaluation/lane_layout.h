@@ -5,7 +5,7 @@
 
 /// @file
 /// A footprint and its blend table laid out for eight pixels at a time, and the evaluators over it, for processors with AVX2.
-/// Plain data only: kernels include this header.
+/// Trivial types only: kernel files, compiled for AVX2, include this header.
 ///
 /// A group is eight pixels. Its pixels share the 2 by 2 blocks around them by halves of four lanes, so a kernel decodes a group
 /// with two sets of colours, one in each half of a register, and without gathers. A row of a group crosses the footprint's middle

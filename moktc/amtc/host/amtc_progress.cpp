@@ -15,7 +15,7 @@ float shareDone(const AmtcProgress& record) {
     if (record.total != 0) return static_cast<float>(record.doneA + record.doneB) / static_cast<float>(record.total);
     if (record.started == 0) return 0.0F;
     // Kept (progress-divides-by-zero): work of unknown amount is divided by zero. GetProgress() clamps the result, so a host's
-    // progress bar stands at 0 before the first count and at 1 from then on.
+    // progress bar shows 0 before the first count and 1 from then on.
     return static_cast<float>(record.doneA) / (record.mipFactor * 0.0F);
 }
 

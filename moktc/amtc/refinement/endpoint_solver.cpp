@@ -7,7 +7,7 @@
 //     sum over pixels of  w * (r - dA - f * (dB - dA))^2           w: the pixel's influence
 //
 // This is a linear regression of r over f. The pixels of one interpolation weight have the same f, so the evaluators sum by
-// weight, and nine sums per channel stand for the whole footprint. The normal equations of a straight line give
+// weight, and nine sums per channel represent the whole footprint. The normal equations of a straight line give
 //
 //     slope = covariance(r, f) / variance(f)        all means weighted with w
 //     dA = mean(r) - slope * mean(f)                the line at f = 0

@@ -47,13 +47,6 @@ TEST(AmtcSweeps, WidenTheSearchAndVisitAllBlocksWhenTheyDo) {
     EXPECT_EQ(narrow.neighbourModeVariants, 0u) << "one block across";
 }
 
-TEST(AmtcLevelDeathTest, RefusesOneBitPerPixel) {
-    const WorkImage image = makeWorkImage();
-    image->Width = image->Height = 32;
-    std::array<std::uint8_t, 128> blocks{};
-    EXPECT_DEATH(CompressLevel(*image, 4, 1, 0, blocks.data(), 1, 0, nullptr), "1bpp not yet implemented \\(OptimiseRegion\\)");
-}
-
 TEST(AmtcLevelDeathTest, AThreadThatCannotBeStartedEndsTheProcessWithItsFixedMessage) {
     EXPECT_DEATH(failToCreateThread(), "Create thread at \"threadsupport.cpp\":85");
 }
