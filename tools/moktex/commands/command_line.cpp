@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -78,14 +79,35 @@ void normaliseMipmapsOption(std::vector<std::string>& arguments) {
     }
 }
 
-/// An option whose value is one of a few names.
-template <class Target, class Value>
-void addChoice(CLI::App& command, const std::string& option, Target& target, const std::string& help,
-               const std::map<std::string, Value>& choices) {
+/// A name that an option accepts, and what it does.
+struct Choice {
+    std::string name;
+    std::function<void()> select;
+};
+
+/// An option whose value is one of a few names. CLI11's own transformers are not used because they compile slowly.
+void addChoice(CLI::App& command, const std::string& option, const std::string& help, const std::vector<Choice>& choices) {
     std::string names;
-    for (const auto& [name, value] : choices)
-        names += (names.empty() ? "" : "|") + name;
-    command.add_option(option, target, help)->transform(CLI::CheckedTransformer(choices).description(""))->type_name(names);
+    for (const Choice& choice : choices)
+        names += (names.empty() ? "" : "|") + choice.name;
+    const auto select = [choices, names, option](const CLI::results_t& values) {
+        for (const Choice& choice : choices) {
+            if (choice.name != values.back()) continue;
+            choice.select();
+            return true;
+        }
+        throw CLI::ValidationError(option, values.back() + " is not one of " + names);
+    };
+    command.add_option(option, select, help)->type_name(names);
+}
+
+/// The choices that assign a value of an enumeration to `target`.
+template <class Target, class Value>
+std::vector<Choice> choicesOf(Target& target, const std::vector<std::pair<std::string, Value>>& values) {
+    std::vector<Choice> choices;
+    for (const auto& [name, value] : values)
+        choices.push_back({name, [&target, chosen = value] { target = chosen; }});
+    return choices;
 }
 
 /// The options of `moktex convert` before they are checked.
@@ -95,13 +117,13 @@ struct ConvertOptions {
 };
 
 void addSizeOptions(CLI::App& command, ConvertOptions& options) {
-    const std::map<std::string, EResizeMode> filters = {
+    const std::vector<std::pair<std::string, EResizeMode>> filters = {
         {"nearest", eResizeNearest}, {"linear", eResizeLinear}, {"cubic", eResizeCubic}};
     ConversionRequest& request = options.arguments.request;
-    addChoice(command, "--mip-filter", request.mipFilter, "Filter of --mipmaps (linear)", filters);
+    addChoice(command, "--mip-filter", "Filter of --mipmaps (linear)", choicesOf(request.mipFilter, filters));
     command.add_option("--resize", options.resize, "Change the size first; pow2: to the nearest powers of two")
         ->type_name("WxH|pow2");
-    addChoice(command, "--resize-filter", request.resizeFilter, "Filter of --resize (linear)", filters);
+    addChoice(command, "--resize-filter", "Filter of --resize (linear)", choicesOf(request.resizeFilter, filters));
 }
 
 void addOperationOptions(CLI::App& command) {
@@ -119,20 +141,22 @@ void addOperationOptions(CLI::App& command) {
 }
 
 void addColourOptions(CLI::App& command, ConversionRequest& request) {
-    const std::map<std::string, EMOKTColourSpace> spaces = {{"linear", eColourSpaceLinear}, {"srgb", eColourSpaceSRGB}};
-    addChoice(command, "--assign-colour-space", request.assignedColourSpace,
-              "Colour space of the input; the values stay unchanged", spaces);
-    addChoice(command, "--colour-space", request.colourSpace, "Colour space of the output; the curve is applied", spaces);
+    const std::vector<std::pair<std::string, EMOKTColourSpace>> spaces = {{"linear", eColourSpaceLinear},
+                                                                          {"srgb", eColourSpaceSRGB}};
+    addChoice(command, "--assign-colour-space", "Colour space of the input; the values stay unchanged",
+              choicesOf(request.assignedColourSpace, spaces));
+    addChoice(command, "--colour-space", "Colour space of the output; the curve is applied",
+              choicesOf(request.colourSpace, spaces));
     command.add_flag("--dither", request.dither, "Dither formats below 32 bits per pixel");
 }
 
 void addOutputOptions(CLI::App& command, ConvertArguments& arguments) {
     ConversionRequest& request = arguments.request;
-    std::map<std::string, ELegacyApi> apis;
+    std::vector<std::pair<std::string, ELegacyApi>> apis;
     for (const auto& [name, api] : legacyApiNames())
-        apis[name] = api;
-    addChoice(command, "--legacy", request.legacyApi, "Write .mok in the legacy layout, with the format numbers of that API",
-              apis);
+        apis.emplace_back(name, api);
+    addChoice(command, "--legacy", "Write .mok in the legacy layout, with the format numbers of that API",
+              choicesOf(request.legacyApi, apis));
     command.add_option("--level", request.level, "MIP level to write as a PNG")->type_name("N");
     command.add_option("--layer,--member", request.layer, "Array layer to write as a PNG")->type_name("N");
     command.add_option("--face", request.face, "Cube face to write as a PNG")->type_name("N");
