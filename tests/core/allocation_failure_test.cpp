@@ -68,21 +68,14 @@ TEST(AllocationFailure, LeavesArraysAndMapsUnchanged) {
 }
 
 TEST(AllocationFailure, LeavesStringsUnchanged) {
-    using S = CMOKTString;
-    S string, other("other text");
-    const auto state = [&] { return string.c_str() + std::to_string(string.length()) + ' ' + std::to_string(string.capacity()); };
-    // clang-format off
-    void (*const changes[])(S&, const S&) = {
-        [](S& s, const S& o) { s = o; }, [](S& s, const S&) { s.assign(9, 'x'); }, [](S& s, const S& o) { s.append(o); },
-        [](S& s, const S&) { s.clear(); }, [](S& s, const S&) { s.reserve(9); }, [](S& s, const S&) { s.resize(9, 'x'); },
-        [](S& s, const S& o) { s.replace_all("a", o); }, [](S& s, const S& o) { s.assign_format("%s!", o.c_str()); },
-        [](S& s, const S& o) { s = o + "x" + o; }};
-    // clang-format on
-    for (const auto& change : changes) {
-        SCOPED_TRACE(&change - changes);
-        (string = "aba").append("c");  // leaves no room
-        failEachAllocation(state, {[&] { change(string, other); }});
-    }
+    CMOKTString s;
+    const CMOKTString o("other text");
+    // Each operation exceeds the capacity that the one before leaves.
+    failEachAllocation(
+        [&] { return s.c_str() + std::to_string(s.length()) + ' ' + std::to_string(s.capacity()); },
+        {[&] { s.assign(9, 'x'); }, [&] { s.append(o); }, [&] { s.reserve(99); }, [&] { s.resize(200, 'x'); }, [&] { s.clear(); },
+         [&] { s = o; }, [&] { s.replace_all("t", o); },
+         [&] { s.assign_format("%s, %s, %s, %s", o.c_str(), o.c_str(), o.c_str(), o.c_str()); }, [&] { s = o + "x" + o; }});
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstring>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -36,12 +35,9 @@ TEST(TextureHeader, SizesOfEveryFormatFollowTheTable) {
         {0, 153, 9}, {1, 306, 18}, {0, 153, 9}, {0, 153, 9}, {0, 153, 9}, {1, 306, 18}, {1, 306, 18}, {0, 0, 0}, {0, 0, 0}};
     // clang-format on
     for (std::uint64_t id = 0; id < std::size(sizes); ++id) {
-        const std::uint32_t volume = header(id, 17, 9, 1, 1, 1, 2).getDataSize();
-        EXPECT_EQ((std::vector{header(id, 1, 1).getDataSize(), volume, header(id, 5, 3, 3).getDataSize()}),
-                  std::vector(sizes[id], sizes[id] + 3))
-            << id;
-        EXPECT_TRUE(sizesFit32Bits(header(id, 17, 9, 3))) << id;
-        EXPECT_EQ((header(id, 4, 4).getTextureSize() == 0), (bitsPerPixel(id) == 0)) << id;
+        EXPECT_EQ(header(id, 1, 1).getDataSize(), sizes[id][0]) << id;
+        EXPECT_EQ(header(id, 17, 9, 1, 1, 1, 2).getDataSize(), sizes[id][1]) << id;
+        EXPECT_EQ(header(id, 5, 3, 3).getDataSize(), sizes[id][2]) << id;
     }
 }
 
@@ -57,11 +53,9 @@ TEST(TextureHeader, SizesExistOneLevelPastTheLastAndBitsAreSummedOverLevels) {
                   (std::array{level, width, height, depth}));
     EXPECT_EQ(texture.getDataSize(33, true, true), texture.getDataSize(1, true, true));
     const CMOKTextureHeader nibble = header(PixelType('l', 0, 0, 0, 4, 0, 0, 0), 2, 1, 2, 3, 2);
-    EXPECT_EQ((std::array{nibble.getDataSize(1, true, true), nibble.getDataSize(-1, false, false),
-                          nibble.getDataSize(-1, true, false), nibble.getDataSize(-1, false, true)}),
-              (std::array{0u, 1u, 3u, 2u}));
+    EXPECT_EQ(nibble.getDataSize(1, true, true) * 10 + nibble.getDataSize(-1, false, false), 1u);
+    EXPECT_EQ(nibble.getDataSize(-1, true, false) * 10 + nibble.getDataSize(-1, false, true), 32u);
     EXPECT_EQ(header(eFmtDXT1, 5, 3, 3).getTextureSize(), 64u);
-    EXPECT_EQ(header(PixelTypeRGBA8, 0, 0).getWidth(), 1u);
     EXPECT_EQ(header(PixelType('r', 'g', 'b', 0, 8, 8, 8, 0), 1, 1).getTextureSize(), 1u);
     EXPECT_EQ(header(PixelType('l', 0, 0, 0, 8, 0, 0, 0), 1u << 14, 1u << 14, 1, 3).getTextureSize(), 1u << 28);  // wraps
 }
@@ -84,22 +78,13 @@ TEST(TextureHeader, SizesThatWrapAreDetected) {
         EXPECT_EQ(std::pair(texture.getDataSize(), sizesFit32Bits(texture)), std::pair(size, isTrue)) << texture.getWidth();
 }
 
-TEST(TextureHeader, SettersStoreTheirValueAndClearingOneFlagClearsBoth) {
-    const MOKTextureHeaderV3 expected = {own, 2, PixelTypeRGBA16.id, eColourSpaceSRGB, eVarFloat, 2, 3, 4, 6, 7, 5, 0};
-    const CMOKTextureHeader built(PixelTypeRGBA16.id, 2, 3, 4, 5, 6, 7, eColourSpaceSRGB, eVarFloat, true);
-    CMOKTextureHeader set;
-    set.setPixelFormat(built.getPixelType()), set.setColourSpace(built.getColourSpace());
-    set.setHeight(2), set.setWidth(3), set.setDepth(4), set.setNumMIPLevels(5), set.setNumArrayMembers(6), set.setNumFaces(7);
-    set.setChannelType(built.getChannelType()), set.setIsPreMultiplied(built.isPreMultiplied());
-    for (const MOKTextureHeaderV3& record : {built.getFileHeader(), set.getFileHeader()})
-        EXPECT_EQ(std::memcmp(&record, &expected, sizeof(record)), 0);
+TEST(TextureHeader, ClearingOneFlagClearsBoth) {
     for (const auto clear : {&CMOKTextureHeader::setIsFileCompressed, &CMOKTextureHeader::setIsPreMultiplied}) {
-        set.setIsFileCompressed(true), set.setIsPreMultiplied(true);
-        EXPECT_TRUE(set.isFileCompressed());
-        EXPECT_TRUE(set.isPreMultiplied());
-        EXPECT_EQ(set.getFileHeader().flags, 3u);
-        (set.*clear)(false);
-        EXPECT_EQ(set.getFileHeader().flags, 0u);
+        CMOKTextureHeader texture;
+        texture.setIsFileCompressed(true), texture.setIsPreMultiplied(true);
+        EXPECT_EQ(texture.getFileHeader().flags, 3u);
+        (texture.*clear)(false);
+        EXPECT_EQ(texture.getFileHeader().flags, 0u);
     }
 }
 
@@ -127,28 +112,20 @@ TEST(TextureMetaData, TopicsRoundTripAndAreCountedOnce) {
     }
     EXPECT_TRUE(texture.getCubeMapOrder() == "XxYyZz");
     texture.setNumFaces(1);
-    const auto atlasMembersOf = [&texture](std::uint32_t width, std::uint32_t height, std::uint32_t depth) {
+    for (const auto& [width, height, depth, atlasMembers] : {std::array{2, 1, 1, 2}, {1, 2, 1, 2}, {1, 1, 2, 2}, {1, 1, 1, 0}}) {
         texture.setWidth(width), texture.setHeight(height), texture.setDepth(depth);
-        return texture.getNumTextureAtlasMembers();
-    };
-    EXPECT_EQ((std::vector{atlasMembersOf(2, 1, 1), atlasMembersOf(1, 2, 1), atlasMembersOf(1, 1, 2), atlasMembersOf(1, 1, 1)}),
-              (std::vector{2, 2, 2, 0}));
+        EXPECT_EQ(texture.getNumTextureAtlasMembers(), atlasMembers) << width << height << depth;
+    }
     EXPECT_TRUE(texture.getCubeMapOrder().empty());
 }
 
 TEST(TextureMetaData, QueriesInsertTheOuterEntry) {
     const CMOKTextureHeader texture;
     EXPECT_FALSE(texture.isBumpMap());
-    EXPECT_EQ(texture.getBumpMapScale(), 0.0f);
-    EXPECT_TRUE(texture.getBumpMapOrder().empty());
     EXPECT_EQ(texture.getMetaDataMap().GetSize(), 1u);
     EXPECT_FALSE(texture.hasMetaData(7, 7));
     EXPECT_EQ(texture.getMetaDataMap().GetSize(), 2u);
-    EXPECT_EQ(texture.getMetaDataMap().GetDataAtIndex(1)->GetSize(), 0u);
-    const MetaDataBlock missing = texture.getMetaData(7, 8);
-    EXPECT_NE(missing.data, nullptr);
-    EXPECT_EQ(missing.dataSize, 0u);
-    EXPECT_EQ(missing.fourCC, 0u);
+    EXPECT_EQ(payloadOf(texture.getMetaData(7, 8)), "");
     EXPECT_TRUE(texture.hasMetaData(7, 8));
     EXPECT_EQ(texture.getMetaDataSize(), 0u);
 }
@@ -160,7 +137,6 @@ TEST(TextureMetaData, GettersReadZeroesBeyondAShortPayload) {
     for (const MetaDataBlock& added : {withoutPayload, makeBlock({0, 0, -64, 63, 'x'}, 1, own), makeBlock("ab", 2, own),
                                        makeBlock("\1", 3, own), makeBlock({7, 0, 0, 0, 9}, 4, own)})
         texture.addMetaData(added);
-    EXPECT_EQ(texture.getNumTextureAtlasMembers(), 0);
     EXPECT_EQ(texture.getTextureAtlasData(), nullptr);
     EXPECT_EQ(texture.getBumpMapScale(), 1.5f);
     EXPECT_EQ(texture.getBumpMapOrder(), "x");
@@ -184,8 +160,6 @@ TEST(TextureMetaData, ReplacingCountsTwiceAndRemovingMayWrap) {
     texture.removeMetaData(5, 9), empty.removeMetaData(5, 9);
     EXPECT_EQ(texture.getMetaDataSize(), 127u);
     EXPECT_EQ(empty.getMetaDataSize(), 0u - 12u);
-    EXPECT_FALSE(texture.hasMetaData(5, 9));
-    EXPECT_FALSE(empty.hasMetaData(5, 9));
 
     // Blocks and keys may lie in the map itself.
     CMOKTextureHeader full;

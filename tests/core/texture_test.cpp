@@ -5,7 +5,6 @@
 
 #include "CMOKTexture.h"
 #include "core/texture/TextureInternals.h"
-#include "formats/file_layout.h"
 #include "native_image.h"
 #include "support/temporary_folder.h"
 #include "support/test_images.h"
@@ -51,42 +50,21 @@ TEST(Texture, CopiesAreDeepAndMovesLeaveADefaultTexture) {
     assigned = copy;
     static_cast<unsigned char*>(copy.getDataPtr())[0] ^= 1;
     EXPECT_EQ(contentsOf(original), contents);
-    EXPECT_EQ(contentsOf(assigned), contents);
-    EXPECT_NE(contentsOf(copy), contents);
     moved = std::move(assigned);
-    EXPECT_EQ(contentsOf(moved), contents);
     EXPECT_EQ(contentsOf(assigned), contentsOf(CMOKTexture()));
     EXPECT_EQ(contentsOf(CMOKTexture(std::move(moved))), contents);
 }
 
-TEST(Texture, CopiesOfATextureWithoutBufferHaveNone) {
-    CMOKTexture halfLoaded = sample(), assigned = sample();
+TEST(Texture, WithMissingPixelsIsCopiedAndNotSaved) {
+    CMOKTexture halfLoaded = sample(), wrapped = sample();
     TextureInternals::release(halfLoaded);
     TextureInternals::setDataSize(halfLoaded, 4);
-    const CMOKTexture copy(halfLoaded);
-    assigned = copy;
+    EXPECT_EQ(contentsOf(CMOKTexture(halfLoaded)), contentsOf(halfLoaded));
+    wrapped.setNumMIPLevels(1), wrapped.setWidth(89478488);  // to 192 bytes
     Bytes image = {9};
-    EXPECT_EQ(contentsOf(assigned), contentsOf(halfLoaded));
-    EXPECT_FALSE(SaveTexture(copy, "mok", image));
+    EXPECT_FALSE(SaveTexture(halfLoaded, "mok", image));
+    EXPECT_FALSE(SaveTexture(wrapped, "dds", image));
     EXPECT_EQ(image, Bytes{9});
-    EXPECT_FALSE(copy.saveFile(TemporaryFolder().path("copy.mok").c_str()));
-}
-
-TEST(Texture, HasValidPixelDataOnlyWithAllItsPixels) {
-    CMOKTexture texture = sample();
-    // Levels and width of the header over a buffer of 3 levels and width 12; the last wraps to 192 bytes.
-    for (const auto& [levels, width, hasValidPixelData] : {std::tuple{3u, 12u, true},
-                                                           {2u, 12u, true},
-                                                           {4u, 12u, false},
-                                                           {0u, 12u, false},
-                                                           {3u, 13u, false},
-                                                           {1u, 89478488u, false}}) {
-        texture.setNumMIPLevels(levels), texture.setWidth(width);
-        EXPECT_EQ(TextureInternals::hasValidPixelData(texture), hasValidPixelData) << levels << ' ' << width;
-    }
-    const CMOKTexture empty(CMOKTextureHeader(), nullptr);
-    EXPECT_NE(empty.getDataPtr(), nullptr);
-    EXPECT_FALSE(TextureInternals::hasValidPixelData(empty));
 }
 
 TEST(Texture, TheExtensionSelectsTheLayout) {
@@ -111,8 +89,6 @@ TEST(Texture, TheExtensionSelectsTheLayout) {
     for (const char* extension : {"ktx", "tga", "", ".", "a.mok", "mo"})
         EXPECT_FALSE(SaveTexture(texture, extension, image)) << extension;
     EXPECT_FALSE(SaveTexture(texture, nullptr, image));
-    EXPECT_EQ(fileLayoutForLoading("ktx"), FileLayout::mok);
-    EXPECT_EQ(fileLayoutForLoading(".ktx"), FileLayout::ktx);
 #if defined(__linux__)
     std::filesystem::create_symlink("/dev/full", folder.path("full.mok"));
     EXPECT_FALSE(texture.saveFile(folder.path("full.mok").c_str()));

@@ -3,13 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -18,6 +13,7 @@
 #include "moktex/files/picture_file.h"
 #include "moktex/formats/texture_format.h"
 #include "moktex/report/console.h"
+#include "support/temporary_folder.h"
 #include "support/test_images.h"
 
 using moktextool::ExitStatus;
@@ -30,12 +26,7 @@ struct ToolRun {
 /// Runs commands in this process, in a temporary folder.
 class ToolTest : public testing::Test {
 protected:
-    ToolTest() : folder(std::filesystem::temp_directory_path() / ("moktex_test_" + std::to_string(std::random_device()()))) {
-        std::filesystem::create_directory(folder);
-    }
-    ~ToolTest() override { std::filesystem::remove_all(folder); }
-
-    std::string path(const std::string& name) const { return (folder / name).string(); }
+    std::string path(const std::string& name) const { return folder.path(name); }
 
     /// Runs a command line, split at blanks; a word with a leading '@' is a file in the test's folder, '' an empty argument.
     ToolRun run(const std::string& commandLine, const std::string& input = "") const {
@@ -67,17 +58,16 @@ protected:
         EXPECT_TRUE(files() == before) << commandLine;
     }
 
-    void write(const std::string& name, const std::string& bytes) const { std::ofstream(path(name), std::ios::binary) << bytes; }
+    void write(const std::string& name, const std::string& bytes) const { folder.write(name, {bytes.begin(), bytes.end()}); }
     std::string read(const std::string& name) const {
-        std::ifstream stream(path(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
+        const auto bytes = folder.read(name);
+        return {bytes.begin(), bytes.end()};
     }
     void writePNG(const std::string& name, std::uint32_t width, std::uint32_t height,
                   const std::vector<std::uint8_t>& rgba) const {
         const moktexture::CMOKTextureHeader header(moktexture::PixelTypeRGBA8.id, height, width, 1, 1, 1, 1, eColourSpaceSRGB,
                                                    eVarUByteNorm, false);
-        const std::vector<unsigned char> png = moktextool::encodePNG({header, rgba.data()}, name);
-        write(name, {png.begin(), png.end()});
+        folder.write(name, moktextool::encodePNG({header, rgba.data()}, name));
     }
     void writePNG(const std::string& name, std::uint32_t width, std::uint32_t height,
                   testimages::Kind kind = testimages::Kind::softAlpha) const {
@@ -85,16 +75,14 @@ protected:
     }
     /// The bytes of a picture's pixels, RGBA8.
     std::vector<std::uint8_t> pixelsOf(const std::string& name) const {
-        const std::string bytes = read(name);
-        const std::vector<unsigned char> file(bytes.begin(), bytes.end());
-        const moktexture::CMOKTexture picture = moktextool::decodePicture(file, name);
+        const moktexture::CMOKTexture picture = moktextool::decodePicture(folder.read(name), name);
         const auto* pixels = static_cast<const std::uint8_t*>(picture.getDataPtr());
         return {pixels, pixels + picture.getDataSize()};
     }
     /// The names of the files in the folder and their contents.
     std::map<std::string, std::string> files() const {
         std::map<std::string, std::string> found;
-        for (const auto& entry : std::filesystem::directory_iterator(folder))
+        for (const auto& entry : std::filesystem::directory_iterator(path("")))
             found[entry.path().filename().string()] = read(entry.path().filename().string());
         return found;
     }
@@ -106,6 +94,6 @@ protected:
     }
     bool areEqual(const std::string& a, const std::string& b) const { return compare(a, b)["equal"]; }
 
-    std::filesystem::path folder;
+    TemporaryFolder folder;
     bool isTerminal = false;  ///< whether the error stream counts as a terminal
 };
