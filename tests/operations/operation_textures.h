@@ -8,11 +8,13 @@
 #include <type_traits>
 #include <vector>
 
-#include "CMOKTexture.h"
+#include "image_operations.h"
 #include "support/test_images.h"
 
 /// Operable textures of every element type.
 namespace operationtextures {
+
+using namespace moktexture;
 
 struct Shape {
     std::uint32_t width = 1, height = 1, depth = 1, levels = 1, layers = 1, faces = 1;
@@ -20,14 +22,13 @@ struct Shape {
 
 /// A texture that starts with the given elements; the others are 0.
 template <typename T>
-moktexture::CMOKTexture textureOf(const Shape& shape, const std::vector<T>& elements) {
+CMOKTexture textureOf(const Shape& shape, const std::vector<T>& elements) {
     constexpr std::uint8_t bits = 8 * sizeof(T);
     constexpr EMOKTVariableType types[] = {eVarNone, eVarUByteNorm, eVarUShortNorm, eVarNone, eVarUIntNorm};
-    const moktexture::CMOKTextureHeader header(moktexture::PixelType('r', 'g', 'b', 'a', bits, bits, bits, bits).id, shape.height,
-                                               shape.width, shape.depth, shape.levels, shape.layers, shape.faces,
-                                               eColourSpaceLinear, std::is_same_v<T, float> ? eVarFloat : types[sizeof(T)],
-                                               false);
-    moktexture::CMOKTexture texture(header, nullptr);
+    const EMOKTVariableType type = std::is_same_v<T, float> ? eVarFloat : types[sizeof(T)];
+    CMOKTexture texture(CMOKTextureHeader(PixelType('r', 'g', 'b', 'a', bits, bits, bits, bits).id, shape.height, shape.width,
+                                          shape.depth, shape.levels, shape.layers, shape.faces, eColourSpaceLinear, type, false),
+                        nullptr);
     std::copy(elements.begin(), elements.end(), static_cast<T*>(texture.getDataPtr()));
     return texture;
 }
@@ -67,30 +68,26 @@ std::vector<T> repeatedPixel(const std::vector<T>& pixel, std::size_t count) {
 }
 
 template <typename T>
-moktexture::CMOKTexture randomTexture(const Shape& shape, std::uint64_t seed = 1) {
+CMOKTexture randomTexture(const Shape& shape, std::uint64_t seed = 1) {
     testimages::Random random(seed);
     return textureOf(shape, randomElements<T>(textureOf<T>(shape, {}).getDataSize() / sizeof(T), random));
 }
 
 /// Elements of one subresource, or of the whole buffer for level -1.
 template <typename T>
-std::vector<T> elementsAt(const moktexture::CMOKTexture& texture, int level = 0, unsigned int layer = 0, unsigned int face = 0) {
-    const T* const first =
-        static_cast<const T*>(texture.getDataPtr(level < 0 ? 0u : static_cast<unsigned int>(level), layer, face));
+std::vector<T> elementsOf(const CMOKTexture& texture, int level = -1, unsigned int layer = 0, unsigned int face = 0) {
+    const auto* first = static_cast<const T*>(texture.getDataPtr(static_cast<unsigned int>(std::max(level, 0)), layer, face));
     return {first, first + texture.getDataSize(level, level < 0, level < 0) / sizeof(T)};
 }
 
-template <typename T>
-constexpr auto elementsOf = [](const moktexture::CMOKTexture& texture) { return elementsAt<T>(texture, -1); };
-
-inline bool isAllZero(const moktexture::CMOKTexture& texture) {
+inline bool isAllZero(const CMOKTexture& texture) {
     return std::ranges::count(elementsOf<std::uint8_t>(texture), 0) == texture.getDataSize();
 }
 
 /// Calls `test(T)` for the four element types.
 template <typename Test>
 void forEachElementType(Test test) {
-    std::apply([&](auto... zeroes) { (test(zeroes), ...); }, std::tuple<std::uint8_t, std::uint16_t, std::uint32_t, float>());
+    test(std::uint8_t{}), test(std::uint16_t{}), test(std::uint32_t{}), test(float{});
 }
 
 }  // namespace operationtextures
