@@ -57,7 +57,7 @@ void encodeByStages(benchmark::State& state, const BenchPicture& picture, const 
     const FootprintKernels kernels = makeFootprintKernels(settings);
     BlockRows rows;
     AllocateBlockRows(side, side, settings.blockWidth, settings.blockHeight, rows);
-    const AmtcThreadContext context = {*image, settings, rows, mostThreads, 1};
+    const AmtcThreadContext context = {*image, settings, rows, maxThreads, 1};
     std::uint32_t step = 1;
     const auto sweep = [&](std::uint32_t number) {
         const AmtcLevelSettings previous = settings;

@@ -31,7 +31,7 @@ void encode(benchmark::State& state, const BenchPicture& picture, DXTMode mode, 
     countPixels(state, pixelsOf(picture));
 }
 
-/// The axis search of every block by itself, in scalar code.
+/// The axis search of one block at a time, in scalar code.
 void searchAxes(benchmark::State& state, const BenchPicture& picture) {
     const ConstImageView image = packedImage(picture.rgba.data(), picture.width, picture.height);
     for (auto _ : state) {

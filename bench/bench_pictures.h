@@ -16,7 +16,7 @@ struct BenchPicture {
 /// it.
 void registerCopyBenchmark(const std::string& group, const BenchPicture& picture);
 
-/// Each registers the benchmarks of one module. Every benchmark reports megapixels a second as the counter "Mpixels".
+/// Each registers the benchmarks of one module. Every benchmark reports megapixels per second as the counter "Mpixels".
 void registerTranscodeBenchmarks(const std::vector<BenchPicture>& pictures);
 void registerDXTnBenchmarks(const std::vector<BenchPicture>& pictures);
 void registerETC1Benchmarks(const std::vector<BenchPicture>& pictures);

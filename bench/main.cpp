@@ -99,7 +99,7 @@ int main(int argc, char** argv) {
     registerAmtcEvaluationBenchmarks(pictures);
     registerAmtcBenchmarks(pictures);
     registerOperationBenchmarks(pictures);
-    // The benchmark library does not know the folder argument: move it behind the flags.
+    // The benchmark library does not know the folder argument: move it after the flags.
     std::rotate(argv + 1, argv + 2, argv + argc);
     int flags = argc - 1;
     benchmark::Initialize(&flags, argv);

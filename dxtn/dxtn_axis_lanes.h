@@ -16,11 +16,11 @@
 //   index      = nearest of the 3 (or 2) steps between both points, before they were clamped and truncated
 //
 // Multiplying by the covariance stretches the axis most along the principal direction, so that it turns there; how fast depends
-// on the ratio of the largest variances. It ends after 100 steps in any case: colours that vary in two directions alike have no
+// on the ratio of the largest variances. It ends after 100 steps in any case: colours that vary equally in two directions have no
 // principal axis to converge to, and any axis between them serves. A block costs a few hundred multiplications, and 9 for each
 // step.
 //
-// Each lane of a vector holds another block:
+// Each lane of a vector holds a different block:
 //
 //                      lane 0        lane 1        lane 2        lane 3
 //                   +-------------+-------------+-------------+-------------+
@@ -30,7 +30,7 @@
 //   pixels[15]      | block A,p15 | block B,p15 | block C,p15 | block D,p15 |
 //   transparent     | mask of A   | mask of B   | mask of C   | mask of D   |     bit i: pixel i
 //                   +-------------+-------------+-------------+-------------+
-//   out             where the colour block of each goes
+//   out             address of each colour block
 //
 // All lanes iterate until the last one has ended; a lane that has ended keeps its axis. Every lane does the operations of the
 // reference form in `reference/` in the same order and in single precision, so that the bits are equal for any number of lanes.
@@ -87,7 +87,7 @@ struct FourLanes {
 #endif
 };
 
-/// One colour a lane.
+/// One colour per lane.
 template <class Lanes>
 struct LaneColours {
     typename Lanes::Floats r, g, b;
@@ -258,7 +258,7 @@ inline typename Lanes::Integers indicesAlongAxis(const CentredLanes<Lanes>& bloc
     return indices;
 }
 
-/// Writes the colour blocks of a batch and empties it. Lanes that are not filled compute for nothing.
+/// Writes the colour blocks of a batch and empties it. The results of empty lanes are discarded.
 template <class Lanes>
 void flush(Batch<Lanes>& batch) {
     using Integers = typename Lanes::Integers;

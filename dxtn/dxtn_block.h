@@ -13,18 +13,18 @@
 ///                           +-----+-----+- - -+-----+-----+--------------+--------------+
 ///                           | p15 | p14 |     | p1  | p0  |      c1      |      c0      |
 ///                           +-----+-----+- - -+-----+-----+--------------+--------------+
-///                             2 bits of index a pixel       endpoints in 5-6-5: rrrrrggggggbbbbb
+///                             2-bit index per pixel         endpoints in 5-6-5: rrrrrggggggbbbbb
 ///
 ///   Explicit alpha           63  60            7    4 3    0
 ///   (DXT2, DXT3)            +------+- - - - -+------+------+
-///                           | p15  |         |  p1  |  p0  |     4 bits of alpha a pixel
+///                           | p15  |         |  p1  |  p0  |     4-bit alpha per pixel
 ///                           +------+- - - - -+------+------+
 ///
 ///   Interpolated alpha       63 61         21 19 18 16 15          8 7           0
 ///   (DXT4, DXT5)            +-----+- - - -+-----+-----+-------------+-------------+
 ///                           | p15 |       | p1  | p0  |     a1      |     a0      |
 ///                           +-----+- - - -+-----+-----+-------------+-------------+
-///                             3 bits of index a pixel               endpoints
+///                             3-bit index per pixel                 endpoints
 
 namespace moktexture::dxtn {
 
@@ -32,7 +32,7 @@ namespace moktexture::dxtn {
 inline constexpr std::size_t wordBytes = 8;
 inline constexpr DXTMode lastMode = 5;
 
-/// Two endpoints in 5-6-5 form and 2 bits of index a pixel.
+/// Two endpoints in 5-6-5 form and a 2-bit index per pixel.
 struct ColourBlock {
     std::uint16_t c0;
     std::uint16_t c1;
@@ -41,7 +41,7 @@ struct ColourBlock {
 
 enum class AlphaBlock { none, explicitBits, interpolated };
 
-/// What precedes the colour block in a mode from 1 to 5.
+/// The alpha block that precedes the colour block in a mode from 1 to 5.
 constexpr AlphaBlock alphaBlockOf(DXTMode mode) {
     return mode == 1 ? AlphaBlock::none : mode <= 3 ? AlphaBlock::explicitBits : AlphaBlock::interpolated;
 }

@@ -1,7 +1,7 @@
 #include "dxtn/dxtn.h"
 #include "dxtn/dxtn_block.h"
 
-// A block's pixels are look-ups in two palettes, built once a block from the endpoints:
+// A block's pixels are look-ups in two palettes, built once per block from the endpoints:
 //
 //   colours, 4 entries    c0 > c1:   c0, c1, (42 * c0 + 22 * c1) / 64, (22 * c0 + 42 * c1) / 64
 //                         c0 <= c1:  c0, c1, (c0 + c1) / 2,            0 in all bytes

@@ -2,7 +2,7 @@
 #include "dxtn/dxtn_block.h"
 #include "dxtn/dxtn_kernels.h"
 
-// The encoder's method, the same in all kernels. Blocks are independent and come in one pass:
+// The encoder's method, the same in all kernels. Blocks are independent and encoded in one pass:
 //
 //   for each block:
 //       modes 2, 3:  alpha block = the top 4 bits of each pixel's alpha

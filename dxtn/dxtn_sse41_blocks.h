@@ -25,7 +25,7 @@ inline BlockRows readRows(const std::uint8_t* pixels, std::size_t rowBytes) {
     return block;
 }
 
-/// 16 values of 16 bits, one a pixel.
+/// 16 values of 16 bits, one per pixel.
 struct BlockValues {
     __m128i first, second;
 };

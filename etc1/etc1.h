@@ -13,7 +13,7 @@ std::uint32_t DecompressETC1(const void* blocks, void* pixels, const std::uint32
 /// Encodes `width * height` RGBA8 pixels to blocks in raster order and drops alpha. Returns `width * height / 2`; with a null
 /// `pixels` or `out` it returns that and encodes nothing. Returns 0 for a quality above 5 or if memory is short. Qualities 0 and
 /// 1 try two quick candidates, 2 and 3 search base colours around the averages, 4 and 5 search further; the odd ones weight
-/// errors perceptually. `out` takes 8 bytes a block, with the number of blocks computed as by the decoder.
+/// errors perceptually. `out` takes 8 bytes per block, with the number of blocks computed as by the decoder.
 std::uint32_t CompressETC1(const void* pixels, void* out, const std::uint32_t* width, const std::uint32_t* height,
                            std::uint32_t quality);
 

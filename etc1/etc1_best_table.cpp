@@ -3,14 +3,14 @@
 #include "etc1/etc1_table_lanes.h"
 
 // For a base colour each pixel takes, in each of the eight tables, the best of four modifiers. The errors of all tables are
-// computed side by side, a lane each:
+// computed side by side, one lane each:
 //
 //   for each pixel:     least = min over the modifiers of the sum over channels of weight * (pixel - clamp(base + modifier))^2
 //                       sum += least
-//   the table is the first lane of least sum
+//   the table is the first lane of lowest sum
 //
-// and only for that table the errors are computed again, a modifier a lane, to choose the indices. With uniform weights all sums
-// are integers below 2^24, which floats hold exactly. A run takes 8 * 4 * 3 squares of eight lanes.
+// and only for that table the errors are computed again, one modifier per lane, to choose the indices. With uniform weights all
+// sums are integers below 2^24, which floats hold exactly. A run takes 8 * 4 * 3 squares of eight lanes.
 
 namespace moktexture::etc1 {
 namespace {
@@ -44,7 +44,7 @@ TableLanes tableErrors(const Subblock& subblock, const ModifiedColours& modified
     return sum;
 }
 
-/// Index of each pixel's modifier of least error in a table. Here a lane is a modifier.
+/// Index of each pixel's modifier of lowest error in a table. Here a lane is a modifier.
 std::array<std::uint32_t, subblockArea> bestIndices(const Subblock& subblock, const ModifiedColours& modified,
                                                     std::uint32_t table) {
     const std::array<float, channelCount> weights = channelWeights(subblock.metric);

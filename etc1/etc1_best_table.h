@@ -12,7 +12,7 @@ struct TableFit {
     bool operator==(const TableFit&) const = default;
 };
 
-/// Finds the modifier table of least error around a base colour, and for each pixel the modifier of least error in that table.
+/// Finds the modifier table of lowest error around a base colour, and for each pixel the modifier of lowest error in that table.
 /// Of equal tables the first one wins, of equal modifiers the lowest.
 /// Kept (etc1-truncated-error): perceptual errors are compared as floats here but returned truncated to integers, so that base
 /// colours within 1 of each other tie and the first one tried wins; without that, blocks encoded at qualities 1, 3 and 5 would

@@ -5,7 +5,7 @@
 /// @file
 /// The published ETC1 block: 4 by 4 pixels in 8 bytes, two words, each stored with its most significant byte first. The block is
 /// cut into two subblocks of 8 pixels. A subblock has a base colour and one of eight modifier tables; each of its pixels has an
-/// index of 2 bits into that table, and its colour is the base colour with the modifier added to red, green and blue alike.
+/// index of 2 bits into that table, and its colour is the base colour with the modifier added to each of red, green and blue.
 ///
 ///   Colours       31    28 27    24 23    20 19    16 15    12 11     8 7   5 4   2  1   0
 ///                +--------+--------+--------+--------+--------+--------+-----+-----+---+---+
@@ -40,8 +40,8 @@ inline constexpr std::size_t bytesPerBlock = 8;
 /// How the block is cut into subblocks; the value of the flip bit.
 enum class Split : std::uint32_t { leftRight = 0, topBottom = 1 };
 
-/// How the base colours are stored: 4 bits a channel for each, or 5 bits and a difference of 3. The value of the differential
-/// bit.
+/// How the base colours are stored: 4 bits per channel for each, or 5 bits and a difference of 3 bits. The value of the
+/// differential bit.
 enum class ColourMode : std::uint32_t { individual = 0, differential = 1 };
 
 /// Red, green and blue of 8 bits.

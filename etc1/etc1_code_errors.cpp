@@ -2,18 +2,18 @@
 
 #include <algorithm>
 
-// The base colour of least error among up to 3375, without computing most of their errors.
+// The base colour of lowest error among up to 3375, without computing most of their errors.
 //
 // The tables. The error of a pixel is the sum of its channels' errors, so that with E[channel][code] tabulated for each pixel,
 // modifier and table, a colour's error takes additions and minima only, eight tables side by side:
 //
 //   error(r, g, b) = min over tables of the sum over pixels of min over modifiers of (E[red][r] + E[green][g] + E[blue][b])
 //
-// The bounds. The least of a sum is not below the sum of the leasts. With, for each channel and code,
+// The bounds. The minimum of a sum is at least the sum of the minima. With, for each channel and code,
 //
-//   bound[channel][code] = sum over pixels of min over modifiers of E[channel][code]          (one value a table)
+//   bound[channel][code] = sum over pixels of min over modifiers of E[channel][code]          (one value per table)
 //
-// a colour's error is, with each table, at least the sum of its channels' bounds. With red and green fixed, the least of their
+// a colour's error is, with each table, at least the sum of its channels' bounds. With red and green fixed, the minimum of their
 // sum, plus the bound of blue, is a tighter bound for a whole row of blues.
 //
 // The search of `lowestError`:
@@ -21,7 +21,7 @@
 //   best = a good colour found by steps downhill from `start`;  limit = min(limit, its error)
 //   for each red, for each green:
 //       if bound[red] + bound[green] + lowest bound of blue > limit in all tables:       skip all blues
-//       redGreen = E[red] + E[green];  floor = its sum of leasts
+//       redGreen = E[red] + E[green];  floor = the sum of its minima
 //       if floor + lowest bound of blue > limit in all tables:                           skip all blues
 //       for each blue:
 //           if floor + bound[blue] > limit in all tables:                                skip
@@ -32,8 +32,8 @@
 // A colour of exactly that error is not skipped, so that the first of several wins, as it would if all were computed. In the
 // worst case all are; with a good start colour few are.
 //
-// Bounds are sums in another order than errors, so that floats round them otherwise: `roundingMargin` covers that. With uniform
-// weights all values are exact.
+// Bounds are sums in another order than errors, so that their rounding differs in floats: `roundingMargin` covers that. With
+// uniform weights all values are exact.
 
 namespace moktexture::etc1 {
 namespace {
@@ -52,8 +52,8 @@ bool mayReach(const TableLanes& bounds, float cutoff) {
     return minOfTables(bounds) <= cutoff;
 }
 
-/// The sum over the pixels of the least among the modifiers, each pixel by itself.
-TableLanes sumOfLeast(const ChannelErrors& errors) {
+/// The sum over the pixels of the minimum over the modifiers, taken per pixel.
+TableLanes sumOfMinima(const ChannelErrors& errors) {
     TableLanes sum = broadcast(0);
     for (const std::array<TableLanes, modifierCount>& pixel : errors)
         sum = sum + min(min(pixel[0], pixel[1]), min(pixel[2], pixel[3]));
@@ -116,7 +116,7 @@ void visitColours(const CodeErrors& errors, const CodeBox& box, const int& limit
             if (!mayReach(lowerBoundOf(errors, 0, r) + lowerBoundOf(errors, 1, g) + lowestBlue, cutoffFor(limit))) continue;
             ChannelErrors redGreen;
             add(errorsOf(errors, 0, r), errorsOf(errors, 1, g), redGreen);
-            const TableLanes redGreenBound = sumOfLeast(redGreen);
+            const TableLanes redGreenBound = sumOfMinima(redGreen);
             if (!mayReach(redGreenBound + lowestBlue, cutoffFor(limit))) continue;
             for (int b = box.first[2]; b <= box.last[2]; ++b) {
                 if (!mayReach(redGreenBound + lowerBoundOf(errors, 2, b), cutoffFor(limit))) continue;
@@ -126,7 +126,7 @@ void visitColours(const CodeErrors& errors, const CodeBox& box, const int& limit
     }
 }
 
-/// Whether a comes before b in the order of errors, and of equal errors in the order in which a box is walked.
+/// Whether `a` comes before `b` in the order of errors, and of equal errors in the order in which a box is traversed.
 bool isBefore(const ColourError& a, const ColourError& b) {
     return a.error != b.error ? a.error < b.error : a.codes < b.codes;
 }
@@ -139,7 +139,7 @@ bool contains(const CodeBox& box, const Codes& codes) {
 }
 
 /// A good colour of the box, found by steps downhill from the codes nearest to `start`. Steps go along each channel, and along
-/// grey because the modifiers can make up for a grey error.
+/// grey because the modifiers can compensate a grey error.
 ColourError descend(const CodeErrors& errors, const CodeBox& box, const Codes& start) {
     static constexpr Codes steps[] = {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0},
                                       {0, 0, 1}, {0, 0, -1}, {1, 1, 1}, {-1, -1, -1}};
@@ -172,7 +172,7 @@ CodeErrors::CodeErrors(const Subblock& subblock, const CodeBox& codeBox, ColourM
             const int code = box.first[channel] + static_cast<int>(offset);
             const int base = mode == ColourMode::individual ? expandFourBits(code) : expandFiveBits(code);
             tables.errors[offset] = channelErrors(subblock, channel, base);
-            tables.lowerBounds[offset] = sumOfLeast(tables.errors[offset]);
+            tables.lowerBounds[offset] = sumOfMinima(tables.errors[offset]);
             tables.lowestBound = offset == 0 ? tables.lowerBounds[0] : min(tables.lowestBound, tables.lowerBounds[offset]);
         }
     }

@@ -19,7 +19,7 @@ struct CodeErrors {
 
     struct Channel {
         std::array<ChannelErrors, maxCodes> errors;    ///< by code, from the first of the box
-        std::array<TableLanes, maxCodes> lowerBounds;  ///< by code: the least that this channel adds to a subblock's error
+        std::array<TableLanes, maxCodes> lowerBounds;  ///< by code: the minimum that this channel adds to a subblock's error
         TableLanes lowestBound;                        ///< of all codes
     };
 
@@ -39,15 +39,15 @@ struct ColourError {
 /// No colour of the box has a lower error than this.
 int errorLowerBound(const CodeErrors& errors);
 
-/// The first colour of least error, red outermost, in a box inside the tabulated one, if that error is at most `limit`. The
+/// The first colour of lowest error, red outermost, in a box inside the tabulated one, if that error is at most `limit`. The
 /// search is fast if colours near `start`, any codes, are good.
 std::optional<ColourError> lowestError(const CodeErrors& errors, const CodeBox& box, const Codes& start, int limit);
 
-/// Errors of the colours of a box of at most `maxBoxEdge` codes a channel, by their offsets from its first code.
+/// Errors of the colours of a box of at most `maxBoxEdge` codes per channel, by their offsets from its first code.
 inline constexpr int maxBoxEdge = 2 * wideRadius + 1;
 using BoxErrors = std::array<std::array<std::array<int, maxBoxEdge>, maxBoxEdge>, maxBoxEdge>;
 
-/// Stands for an error above the limit.
+/// Marks an error above the limit.
 inline constexpr int noError = blockErrorBound;
 
 /// The errors of all colours whose error is at most `limit`, and `noError` for the others. The tabulated box is at most
@@ -66,8 +66,8 @@ struct PairSide {
     const CodeBox& box;
 };
 
-/// The first legal pair of least error: colours of the first box before colours of the second one, red outermost. Colours without
-/// an error are left out; the result's error is at least `noError` if no pair remains.
+/// The first legal pair of lowest error: colours of the first box before colours of the second one, red outermost. Colours
+/// without an error are left out; the result's error is at least `noError` if no pair remains.
 PairError lowestLegalPair(const PairSide& first, const PairSide& second);
 
 }  // namespace moktexture::etc1

@@ -6,8 +6,8 @@
 #include "etc1/etc1_quick_candidates.h"
 #include "etc1/etc1_search.h"
 
-// Each block is encoded by itself. The six qualities combine three ways to find base colours, from fast to thorough, with two
-// error metrics; docs/quality.md and docs/performance.md have their results and times.
+// Blocks are encoded independently. The six qualities combine three ways to find base colours, from fast to thorough, with two
+// error metrics; docs/quality.md and docs/performance.md list their quality and speed.
 
 namespace moktexture {
 namespace etc1 {

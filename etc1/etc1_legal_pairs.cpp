@@ -4,18 +4,18 @@
 #include "etc1/etc1_code_errors.h"
 
 // The best legal pair of two boxes of n^3 colours each. Going through all pairs takes n^6 steps, 1.8 million at radius 5. But the
-// second colours that are legal for a first one form a box of 8 codes a channel, and the least over a box is the least along one
-// channel of the leasts along the next:
+// second colours that are legal for a first one form a box of 8 codes per channel, and the minimum over a box is the minimum
+// along one channel of the minima along the next:
 //
 //   rank[r][g][b] = error << 15 | red << 10 | green << 5 | blue        of each second colour: orders ties as the box is walked
 //   for each channel:
 //       for each line of ranks along that channel:
 //           line[first code] = min over the second codes of that line at most 4 below and 3 above it
 //   for each first colour, red outermost:
-//       error = its error + (rank at its offset >> 15);  keep the first pair of least error
+//       error = its error + (rank at its offset >> 15);  keep the first pair of lowest error
 //
-// That is 3 * n^3 * 8 comparisons at most, and 11 KB for the ranks. A rank also carries the second colour, so that nothing else
-// must be remembered.
+// That is 3 * n^3 * 8 comparisons at most, and 11 KB for the ranks. A rank also contains the second colour, so that nothing else
+// needs to be stored.
 
 namespace moktexture::etc1 {
 namespace {

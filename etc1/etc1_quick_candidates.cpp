@@ -2,8 +2,8 @@
 
 #include "etc1/etc1_decoder.h"
 
-// Qualities 0 and 1. The average of a subblock is a good base colour; what remains open is how to bring it to codes of 4 or 5
-// bits. Two candidates answer differently, and the better one is taken:
+// Qualities 0 and 1. The average of a subblock is a good base colour; the question is how to quantise it to codes of 4 or 5
+// bits. Two candidates do that differently, and the better one is taken:
 //
 //   for each candidate, rounded and quantised:
 //       for each split, left and right first:
@@ -13,10 +13,10 @@
 //       keep the split of lower error
 //   decode both candidates; keep the one nearer to the block's pixels
 //
-// The rounded candidate takes the nearest code of each channel by itself. The quantised one looks at the eight corners of the
+// The rounded candidate takes the nearest code of each channel separately. The quantised one looks at the eight corners of the
 // cube of codes below and above the average, and takes the one whose error has the most equal red, green and blue parts: a grey
-// error is what the modifiers, which move all three channels alike, can make up for. So the hue of the base colour counts and its
-// brightness does not.
+// error is one that the modifiers, which change all three channels equally, can compensate. So the hue of the base colour counts
+// and its brightness does not.
 //
 //   hue error = wRG * (eR - eG)^2 + wRB * (eR - eB)^2 + wGB * (eG - eB)^2         e: code's colour minus average
 //
@@ -27,7 +27,7 @@ namespace {
 
 using Quantise = Codes (*)(const FloatColour& colour);
 
-/// A candidate's rules to bring averages to codes.
+/// How a candidate quantises averages to codes.
 struct Quantisers {
     Quantise fiveBits;
     Quantise fourBits;

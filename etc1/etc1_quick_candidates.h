@@ -32,7 +32,7 @@ constexpr std::uint64_t scratchRowBytes(std::uint64_t width) {
     return (blockEdge * width + blockEdge) * bytesPerRGBA8Pixel;
 }
 
-/// The better of the two candidates, judged by their decoded pixels; the quantised one only wins if strictly better.
+/// The better of the two candidates, compared by their decoded pixels; the quantised one only wins if strictly better.
 BlockWords CompressBlockFast(const PixelBlock& block, const ScratchRow& scratch, ErrorMetric metric);
 
 }  // namespace moktexture::etc1

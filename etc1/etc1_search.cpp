@@ -6,19 +6,19 @@
 #include "etc1/etc1_best_table.h"
 #include "etc1/etc1_code_errors.h"
 
-// Qualities 2 to 5. The result is defined by an exhaustive search, which the reference form in `reference/` does to the letter:
+// Qualities 2 to 5. The result is defined by an exhaustive search, which the reference form in `reference/` implements literally:
 //
 //   for each split, left and right first:
 //       differential mode, if the averages are near enough:
 //           all pairs of colours within `radius` codes of the two averages that differ by -4 to 3 in each channel
 //       individual mode, if the radius is wide or the differential mode is left out:
-//           all colours of 0 to 14 in each channel, for each subblock by itself
+//           all colours of 0 to 14 in each channel, for each subblock separately
 //       keep the mode of lower error; of equal ones the differential mode
 //   keep the split of lower error; of equal ones left and right
 //
 // with a run of BestTable for each colour: 343 or 1331 for a subblock in the differential mode, 3375 in the individual one, and
 // up to 1.8 million pairs. This file gives the same words with far less work. Every step below has a limit: the largest error
-// that could still win. It only ever gives up what has an error above its limit.
+// that could still win. It discards only colours and pairs whose error is above its limit.
 //
 //   reachable[split] = error of one pair near the averages that the search of the split contains
 //   search the split of lower reachable error first, with that error as its limit;
@@ -26,18 +26,18 @@
 //
 //   search of a split in the differential mode:
 //       tabulate the errors of both subblocks (etc1_code_errors.cpp)
-//       first  = best first colour by itself,  limit - lower bound of the second one's errors
-//       second = best second colour by itself, limit - first's error
-//       if the two are a legal pair, it is the best pair: no pair's error is below the sum of both leasts
+//       first  = best first colour alone,  limit - lower bound of the second one's errors
+//       second = best second colour alone, limit - first's error
+//       if the two are a legal pair, it is the best pair: no pair's error is below the sum of both minima
 //       otherwise the pair is contested:
 //           limit = min(limit, first + its best legal partner, second + its best legal partner)
 //           collect the first colours of error <= limit - second's error, and second colours of error <= limit - first's error
 //           best legal pair among those (etc1_legal_pairs.cpp)
 //
-// In a legal pair of error <= limit neither colour can have more than the limit less the least error of the other one, so that
+// In a legal pair of error <= limit neither colour can have more than the limit less the lowest error of the other one, so that
 // the collected colours contain all such pairs, those of equal error included. In the individual mode both subblocks are
-// independent and the last step falls away. Nothing loops beyond its boxes. Memory: two tables of 47 KB and two boxes of errors,
-// on the stack.
+// independent and the last step is not needed. All loops are bounded by the boxes. Memory: two tables of 47 KB and two boxes of
+// errors, on the stack.
 
 namespace moktexture::etc1 {
 namespace {
@@ -108,7 +108,7 @@ std::optional<PairError> searchContestedPair(const std::array<CodeErrors, 2>& er
     return pair;
 }
 
-/// The best colours of both subblocks, each by itself, if their errors add up to at most `limit`.
+/// The best colours of both subblocks, each chosen alone, if their errors add up to at most `limit`.
 std::optional<std::array<ColourError, 2>> searchSubblocks(const std::array<CodeErrors, 2>& errors,
                                                           const std::array<Codes, 2>& start, int limit) {
     const std::optional<ColourError> first = lowestError(errors[0], errors[0].box, start[0], limit - errorLowerBound(errors[1]));

@@ -35,7 +35,7 @@ constexpr bool isIndividualSearched(bool differentialSearched, int radius) {
     return radius == wideRadius || !differentialSearched;
 }
 
-/// Codes a block with the base colours of least error: in the differential mode all legal pairs of colours within `radius`, one
+/// Codes a block with the base colours of lowest error: in the differential mode all legal pairs of colours within `radius`, one
 /// of the two above, of the averages in 5 bits; in the individual mode all colours of `individualBox`.
 BlockWords CompressBlockSearch(const PixelBlock& block, int radius, ErrorMetric metric);
 

@@ -4,7 +4,7 @@
 
 namespace moktexture::etc1 {
 
-/// How errors are measured: as sums of squares over red, green and blue, or with weights on the three.
+/// The error metric: sums of squares over red, green and blue, or with weights on the three.
 enum class ErrorMetric { uniform, perceptual };
 
 /// Weights of red, green and blue in a metric.

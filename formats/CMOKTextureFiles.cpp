@@ -57,7 +57,7 @@ bool CMOKTexture::saveFile(const CMOKTString& filePath) const {
         path += ".mok";
         layout = FileLayout::mok;
     }
-    // Kept (refused-save-empties-file): the file is created or emptied before the texture is looked at, so that a refused save
+    // Kept (refused-save-empties-file): the file is created or emptied before the texture is validated, so that a refused save
     // leaves an empty file; hosts that save over an older file never load that older picture after a failure.
     FileHandle file(std::fopen(path.c_str(), "wb"));
     if (file == nullptr) return false;

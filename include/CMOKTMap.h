@@ -20,9 +20,9 @@ public:
     CMOKTMap& operator=(const CMOKTMap& other);
 
     /// The value of `key`; a key that is not found is appended to the arrays with a default value.
-    /// After Remove() or Clear() the arrays are longer than the map: a new key then lies behind the stale entries and is found
-    /// again only while its index is below GetSize(). The reference is valid until the next key is inserted or removed, and until
-    /// the map is assigned to or destroyed.
+    /// After Remove() or Clear() the arrays are longer than the map: a new key is then appended after the stale entries and is
+    /// found again only while its index is below GetSize(). The reference is valid until the next key is inserted or removed, and
+    /// until the map is assigned to or destroyed.
     V& operator[](K key);
 
     /// The map's own count, which may be smaller than that of its arrays.

@@ -22,7 +22,7 @@
 /// c_str(), data() and operator[] are valid until the string is changed; swap() transfers them.
 ///
 /// Every function that lengthens the string allocates a new buffer of exactly the length needed, even after reserve(); only
-/// assignment uses the reserved room.
+/// assignment uses the reserved capacity.
 class MOKTEX_API CMOKTString {
 public:
     /// As a result: not found. As a count: up to the end.
@@ -157,7 +157,7 @@ public:
     CMOKTString& erase(std::size_t start = 0, std::size_t count = npos);
     /// Changes every `from` to `to`, or only the first.
     CMOKTString& replace_char(char from, char to, bool all = true);
-    /// Changes every `from` to `to`, or only the first. The search continues behind the inserted text. An empty `from` changes
+    /// Changes every `from` to `to`, or only the first. The search continues after the inserted text. An empty `from` changes
     /// nothing.
     CMOKTString& replace_all(const CMOKTString& from, const CMOKTString& to, bool all = true);
 
@@ -171,7 +171,7 @@ public:
     CMOKTString file_extension() const;
     /// The part up to the last '/', included, or else the last '\'; "" if there is neither.
     CMOKTString directory_of() const;
-    /// The part behind the last '/', or else the last '\'; the whole string if there is neither.
+    /// The part after the last '/', or else the last '\'; the whole string if there is neither.
     CMOKTString file_name_of() const;
 
     /// Removes leading or trailing spaces, tabs and line ends. A string of nothing else stays unchanged.

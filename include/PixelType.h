@@ -48,7 +48,7 @@ constexpr bool operator!=(const PixelType& a, const PixelType& b) {
     return a.id != b.id;
 }
 
-/// The three layouts that the image operations work on: red, green, blue, alpha at 8, 16 or 32 bits a channel.
+/// The three layouts that the image operations work on: red, green, blue, alpha at 8, 16 or 32 bits per channel.
 inline constexpr PixelType PixelTypeRGBA8{'r', 'g', 'b', 'a', 8, 8, 8, 8};
 inline constexpr PixelType PixelTypeRGBA16{'r', 'g', 'b', 'a', 16, 16, 16, 16};
 inline constexpr PixelType PixelTypeRGBA32{'r', 'g', 'b', 'a', 32, 32, 32, 32};

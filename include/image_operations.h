@@ -19,7 +19,7 @@
 ///
 /// A texture without layers, faces, levels or a buffer is accepted, but has no pixels to work on. Operations that work in place
 /// then give false, except where they document a case that gives true; PreMultiplyAlpha() still sets the flag. The operations
-/// that build a new texture replace it none the less:
+/// that build a new texture replace it nevertheless:
 ///
 /// | Operation                                           | no layers or no faces      | no levels, or no buffer          |
 /// | --------------------------------------------------- | -------------------------- | -------------------------------- |
@@ -37,8 +37,8 @@ namespace moktexture {
 
 /// Writes constants to channels of every pixel of every level.
 /// @param count  number of entries; 0 does nothing and gives true
-/// @param channels  `count` destinations; a later entry overrides an earlier one. Luminance and intensity write R, G and B alike,
-///        unspecified writes alpha, eChannelNone and names above eChannelUnspecified write nothing.
+/// @param channels  `count` destinations; a later entry overrides an earlier one. Luminance and intensity write the same value to
+///        R, G and B, unspecified writes alpha, eChannelNone and names above eChannelUnspecified write nothing.
 /// @param values  `count` values in units of the element, low bits kept; a float texture gets the value as a float (255 is 255.0)
 /// @return false if the texture is refused, or an array is null and `count` is not 0.
 MOKTEX_API bool SetChannels(CMOKTexture& texture, unsigned int count, EChannelName* channels, unsigned int* values);
@@ -121,7 +121,7 @@ MOKTEX_API bool Rotate90(CMOKTexture& texture, EMOKTAxis axis, bool forward);
 /// earlier border. In x and y the margin mirrors the image with its edge pixel repeated: A B C with a border of 2 becomes
 /// B A A B C C B. A margin wider than the image is 0 where there is no pixel to mirror.
 /// @param borderX,borderY  pixels on each side. All borders 0 do nothing and give true.
-/// @param borderZ  slices on each side, whose content is not a border: the first slice and those behind the image are 0, those
+/// @param borderZ  slices on each side, whose content is not a border: the first slice and those after the image are 0, those
 ///        between mirror the image about its first slice, and `borderZ` - 1 slices before the image's last one become 0.
 /// @return false if the texture is refused or the result does not fit in 32 bits; also for a texture without pixels, which is
 ///         replaced by one of the new size, with the border stored.
@@ -129,8 +129,8 @@ MOKTEX_API bool Border(CMOKTexture& texture, unsigned int borderX, unsigned int 
 
 /// Converts heights, in the red channel, to a map of surface normals, PixelTypeRGBA32 with eVarFloat whatever the source format;
 /// scale and order are stored with setBumpMap(). Colour space, isPreMultiplied() and other metadata do not change, so set
-/// eColourSpaceLinear if the heights were declared as sRGB. Every level is converted by itself. Edges wrap around, for tiles; in
-/// a texture with depth the rows beyond the first and last row are those of slice 0.
+/// eColourSpaceLinear if the heights were declared as sRGB. Every level is converted independently. Edges wrap around, for tiles;
+/// in a texture with depth the rows beyond the first and last row are those of slice 0.
 /// @param scale  steepness: a pixel's slope is this times the difference of its two neighbours, for heights from 0 to 1. Negative
 ///        values invert the relief. 0 gives false and a texture of the new format with all pixels 0.
 /// @param channelOrder  content of the channels red to alpha: x, y and z of the normal, 0.5 for a component of 0, and h for the

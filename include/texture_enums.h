@@ -58,8 +58,8 @@ enum EChannelName : unsigned int {
     eChannelGreen = 2,
     eChannelBlue = 3,
     eChannelAlpha = 4,
-    eChannelLuminance = 5,    ///< as a destination: channels one, two and three alike
-    eChannelIntensity = 6,    ///< as a destination: channels one, two and three alike
+    eChannelLuminance = 5,    ///< as a destination: channels one, two and three
+    eChannelIntensity = 6,    ///< as a destination: channels one, two and three
     eChannelUnspecified = 7,  ///< the fourth channel
 };
 

@@ -22,7 +22,7 @@ namespace moktexture {
 /// bits,
 ///         or the target is refused. False with the texture replaced by one of the target format: the encoder refused a level
 ///         (DXT: a width or height above 4 that is no multiple of 4, or a depth above 1; MOKTC: a side above 4096, sides that are
-///         not whole blocks, in the second generation with its blocks written none the less, or lack of memory), or the format
+///         not whole blocks, in the second generation with its blocks written nevertheless, or lack of memory), or the format
 ///         has a size but no encoder.
 ///         Otherwise true, also where pixels come out zeroed: levels that the decoder refuses (DXT: a width or height that is no
 ///         multiple of 4), sources without a decoder, layouts with contradicting channels, and channel types above eVarFloat.

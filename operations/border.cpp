@@ -24,7 +24,7 @@
 namespace moktexture {
 namespace {
 
-/// A zeroed level with room for an image in its centre.
+/// A zeroed level that holds an image in its centre.
 template <typename Pixel>
 struct BorderedLevel {
     LevelView<Pixel> level;

@@ -10,7 +10,7 @@
 ///
 /// Reading along a row of one slice means going down a column of the other one, so that a plain loop over a large slice misses
 /// the cache at every pixel of the strided side. The slice is therefore cut into square tiles, whose rows in both slices stay in
-/// the cache while the tile is turned. Every pixel is copied once.
+/// the cache while the tile is rotated. Every pixel is copied once.
 
 #include <algorithm>
 

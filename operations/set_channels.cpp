@@ -8,7 +8,7 @@
 namespace moktexture {
 namespace {
 
-/// What all entries together write to one element of a pixel: the value of the last one that names it, if any.
+/// The value that all entries together write to one element of a pixel: the value of the last one that names it, if any.
 template <typename Value>
 struct ElementWrite {
     bool isWritten = false;

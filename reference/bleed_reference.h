@@ -4,7 +4,7 @@
 
 namespace moktexture {
 
-/// bleedLevel() with each box summed by itself, in floats, by slices, then rows, then pixels, with alpha tested at every pixel.
+/// bleedLevel() with each box summed separately, in floats, by slices, then rows, then pixels, with alpha tested at every pixel.
 template <typename T>
 void referenceBleedLevel(const LevelView<T>& level);
 

@@ -89,7 +89,7 @@ std::vector<ColourError> boxErrors(const Subblock& subblock, const CodeBox& box,
     return errors;
 }
 
-/// The first pair of least error among the legal ones.
+/// The first pair of lowest error among the legal ones.
 std::array<Codes, 2> bestLegalPair(const std::vector<ColourError>& first, const std::vector<ColourError>& second) {
     int least = blockErrorBound;
     std::array<Codes, 2> best{};

@@ -7,7 +7,7 @@
 #include "moktc/block/block_variant.h"
 
 /// @file
-/// Reference forms of the MOKTC decoder: one walks over the pixels, the other over the cells, and both unpack blocks anew
+/// Reference forms of the MOKTC decoder: one walks over the pixels, the other over the cells, and both unpack blocks again
 /// wherever they need them. decodeCells() gives the same pixels.
 
 namespace moktexture::moktc {

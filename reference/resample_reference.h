@@ -5,7 +5,7 @@
 
 namespace moktexture {
 
-/// resampleLevel() with each destination pixel computed by itself. Data pointers are not null and no size is 0.
+/// resampleLevel() with each destination pixel computed independently. Data pointers are not null and no size is 0.
 template <typename T>
 void referenceResampleLevel(const LevelView<const T>& source, const LevelView<T>& destination, EResizeMode mode);
 

@@ -15,7 +15,7 @@
 ///     layout, type or colour space differs    convertLayout()     -> the target, or RGBA8 if it is compressed; curve applied
 ///     compressed target                       compressStage()     -> the target
 ///
-/// A stage that has nothing to do is left out. Each one builds a new texture and releases the one before. Precision is lost where
+/// A stage that has nothing to do is skipped. Each one builds a new texture and releases the one before. Precision is lost where
 /// RGBA8 is passed through, and once more by the curve, which works on quantised channels.
 
 namespace moktexture {

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 /// @file
-/// Views of RGBA8 images: four bytes a pixel, red first. A view does not own its pixels.
+/// Views of RGBA8 images: four bytes per pixel, red first. A view does not own its pixels.
 
 namespace moktexture {
 

@@ -10,9 +10,9 @@ namespace moktexture {
 namespace {
 
 /// Threads beside the caller's. More would help only machines with more processors, and cost a larger array here.
-constexpr std::uint32_t mostHelpers = 63;
+constexpr std::uint32_t maxHelpers = 63;
 
-/// The tasks of one call, handed out one by one to the threads that ask.
+/// The tasks of one call, handed out one by one to free threads.
 struct SharedTasks {
     const std::function<void(std::uint32_t)>& task;
     const std::uint32_t count;
@@ -50,8 +50,8 @@ void joinThreads(std::thread* threads, std::uint32_t count) {
 void runTasks(std::uint32_t count, std::uint32_t threads, const std::function<void(std::uint32_t)>& task,
               const ThreadFunctions& functions) {
     SharedTasks tasks = {task, count};
-    std::array<std::thread, mostHelpers> helpers;
-    const std::uint32_t wanted = std::min({threads, count, mostHelpers + 1});
+    std::array<std::thread, maxHelpers> helpers;
+    const std::uint32_t wanted = std::min({threads, count, maxHelpers + 1});
     std::uint32_t started = 0;
     while (started + 1 < wanted) {
         helpers[started] = functions.start(runSharedTasks, &tasks);

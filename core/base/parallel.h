@@ -18,11 +18,11 @@ using ThreadRoutine = void (*)(void* context);
 
 /// How runTasks() starts its helper threads and waits for them.
 struct ThreadFunctions {
-    std::thread (*start)(ThreadRoutine routine, void* context);  ///< not joinable where the system has no thread to give
+    std::thread (*start)(ThreadRoutine routine, void* context);  ///< not joinable if the system cannot provide a thread
     void (*wait)(std::thread* threads, std::uint32_t count);
 };
 
-/// Starts a thread that runs `routine(context)`. Not joinable where the system has no thread to give.
+/// Starts a thread that runs `routine(context)`. Not joinable if the system cannot provide a thread.
 std::thread startThread(ThreadRoutine routine, void* context);
 /// Returns when the first `count` of the threads have ended.
 void joinThreads(std::thread* threads, std::uint32_t count);

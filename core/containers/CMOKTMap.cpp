@@ -32,9 +32,9 @@ V& CMOKTMap<K, V>::operator[](K key) {
     // Everything that may raise std::bad_alloc precedes the first change.
     keys.SetCapacity(keys.GetSize() + 1);
     values.Append(V());
-    // Kept (map-new-key-behind-stale): the key goes behind the stale entries that Remove and Clear leave in the arrays, and is
-    // found again only while its index is below the count; native files hold the blocks below the count, so that overwriting the
-    // stale entries would save other blocks.
+    // Kept (map-new-key-behind-stale): the key is appended after the stale entries that Remove and Clear leave in the arrays, and
+    // is found again only while its index is below the count; native files hold the blocks below the count, so that overwriting
+    // the stale entries would save other blocks.
     const unsigned int index = keys.Append(key);
     ++size;
     return values[index];
@@ -68,7 +68,7 @@ EMOKTError CMOKTMap<K, V>::Remove(K key) requires(!std::is_same_v<V, CMOKTMap<K,
     if (key == size || size == 0) return eMOKTFail;
     const unsigned int newSize = size - 1;
     const unsigned int index = GetIndexOf(key);
-    // The index of an absent key may lie behind the allocated elements. The array of keys never has fewer than that of values.
+    // The index of an absent key may be past the allocated elements. The array of keys never has fewer than that of values.
     if (newSize > 0 && index < values.GetCapacity()) {
         // Kept (map-remove-fills-from-before-last): the gap is filled from the entry before the old last one, so that only the
         // last entry is removed alone; a native file saved after removeMetaData() holds the blocks that are left.
@@ -81,7 +81,7 @@ EMOKTError CMOKTMap<K, V>::Remove(K key) requires(!std::is_same_v<V, CMOKTMap<K,
 
 template <class K, class V>
 void CMOKTMap<K, V>::Clear() {
-    // Kept (map-clear-keeps-entries): the arrays keep their entries, and the next key goes behind them; references from
+    // Kept (map-clear-keeps-entries): the arrays keep their entries, and the next key is appended after them; references from
     // operator[] stay valid for hosts that hold them.
     size = 0;
 }

@@ -117,8 +117,8 @@ CMOKTString& CMOKTString::assign(const char* chars) {
 CMOKTString& CMOKTString::append(const char* chars, std::size_t count) {
     const std::string_view added = viewOf(chars, count);
     if (added.empty()) return *this;
-    // Kept (string-exact-growth): neither is room left over nor is the room of reserve() used: capacity() is length() + 1 after
-    // every growth, and hosts that pass data() and capacity() on hand over no stale bytes.
+    // Kept (string-exact-growth): no spare capacity is allocated, and that of reserve() is not used: capacity() is length() + 1
+    // after every growth, and hosts that pass on data() and capacity() pass no stale bytes.
     const std::size_t newLength = saturatingSum(textLength, added.size());
     char* buffer = newBuffer(newLength);
     copyBytes(buffer, text, textLength);

@@ -17,7 +17,7 @@ constexpr const char* whitespace = " \t\n\r";
 /// Applies `change` to the bytes up to the first zero byte.
 template <class Change>
 void changeText(CMOKTString& string, Change change) {
-    // Kept (string-case-stops-at-zero): bytes behind a zero byte stay unchanged; hosts keep binary data there.
+    // Kept (string-case-stops-at-zero): bytes after a zero byte stay unchanged; hosts keep binary data there.
     for (std::size_t i = 0; string[i] != 0; ++i)
         string[i] = change(string[i]);
 }

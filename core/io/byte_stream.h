@@ -10,7 +10,7 @@
 /// The byte streams that all file readers and writers use, each with a file form and a memory form. Files are borrowed, not
 /// owned.
 ///
-/// A reader knows its length from the start, so that a size in a file can be compared with remaining() before memory is allocated
+/// A reader has a known length, so that a size in a file can be compared with remaining() before memory is allocated
 /// for it. A read past the end returns the bytes that exist; a read error also sets failed(). A writer appends.
 
 namespace moktexture {

@@ -2,7 +2,7 @@
 //
 //   offset  bytes
 //        0      4  version         "MOK\x03"
-//        4      4  flags           1: file compressed (a mark only), 2: premultiplied
+//        4      4  flags           1: file compressed (set by the application; no file is), 2: premultiplied
 //        8      8  pixelFormat     id of a PixelType
 //       16      4  colourSpace     EMOKTColourSpace
 //       20      4  channelType     EMOKTVariableType
@@ -20,7 +20,7 @@
 //                    +12       S  payload
 //     52+M         pixel data: the texture's buffer, getDataSize() bytes
 //
-// Blocks are read until the accepted ones reach M bytes. The pixels start behind the last accepted block, also where that is
+// Blocks are read until the accepted ones reach M bytes. The pixels start after the last accepted block, even if that is
 // not 52+M.
 
 #include "core/io/native_file.h"
@@ -81,13 +81,13 @@ ELoadStatus validateRecord(const ByteReader& source, const ReadPolicy& policy, c
     return source.remaining() < needed ? truncatedStatus(source) : eLoadOk;
 }
 
-/// Validates a block that would end `end` bytes behind the start of the metadata, before memory is allocated for its payload.
+/// Validates a block that would end `end` bytes past the start of the metadata, before memory is allocated for its payload.
 ELoadStatus validateBlock(const ByteReader& source, ReadMode mode, const BlockHeader& block, std::uint64_t end,
                           std::uint32_t declaredSize) {
     const bool overruns = end > declaredSize;
     if (overruns && mode == ReadMode::strict) return eLoadCorrupt;
     // Kept (native-empty-block-ends-load): in a file, unlike in a memory image, a block without payload ends the load without
-    // pixels; hosts see by the null getDataPtr() that such a file, whose save had failed, is not whole.
+    // pixels; hosts recognise by the null getDataPtr() that such a file, whose save had failed, is incomplete.
     if (block.dataSize == 0 && mode != ReadMode::lenientMemory) return eLoadCorrupt;
     if (block.dataSize > source.remaining()) return eLoadTruncated;
     const bool isAdded = !overruns || mode == ReadMode::lenientMemory;

@@ -10,7 +10,7 @@
 
 namespace moktexture {
 
-/// Who reads. All modes refuse sizes that do not fit in 32 bits.
+/// The function that reads. All modes refuse sizes that do not fit in 32 bits.
 enum class ReadMode {
     strict,         ///< LoadTexture(): refuses whatever is incomplete, contradicts itself or exceeds the limits
     lenientFile,    ///< constructor from a path: what the file lacks keeps its default or is zero

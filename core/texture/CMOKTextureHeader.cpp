@@ -79,7 +79,7 @@ EMOKTVariableType CMOKTextureHeader::getChannelType() const {
     return static_cast<EMOKTVariableType>(record.channelType);
 }
 
-// Kept (header-one-level-past-last): the level behind the last one has a size too; hosts that extend a chain ask for it before
+// Kept (header-one-level-past-last): the level after the last one has a size too; hosts that extend a chain query it before
 // they raise the count.
 std::uint32_t CMOKTextureHeader::getWidth(std::uint32_t level) const {
     return level > record.numMIPLevels ? 0 : levelDimension(record.width, level);

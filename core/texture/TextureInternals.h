@@ -6,7 +6,7 @@
 
 namespace moktexture {
 
-/// Access of the library's own modules to a texture's buffer.
+/// Gives the library's own modules access to a texture's buffer.
 struct TextureInternals {
     /// Bytes in the buffer.
     static std::uint64_t dataSize(const CMOKTexture& texture) { return texture.dataSize; }

@@ -78,8 +78,8 @@ constexpr D3DRow d3dRows[] = {
     {d3dMOKTC4bpp,        eFmtMOKTC4bppRGBA,              eVarUByteNorm, getOnly},
     // Kept (d3d-x4r4g4b4-as-argb): x is read as alpha; a loaded DDS file of it has an alpha channel and the number 26.
     {D3DFMT_X4R4G4B4,     layout("argb", 4, 4, 4, 4),     eVarUIntNorm,  setOnly},
-    // Kept (d3d-set-only-numbers): the setter knows these numbers and the getter does not give them; DDS files of the first three
-    // load and cannot be saved as DDS.
+    // Kept (d3d-set-only-numbers): the setter accepts these numbers and the getter never returns them; DDS files of the first
+    // three load and cannot be saved as DDS.
     {D3DFMT_A8B8G8R8,     layout("abgr", 8, 8, 8, 8),     eVarUIntNorm,  setOnly},
     {D3DFMT_X8B8G8R8,     layout("xbgr", 8, 8, 8, 8),     eVarUIntNorm,  setOnly},
     {D3DFMT_Q16W16V16U16, layout("abgr", 16, 16, 16, 16), eVarSIntNorm,  setOnly},

@@ -62,8 +62,8 @@ constexpr DXGIRow dxgiRows[] = {
     {DXGI_FORMAT_R1_UNORM,            eFmtBW1bpp,                     eVarUByteNorm,  linear, getAndSet, true},
     {DXGI_FORMAT_R8G8_B8G8_UNORM,     eFmtRGBG8888,                   eVarUByteNorm,  linear, getAndSet, true},
     {DXGI_FORMAT_G8R8_G8B8_UNORM,     eFmtGRGB8888,                   eVarUByteNorm,  linear, getAndSet, true},
-    // Kept (dxgi-bc-integer-types): block formats have numbers for integer types only; DXT loaded from DDS or made by Transcode()
-    // is of bytes and has none, and hosts set the channel type before they ask.
+    // Kept (dxgi-bc-integer-types): block formats have numbers for integer types only; DXT from DDS files or Transcode() has
+    // byte channels and so no number, and hosts set the channel type before they query it.
     {DXGI_FORMAT_BC1_UNORM,           eFmtDXT1,                       eVarUIntNorm,   linear, getAndSet},
     {DXGI_FORMAT_BC1_UNORM_SRGB,      eFmtDXT1,                       eVarUIntNorm,   sRGB,   getAndSet},
     {DXGI_FORMAT_BC2_UNORM,           eFmtDXT3,                       eVarUIntNorm,   linear, getAndSet},
@@ -82,7 +82,7 @@ constexpr DXGIRow dxgiRows[] = {
     {DXGI_FORMAT_B8G8R8A8_UNORM_SRGB, layout("bgra", 8, 8, 8, 8),     eVarUByteNorm,  sRGB,   getAndSet},
     {DXGI_FORMAT_B8G8R8X8_UNORM_SRGB, layout("bgrx", 8, 8, 8, 8),     eVarUByteNorm,  sRGB,   getAndSet},
 
-    // Kept (dxgi-set-only-numbers): the setter knows these numbers and the getter does not give them; hosts take its 0 for "no
+    // Kept (dxgi-set-only-numbers): the setter accepts these numbers and the getter never returns them; hosts take its 0 for "no
     // number" and choose another format.
     {DXGI_FORMAT_R9G9B9E5_SHAREDEXP, eFmtRGB9E5,                 eVarFloat,      linear, setOnly},
     // Kept (dxgi-bc6-as-bc7): signed BC6 is read as BC7 in sRGB, and BC6 has no number; native files saved after

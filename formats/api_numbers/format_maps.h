@@ -9,7 +9,7 @@
 
 /// @file
 /// The maps between pixel formats and the numbers of OpenGL, OpenGL ES, Direct3D 9 and DXGI. Each map is one table for both
-/// directions; a row for one direction is a format that does not come back as it went out.
+/// directions; a row for one direction is a format that does not round-trip.
 
 namespace moktexture {
 

@@ -37,7 +37,8 @@ bool setFromOpenGL(CMOKTextureHeader& header, OpenGLApi api, const OpenGLNumbers
         return true;
     }
     const std::optional<OpenGLPixels> pixels = findOpenGLLayout(api, baseFormat(internalFormat, format, type), type);
-    // Kept (opengl-unknown-layout): an unknown layout fails for packed types only; hosts see the others by the unchanged header.
+    // Kept (opengl-unknown-layout): an unknown layout fails for packed types only; hosts detect the others by the unchanged
+    // header.
     if (!pixels) return !isPackedType(type);
     setFormat(header, pixels->pixelFormat, pixels->channelType, eColourSpaceLinear);
     return true;
@@ -67,8 +68,8 @@ void CMOKTextureHeader::getOGLFormat(unsigned int& internalFormat, unsigned int&
 }
 
 void CMOKTextureHeader::getOGLESFormat(unsigned int& internalFormat, unsigned int& format, unsigned int& type) const {
-    // Kept (opengles-outputs-left): what has no number keeps the caller's value, except for `format` and `type` of compressed
-    // formats and the `type` of bytes; hosts pass their own defaults in.
+    // Kept (opengles-outputs-left): outputs without a number keep the caller's value, except for `format` and `type` of
+    // compressed formats and the `type` of bytes; hosts pass their own defaults in.
     if (isCompressed(getPixelType())) {
         format = type = 0;
     } else if (getChannelType() == eVarUByteNorm) {

@@ -4,14 +4,14 @@
 //   A8BIT name[] = {
 //
 //   /* Header */
-//   0x4d,0x4f,0x4b,0x03,      the 52-byte record, 4 bytes a line
+//   0x4d,0x4f,0x4b,0x03,      the 52-byte record, 4 bytes per line
 //   ...
 //
 //   /* Meta Data */           only if the record's metaDataSize is not 0
-//   ...                       each block: fourCC, key and dataSize, 4 bytes a line, then the payload
+//   ...                       each block: fourCC, key and dataSize, 4 bytes per line, then the payload
 //
 //   /* Data */
-//   ...                       the pixel data, 32 bytes a line; the last line has no end if it is shorter
+//   ...                       the pixel data, 32 bytes per line; the last line has no end if it is shorter
 //   };
 
 #include "formats/c_source/c_source_file.h"

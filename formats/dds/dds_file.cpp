@@ -75,13 +75,13 @@ ELoadStatus readHeader(ByteReader& source, DDSHeader& dds) {
     return dds.size == headerSize && (dds.flags & ddsRequiredFlags) != 0 ? eLoadOk : eLoadCorrupt;
 }
 
-/// Sets the texture format that a DDS pixel format stands for; false if the file is to be refused for it.
+/// Sets the texture format that a DDS pixel format names; false if the file is to be refused.
 bool applyFormat(const DDSPixelFormat& format, CMOKTextureHeader& header) {
     const DDSFormatDecision decision = decideFormat(format);
     switch (decision.action) {
         case DDSFormatDecision::Action::refuse:
             return false;
-        case DDSFormatDecision::Action::insist:
+        case DDSFormatDecision::Action::setOrRefuse:
             return header.setD3DFormat(decision.number);
         case DDSFormatDecision::Action::set:
             header.setD3DFormat(decision.number);
@@ -115,8 +115,8 @@ DDSHeader makeDDSHeader(const CMOKTextureHeader& header) {
     if (hasLevels) dds.flags |= DDSD_MIPMAPCOUNT;
     dds.height = header.getHeight();
     dds.width = header.getWidth();
-    // Kept (dds-depth-and-layers-undeclared): all slices and layers are written and none is declared; readers, this one too, take
-    // the first and ignore the bytes behind it.
+    // Kept (dds-depth-and-layers-undeclared): all slices and layers are written and none is declared; readers, including this
+    // one, take the first and ignore the bytes after it.
     dds.depth = 0;
     dds.mipMapCount = header.getNumMIPLevels();
     if (hasLevels) dds.caps |= DDSCAPS_MIPMAP | DDSCAPS_COMPLEX;

@@ -152,7 +152,7 @@ DDSFormatDecision decideFourCC(std::uint32_t fourCC) {
     // A D3DFORMAT in place of a FourCC, extended from 8 bits with its sign.
     if (fourCC >> 8 == 0) {
         const auto number = static_cast<std::int8_t>(fourCC);
-        return {DDSFormatDecision::Action::insist, static_cast<std::uint32_t>(std::int32_t{number})};
+        return {DDSFormatDecision::Action::setOrRefuse, static_cast<std::uint32_t>(std::int32_t{number})};
     }
     const auto* const row = std::ranges::find(fourCCRows, fourCC, &FourCCRow::inFile);
     if (row == std::end(fourCCRows)) return {DDSFormatDecision::Action::keep};

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 /// @file
-/// The pixel format in the header of a DDS file, and the Direct3D number that it stands for.
+/// The pixel format in the header of a DDS file, and the Direct3D number that it maps to.
 
 namespace moktexture {
 
@@ -23,10 +23,10 @@ static_assert(sizeof(DDSPixelFormat) == 32);
 /// What a reader does with a pixel format.
 struct DDSFormatDecision {
     enum class Action {
-        keep,    ///< an unknown layout: the texture keeps its format
-        set,     ///< set the number, and go on whether or not it is known
-        insist,  ///< set the number, and refuse the file if it is unknown
-        refuse   ///< refuse the file
+        keep,         ///< an unknown layout: the texture keeps its format
+        set,          ///< set the number, and go on whether or not it is known
+        setOrRefuse,  ///< set the number, and refuse the file if it is unknown
+        refuse        ///< refuse the file
     };
     Action action;
     std::uint32_t number = 0;  ///< a D3DFORMAT or FourCC

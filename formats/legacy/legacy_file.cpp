@@ -6,7 +6,7 @@
 //        8      4  width
 //       12      4  mipMapCount  levels below the first
 //       16      4  flags        bits 0 to 7: number of the pixel format; above them LegacyFlag
-//       20      4  dataSize     written, not read; so for the six that follow
+//       20      4  dataSize     written, not read; likewise the next six fields
 //       24      4  bitCount     bits per pixel
 //       28     16  red, green, blue and alpha mask
 //       44      4  magic        "MOK!"

@@ -11,7 +11,7 @@
 
 namespace moktexture {
 
-/// The pixel format that one number stands for.
+/// The pixel format that one number means.
 struct LegacyFormat {
     PixelType format;
     EMOKTVariableType channelType;

@@ -4,7 +4,7 @@
 //     encode the top MIP level
 //     for each further MIP level:  tile the work image if it is too small to halve; halve it in place; encode it
 //
-// Encoding one level is the task of level_pipeline.cpp. The work image is 64 MiB of address space, of which an encoding touches
+// level_pipeline.cpp encodes one level. The work image is 64 MiB of address space, of which an encoding touches
 // the pages that its pixels lie in; its constant row stride spares a multiplication in every footprint read.
 
 #include "moktc/amtc/amtc_localised.h"

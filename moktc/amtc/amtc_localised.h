@@ -22,7 +22,7 @@ extern std::FILE* diagnosticsStream;
 enum class MIPSource {
     none,      ///< there are none
     averaged,  ///< averages of 2 by 2 pixels of the level before
-    stored     ///< packed behind the top level (height * rowBytes behind its start), R, G, B, A; `rowBytes` is not negative
+    stored     ///< packed after the top level (height * rowBytes past its start), R, G, B, A; `rowBytes` is not negative
 };
 
 /// An image to encode.
@@ -32,7 +32,7 @@ struct EncodeRequest {
     EncodeOptions options;
     MIPSource mipSource = MIPSource::none;
     bool punchThrough = false;         ///< PunchThroughPreprocess() for the top level
-    bool colourMIPs = false;           ///< one flat colour a further MIP level
+    bool colourMIPs = false;           ///< one flat colour per further MIP level
     AmtcProgress* progress = nullptr;  ///< may be null; reset and not touched again
 };
 
@@ -41,9 +41,9 @@ struct EncodeRequest {
 bool encodeImage(const EncodeRequest& request);
 
 /// The same with separate arguments: 0, or 1 on failure. A side that is no power of two leaves no further MIP levels.
-/// @param source four bytes a pixel: R, G, B, A, or with `isRGBAOrder` 0 A, R, G, B
+/// @param source four bytes per pixel: R, G, B, A, or with `isRGBAOrder` 0 A, R, G, B
 /// @param rowStride bytes from row to row, 0 for packed rows; negative ones are refused where MIP levels are read from `source`
-/// @param destination takes 8 bytes a block, of 8 by 4 pixels at 2 bits per pixel and 4 by 4 at 4. Each side of a further MIP
+/// @param destination takes 8 bytes per block, of 8 by 4 pixels at 2 bits per pixel and 4 by 4 at 4. Each side of a further MIP
 ///     level is half of that before, but no less than 16 by 8 pixels at 2 bits per pixel and 8 by 8 at 4, so a chain down to a
 ///     nominal single pixel is larger than its nominal levels
 /// @param quality from 0 to 4; more counts as 4

@@ -9,10 +9,10 @@
 
 // The MOKTC block format
 //
-// A level is stored as two small images, A and B, of one colour a block. Each is upscaled bilinearly, with a block's colour at
+// A level is stored as two small images, A and B, of one colour per block. Each is upscaled bilinearly, with a block's colour at
 // the block's centre, and every pixel is a blend of the two upscaled images by its own weight:
 //
-//     pixel = (A * (8 - weight) + B * weight) / 8          weight: 0 to 8, the share of B in eighths
+//     pixel = (A * (8 - weight) + B * weight) / 8          weight: interpolation weight of B, 0 to 8
 //
 // So a pixel depends on the four blocks whose centres surround it, and blocks cannot be decoded or encoded alone. The four blocks
 // wrap around at the level's edges.
@@ -167,7 +167,7 @@ inline constexpr std::array<std::array<std::uint8_t, 4>, 2> indexWeights = {{
 /// At 4 bpp in mode 1 a pixel with this index is a punch-through pixel: its alpha is 0.
 inline constexpr std::uint32_t punchThroughIndex = 2;
 
-/// 2 bpp, mode 0: the index that a set bit stands for; a clear bit stands for index 0.
+/// 2 bpp, mode 0: the index that a set bit means; a clear bit means index 0.
 inline constexpr std::uint32_t directSetIndex = 3;
 
 /// The 2-bit index at a position of a modulation word, counted from the lowest bits: a pixel at 4 bpp, a sample at 2 bpp.

@@ -28,7 +28,7 @@ RGBAPair MOKTC2bppCompressor::fitBlock(std::size_t index, const BlockImages& ima
     const ModulationBlock2bpp& block = m_blocks[index];
     std::array<std::uint8_t, blockArea2bpp> weights;
     expandModulation(block, block.mode, weights.data());
-    // The estimate exceeds 8 on the block's rim.
+    // The estimate exceeds 8 at the block's edge.
     for (std::uint8_t& weight : weights)
         weight = std::min(weight, std::uint8_t{8});
     ResidualSums sums;

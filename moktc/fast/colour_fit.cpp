@@ -8,7 +8,7 @@
 //
 // For given weights t, a pixel's blend is (1 - t) * A + t * B. Let e be the residual, the source minus the blend. Moving A by dA
 // and B by dB moves the blend by the line (1 - t) * dA + t * dB, so the corrections that leave the smallest squares of residuals
-// are the ends of the regression line of e over t, for each channel by itself:
+// are the ends of the regression line of e over t, for each channel separately:
 //
 //     slope = (mean(e t) - mean(e) mean(t)) / (mean(t t) - mean(t) mean(t))
 //     dA    = mean(e) - slope * mean(t)            the line at t = 0
@@ -17,8 +17,8 @@
 // If all weights of the block are equal there is no slope: each colour takes its share of the mean residual, (1 - t) or t, and
 // then both move towards each other, since such a block needs one colour only.
 //
-// The fit treats the block as if the upscaled colours inside it came from its own two colours alone, though they also come from
-// its neighbours'. A fit is therefore an approximation, corrections are limited, and the passes repeat it.
+// The fit treats the block as if the upscaled colours inside it came from its own two colours alone, although its neighbours'
+// contribute as well. A fit is therefore an approximation, corrections are limited, and the passes repeat it.
 
 namespace moktexture::moktc {
 namespace {

@@ -26,7 +26,7 @@
 // fixed number of passes. The time is linear in the number of pixels; the memory is 12 bytes per pixel (the source and both
 // upscaled images) and the blocks' records. The passes are divided among threads by MOKTCCompressorDriver.
 //
-// Two approximations make it fast: a fit regards a block's colours as if they reached its own pixels alone, and it does not see
+// Two approximations make it fast: a fit treats a block's colours as if they reached only its own pixels, and it ignores
 // that colours will be quantised to 3 to 5 bits when they are written.
 
 namespace moktexture::moktc {

@@ -9,7 +9,7 @@
 /// @file
 /// The inner loops of the fast compressors. The scalar and the SSE2 form give the same bits.
 ///
-/// A weight is an interpolation weight of the format, the share of colour B in eighths: 0 to 8.
+/// A weight is an interpolation weight of the format: 0 for colour A to 8 for colour B.
 
 namespace moktexture::moktc {
 
@@ -82,8 +82,8 @@ inline const FastKernels& fastKernels() {
 #endif
 }
 
-/// The 2 bpp compressor's estimate of the weights that the decoder gives to a block's pixels in a mode, 0 to 10, from the block's
-/// own indices alone. Each weight is 255 if the mode is above 3.
+/// The 2 bpp compressor's estimate of the weights that the decoder computes for a block's pixels in a mode, 0 to 10, from the
+/// block's own indices alone. Each weight is 255 if the mode is above 3.
 void expandModulation(const ModulationBlock2bpp& block, std::uint32_t mode, std::uint8_t* weights);
 
 }  // namespace moktexture::moktc

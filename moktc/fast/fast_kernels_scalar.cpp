@@ -87,8 +87,8 @@ std::uint32_t meanOfNeighbours(const SampleWeights& samples, std::uint32_t x, st
 }
 
 // Kept (estimate-swaps-sub-modes): modes 2 and 3 are estimated along the other axis than the decoder's sub-modes of these
-// numbers, and a pixel on the block's rim with one neighbour gets the rounding constant without the division, which gives weights
-// up to 10. The modes of every 2 bpp texture encoded at quality 0, and so its bytes, depend on this estimate.
+// numbers, and a pixel at the block's edge with one neighbour gets the rounding constant without the division, which gives
+// weights up to 10. The modes of every 2 bpp texture encoded at quality 0, and so its bytes, depend on this estimate.
 
 std::uint32_t meanOfColumn(const SampleWeights& samples, std::uint32_t x, std::uint32_t y) {
     if (y == 0) return samples.at(x, y + 1) + 2;
@@ -242,7 +242,7 @@ void chooseModulation2bpp(const BlockImages& images, ModulationBlock2bpp& block)
 
 // Residuals
 
-// Every sum is exact in single precision: weights are eighths, channels are bytes, and a block has 32 pixels at most.
+// Every sum is exact in single precision: weights are multiples of 1/8, channels are bytes, and a block has 32 pixels at most.
 void sumResiduals(const BlockImages& images, const std::uint8_t* weights, std::uint32_t width, ResidualSums& sums) {
     sums = {};
     for (std::uint32_t i = 0; i < width * blockHeight; ++i) {

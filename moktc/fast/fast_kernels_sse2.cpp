@@ -320,7 +320,7 @@ void chooseModulation2bpp(const BlockImages& images, ModulationBlock2bpp& block)
 
 // Residuals
 
-/// Sums in integers, by channel: e in eighths and e * t in sixty-fourths.
+/// Sums in integers, by channel: 8 * e and 64 * e * t.
 struct IntegerSums {
     Channels e = {_mm_setzero_si128(), _mm_setzero_si128()};
     __m128i et[4] = {_mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128()};

@@ -9,12 +9,12 @@
 #include "texture_enums.h"
 
 /// @file
-/// The arithmetic of channel elements: unsigned integers of 8, 16 and 32 bits, where the largest value stands for 1.0, and
+/// The arithmetic of channel elements: unsigned integers of 8, 16 and 32 bits, where the largest value represents 1.0, and
 /// floats.
 
 namespace moktexture {
 
-/// The value that stands for 1.0 in an element. That of 32-bit elements is 2 to the 32, one above what the element can hold.
+/// The value that represents 1.0 in an element. That of 32-bit elements is 2 to the 32, one above what the element can hold.
 template <typename T>
 inline constexpr float channelUnit = 1.0f;
 template <>

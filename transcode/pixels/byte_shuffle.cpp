@@ -4,7 +4,7 @@ namespace moktexture {
 
 namespace {
 
-/// What one byte of the destination gets from one channel's table.
+/// The contribution of one channel's table to one byte of the destination.
 struct ByteContribution {
     bool isSourceByte = true;
     bool isConstant = true;

@@ -53,7 +53,7 @@ ChannelFormat integerSource(const PixelCodec& codec, unsigned int position, Chan
     return isSigned ? ChannelFormat::signedElement : ChannelFormat::unsignedInteger;
 }
 
-ChannelField ownField(const PixelCodec& codec, unsigned int position) {
+ChannelField storedField(const PixelCodec& codec, unsigned int position) {
     return codec.isElement(position) ? elementField(position, codec.channelBits[position])
                                      : packedField(codec.channelMask[position], codec.shiftRight[position]);
 }
@@ -87,7 +87,7 @@ ChannelReader::ChannelReader(const PixelCodec& codec, EChannelName channel, Tran
     width = codec.channelBits[position];
     if (codec.variableType == eVarFloat) {
         format = floatFormat(width);
-        field = ownField(codec, position);
+        field = storedField(codec, position);
     } else {
         format = integerSource(codec, position, field);
     }
@@ -143,7 +143,7 @@ void ChannelReader::compute(const PixelBits* pixels, std::size_t count, float* v
 ChannelWriter::ChannelWriter(const PixelCodec& codec, EChannelName channel) {
     const auto position = static_cast<unsigned int>(codec.channelIndexByName[channel]);
     width = codec.channelBits[position];
-    field = ownField(codec, position);
+    field = storedField(codec, position);
     format = codec.variableType == eVarFloat    ? floatFormat(width)
              : isSignedType(codec.variableType) ? ChannelFormat::signedField
                                                 : ChannelFormat::unsignedInteger;

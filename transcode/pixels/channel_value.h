@@ -80,8 +80,8 @@ inline constexpr SmallFloat smallFloat10{5, false};
 /// The value of a field; bits above the format's are ignored. There are no denormals, infinities or NaNs.
 float floatFromSmallFloat(std::uint32_t field, SmallFloat format);
 
-/// The field for a value, with the mantissa truncated. The range is not clamped: an exponent or a sign that the format has no
-/// room for is in the bits above it.
+/// The field for a value, with the mantissa truncated. The range is not clamped: an exponent or a sign that does not fit
+/// the format is in the bits above it.
 std::uint32_t smallFloatFromFloat(float value, SmallFloat format);
 
 }  // namespace moktexture

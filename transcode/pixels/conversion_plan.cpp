@@ -10,8 +10,8 @@
 /// @file
 /// The per-channel form of a conversion.
 ///
-/// Problem: PixelCodec decides again for each pixel which channels exist, where they are, in which number form, and where a
-/// channel that the source lacks takes its value from. All of this depends on the two layouts alone.
+/// Problem: PixelCodec decides again for each pixel which channels exist, where they are, in which number form, and which
+/// value replaces a channel that the source lacks. All of this depends on the two layouts alone.
 ///
 /// Idea: decide once, and then convert blocks of 64 pixels channel by channel, so that each inner loop does one thing for one
 /// channel and the compiler can vectorise it.
@@ -26,7 +26,7 @@
 ///         pack the results
 ///
 /// The bytes equal PixelCodec's because readers and writers use the same functions of channel_value.h, in the same order of
-/// operations, and channels are written in the same order, so that values that spill into other channels do so alike. The tests
+/// operations, and channels are written in the same order, so that values spill into other channels identically. The tests
 /// compare both forms for random layouts. The cost is linear in the number of pixels; the memory is the tables, 1 KiB for each
 /// source channel and at most 256 KiB for each curved one.
 
@@ -41,7 +41,7 @@ constexpr unsigned int smallTableBits = 8;
 constexpr unsigned int largeTableBits = 16;
 constexpr std::uint64_t pixelsForLargeTables = 1u << 18;
 
-/// Pixels per block: the words and values of a block (about 2.5 KiB) stay in the first-level cache.
+/// Pixels per block: the words and values of a block (about 2.5 KiB) stay in the L1 cache.
 constexpr std::size_t blockPixels = 64;
 
 using Unpack = void (*)(const std::uint8_t*, std::size_t, const PixelBits&, PixelBits*);

@@ -15,7 +15,7 @@ struct ConversionRequest {
     const PixelCodec& to;
     EMOKTColourSpace target;  ///< where target and source differ, colour channels go through the curve
     EMOKTColourSpace source;
-    std::uint64_t pixels;  ///< how many will be converted in all: more of them are worth more preparation
+    std::uint64_t pixels;  ///< number to convert in total: more pixels justify more preparation
     InstructionSet instructionSet;
 };
 

@@ -18,10 +18,10 @@
 ///     ---------+-------------------+-------------
 ///              |     + error / 4   | + error / 4      each share truncated toward zero, each sum clamped to 0 to 255
 ///
-/// The definition walks each channel column by column, top to bottom. A pixel thus gets its shares in the order upper left, left,
-/// above, and since each sum is clamped this order decides the bytes. No other order of visits matters: a pixel depends on those
-/// three neighbours alone. The walk here goes row by row with all channels of a pixel together, which touches memory in order,
-/// and adds the shares in the same order:
+/// The definition processes each channel column by column, top to bottom. A pixel thus gets its shares in the order upper left,
+/// left, above, and since each sum is clamped this order decides the bytes. No other order of visits matters: a pixel depends on
+/// those three neighbours alone. This implementation goes row by row with all channels of a pixel together, which touches memory
+/// in order, and adds the shares in the same order:
 ///
 ///     for each row:
 ///         upper left = left = 0
@@ -29,7 +29,7 @@
 ///             value += upper left / 4;  value += left / 2;  value += errors[x] / 4     # clamped after each
 ///             quantise by table; the error becomes left and errors[x], the old errors[x] becomes upper left
 ///
-/// One pass over the level and one row of errors, 8 bytes a pixel. The channel-by-channel form is in
+/// One pass over the level and one row of errors, 8 bytes per pixel. The channel-by-channel form is in
 /// reference/dither_reference.cpp.
 
 namespace moktexture {
@@ -39,7 +39,7 @@ namespace {
 constexpr std::size_t channels = 4;
 
 /// Rates of an uncompressed layout.
-// Kept (later-position-decides-rate): of two positions with the same channel the later one decides, also an `a` behind an `x`.
+// Kept (later-position-decides-rate): of two positions with the same channel the later one decides, also an `a` after an `x`.
 // The bytes of dithered targets such as r5 i2 depend on it.
 DitherRates layoutRates(const PixelType& target) {
     DitherRates rates{};
@@ -79,8 +79,9 @@ constexpr unsigned char clampToByte(int value) {
 }
 
 /// The 8-bit value that `bits` bits of `value` represent.
-/// Kept (dither-second-shift): the value shifted by `bits` is added to the upper bits, so that for 1 to 3 bits the result is no
-/// level of the target: 1 bit gives the top bit plus half of the value. The bytes of every dithered texture depend on it.
+/// Kept (dither-second-shift): the value shifted by `bits` is added to the upper bits, so that for 1 to 3 bits the result is not
+/// a value that the target can represent: 1 bit gives the top bit plus half of the value. The bytes of every dithered texture
+/// depend on it.
 constexpr unsigned char quantise(unsigned char value, unsigned int bits) {
     const unsigned int dropped = 8 - bits;
     return clampToByte(static_cast<int>((value >> dropped << dropped) + (value >> bits)));

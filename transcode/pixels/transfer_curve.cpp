@@ -18,7 +18,7 @@
 ///     base = mantissa * 2^k,  mantissa from sqrt(1/2) to sqrt(2)
 ///     log2(mantissa) = 2 artanh(x) / ln 2,  x = (mantissa - 1) / (mantissa + 1)      12 terms, |x| < 0.172
 ///     2^f = e^(f ln 2),  f from -0.5 to 0.5                                          16 terms
-///     result = 2^f * 2^n,  n = the integer nearest to exponent * k + exponent * log2(mantissa), f = what remains
+///     result = 2^f * 2^n,  n = the integer nearest to exponent * k + exponent * log2(mantissa), f = the remainder
 ///
 /// The remainders of both series are below 2^-60; with the rounding of the operations the relative error stays below 2^-49 before
 /// the one rounding to float. The cost is constant: two divisions and about 60 multiplications and additions.

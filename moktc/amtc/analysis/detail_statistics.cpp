@@ -1,7 +1,7 @@
-// Detail statistics: what the low-frequency image leaves of a footprint.
+// Detail statistics: the difference of a footprint from its low-frequency image.
 //
 // Problem   In smooth regions the principal axis of a footprint follows the gradient across the blocks. The upscaling of the
-//           colours reproduces that gradient by itself; what the modulation has to add is the detail on top of it.
+//           colours alone reproduces that gradient; the modulation has to add only the detail on top of it.
 // Idea      Estimate the upscaled image by the bilinear interpolation of the mean colours of the 3 by 3 blocks around, subtract
 //           it from the pixels, and find the axes of the differences. The representatives are then shifted to the mean of the
 //           block, so that their extent is a range of colours again.
@@ -25,7 +25,7 @@ namespace moktexture::amtc {
 namespace {
 
 /// The difference of each pixel from the interpolated means, row by row.
-using DetailImage = std::array<ColourVector, mostFootprintPixels>;
+using DetailImage = std::array<ColourVector, maxFootprintPixels>;
 
 /// The position of a row or column of the footprint between the centres of neighbouring blocks: after the centre of block 0 or 1
 /// by a fraction of a block. The centre of block 1 is at fraction 1 after block 0.

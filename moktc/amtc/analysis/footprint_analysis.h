@@ -3,7 +3,7 @@
 #include "moktc/amtc/records/level_records.h"
 
 /// @file
-/// What the encoder measures in a block's footprint before it chooses any colour: the representatives, which describe the pixels
+/// Measurements of a block's footprint before any colour is chosen: the representatives, which describe the pixels
 /// as clouds in RGBA space, and the segments, which are connected smooth regions.
 
 namespace moktexture::amtc {

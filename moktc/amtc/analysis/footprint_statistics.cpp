@@ -2,11 +2,12 @@
 //
 // Problem   A block's two colours reach beyond the block: upscaled, they influence a footprint of twice its size plus one pixel
 //           each way. The search for the colours needs a summary of these pixels: mean, bounds, principal axes.
-// Idea      Three representatives, each a weighted cloud of pixels (see representative.cpp for how axes come of a cloud):
+// Idea      Three representatives, each a weighted cloud of pixels (representative.cpp explains how
+//           axes are computed from a cloud):
 //
 //               whole    all pixels of the footprint, weighted by the smooth kernel, which falls off with the distance
-//               opaque   the same without the transparent pixels, for blocks that punch holes
-//               centre   the pixels of the block itself, all alike, for blocks whose colours are not upscaled
+//               opaque   the same without the transparent pixels, for punch-through blocks
+//               centre   the pixels of the block itself, equally weighted, for blocks whose colours are not upscaled
 //
 // Method    1. one pass: sums of the whole and of the centre; count the transparent pixels
 //           2. if some but not all pixels are transparent, a second pass: sums of the opaque pixels

@@ -145,17 +145,17 @@ void MakeRep(const ColourCloud& cloud, bool setMeanBytes, Rep& rep) {
     const ColourBounds& bounds = cloud.bounds;
     if (bounds.isFlat()) {
         rep.axes = identityMatrix;
-        rep.projMin = rep.projMax = bounds.least;
+        rep.projMin = rep.projMax = bounds.minimum;
     } else {
         ColourVector eigenvalues;
         EigenSymmetric(covarianceOf(cloud.moments, cloud.sum), channelCount, eigenvalues, rep.axes);
         const ColourBounds empty;
-        rep.projMin = empty.least;
-        rep.projMax = empty.greatest;
+        rep.projMin = empty.minimum;
+        rep.projMax = empty.maximum;
     }
     rep.isFlat = bounds.isFlat() ? 1 : 0;
-    rep.minColour = bounds.least;
-    rep.maxColour = bounds.greatest;
+    rep.minColour = bounds.minimum;
+    rep.maxColour = bounds.maximum;
     if (!setMeanBytes) return;
     for (std::size_t channel = 0; channel < channelCount; ++channel)
         rep.meanColour[channel] = static_cast<std::uint8_t>(roundToByte(static_cast<float>(cloud.sum[channel])));

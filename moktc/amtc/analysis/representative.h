@@ -29,16 +29,16 @@ inline constexpr float greatestFloat = 3.4028235e38f;
 
 /// The minimum and maximum of each channel. Initially empty: the minimum is above the maximum.
 struct ColourBounds {
-    ColourVector least{greatestFloat, greatestFloat, greatestFloat, greatestFloat};
-    ColourVector greatest{-greatestFloat, -greatestFloat, -greatestFloat, -greatestFloat};
+    ColourVector minimum{greatestFloat, greatestFloat, greatestFloat, greatestFloat};
+    ColourVector maximum{-greatestFloat, -greatestFloat, -greatestFloat, -greatestFloat};
 
     void include(const ColourVector& colour) {
         for (std::size_t channel = 0; channel < channelCount; ++channel) {
-            least[channel] = std::min(least[channel], colour[channel]);
-            greatest[channel] = std::max(greatest[channel], colour[channel]);
+            minimum[channel] = std::min(minimum[channel], colour[channel]);
+            maximum[channel] = std::max(maximum[channel], colour[channel]);
         }
     }
-    bool isFlat() const { return least == greatest; }
+    bool isFlat() const { return minimum == maximum; }
 };
 
 using ColourSum = std::array<double, channelCount>;

@@ -27,7 +27,7 @@ namespace moktexture::amtc {
 namespace {
 
 constexpr std::uint8_t unlabelled = 255;
-/// The least squared distance over the four channels at which two colours are different, and a line is bent: one channel may
+/// The smallest squared distance over the four channels at which two colours are different, and a line is bent: one channel may
 /// differ by 4. A larger value makes larger segments, which smooths more noise and also fine texture; the bytes depend on it.
 constexpr std::uint32_t segmentDistance = 17;
 
@@ -66,8 +66,8 @@ struct PixelPosition {
     std::uint32_t row, column;
 };
 
-/// Holds each pixel at most once in all: it is pushed when it is labelled.
-using PixelStack = std::array<PixelPosition, mostFootprintPixels>;
+/// Receives each pixel at most once: it is pushed when it is labelled.
+using PixelStack = std::array<PixelPosition, maxFootprintPixels>;
 
 /// Labels the pixels of a footprint segment by segment.
 struct Segmenter {
@@ -77,12 +77,12 @@ struct Segmenter {
     FootprintMask& labels;
     FootprintMask& order;
     PixelStack& stack;
-    std::array<std::uint32_t, mostFootprintWidth> openColumns{};  ///< by row: a bit for each column without label
+    std::array<std::uint32_t, maxFootprintWidth> unlabelledColumns{};  ///< by row: a bit for each column without label
     std::size_t labelledCount = 0, stackSize = 0;
 
     void addPixel(PixelPosition position, std::uint8_t label) {
         const std::size_t pixel = position.row * width + position.column;
-        openColumns[position.row] &= ~(1u << position.column);
+        unlabelledColumns[position.row] &= ~(1u << position.column);
         labels[pixel] = label;
         order[labelledCount++] = static_cast<std::uint8_t>(pixel);  // truncates at 1 bit per pixel, where nothing reads it
         stack[stackSize++] = position;
@@ -91,7 +91,7 @@ struct Segmenter {
     void addNeighbours(PixelPosition centre, std::uint32_t seedColour, std::uint8_t label) {
         const std::uint32_t besideColumns = 7u << centre.column >> 1;
         for (std::uint32_t row = centre.row == 0 ? 0 : centre.row - 1; row <= std::min(centre.row + 1, height - 1); ++row) {
-            for (std::uint32_t open = openColumns[row] & besideColumns; open != 0; open &= open - 1) {
+            for (std::uint32_t open = unlabelledColumns[row] & besideColumns; open != 0; open &= open - 1) {
                 const std::uint32_t column = static_cast<std::uint32_t>(std::countr_zero(open)), pixel = row * width + column;
                 if ((row == centre.row && flags.horizontal[pixel] != 0) ||
                     (column == centre.column && flags.vertical[pixel] != 0) ||
@@ -118,7 +118,7 @@ std::uint32_t SegmentFootprint(const Footprint& footprint, const AmtcLevelSettin
     labels.fill(unlabelled);
     PixelStack stack;
     Segmenter segmenter{footprint, settings.footprintWidth, settings.footprintHeight, flags, labels, order, stack};
-    std::fill_n(segmenter.openColumns.begin(), settings.footprintHeight, (1u << settings.footprintWidth) - 1);
+    std::fill_n(segmenter.unlabelledColumns.begin(), settings.footprintHeight, (1u << settings.footprintWidth) - 1);
     std::uint32_t count = 0;
     for (std::uint32_t pixel = 0; pixel < settings.footprintPixels(); ++pixel) {
         if (labels[pixel] != unlabelled) continue;

@@ -22,7 +22,7 @@
 // the last row: the last one is visited on its own after the threads have been joined. So the bytes never depend on the number
 // of threads.
 //
-// Cost: one fork and join a pass, 2 + 4 a sweep of them. A thread holds one VisitSpace, about 90 KiB, on its stack.
+// Cost: one fork and join per pass: 2 for set-up and 4 per sweep. A thread holds one VisitSpace, about 90 KiB, on its stack.
 
 #include "moktc/amtc/driver/block_passes.h"
 
@@ -37,7 +37,7 @@ namespace {
 /// Calls `work(thread, threadCount)` on each of the threads that are wanted and the machine has. Failure to start one ends the
 /// process.
 template <class Work>
-void fanOut(const AmtcThreadContext& context, std::uint32_t wantedThreads, const Work& work) {
+void runOnThreads(const AmtcThreadContext& context, std::uint32_t wantedThreads, const Work& work) {
     const std::uint32_t threadCount = std::min(wantedThreads, std::max(context.threads, 1u));
     runTasks(threadCount, threadCount, [&](std::uint32_t thread) { work(thread, threadCount); }, {StartThread, WaitForThreads});
 }
@@ -52,20 +52,21 @@ void refineRow(const AmtcThreadContext& context, std::uint32_t row, std::uint32_
 
 void RunBlockPass(const AmtcThreadContext& context, std::uint32_t pass, const FootprintKernels& kernels) {
     const AmtcLevelSettings& settings = context.settings;
-    fanOut(context, std::min(context.threadLimit, settings.blocksDown), [&](std::uint32_t thread, std::uint32_t threadCount) {
-        for (std::uint32_t row = thread; row < settings.blocksDown; row += threadCount) {
-            for (std::uint32_t column = 0; column < settings.blocksAcross; ++column)
-                VisitBlockSetup({context.image, settings, context.blockRows, row, column}, pass, kernels);
-        }
-    });
+    runOnThreads(context, std::min(context.threadLimit, settings.blocksDown),
+                 [&](std::uint32_t thread, std::uint32_t threadCount) {
+                     for (std::uint32_t row = thread; row < settings.blocksDown; row += threadCount) {
+                         for (std::uint32_t column = 0; column < settings.blocksAcross; ++column)
+                             VisitBlockSetup({context.image, settings, context.blockRows, row, column}, pass, kernels);
+                     }
+                 });
 }
 
 void RunParityPhase(const AmtcThreadContext& context, const ParityPhase& phase, std::uint32_t step) {
-    // Kept (one-block-row-never-refined): half of one block row is no thread, so images one block high keep their start
-    // candidates; .mok files of such textures hold the blocks that come of it.
+    // Kept (one-block-row-never-refined): a thread takes at least two block rows, so images one block high get no thread and keep
+    // their start candidates; .mok files of such textures hold the resulting blocks.
     const std::uint32_t rowPairs = context.settings.blocksDown / 2;
     if (rowPairs == 0) return;
-    fanOut(context, std::min(context.threadLimit, rowPairs), [&](std::uint32_t thread, std::uint32_t threadCount) {
+    runOnThreads(context, std::min(context.threadLimit, rowPairs), [&](std::uint32_t thread, std::uint32_t threadCount) {
         BlendTable blendTable;
         VisitSpace space{blendTable};
         for (std::uint32_t row = phase.row + 2 * thread; row < 2 * rowPairs; row += 2 * threadCount)

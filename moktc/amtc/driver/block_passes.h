@@ -9,14 +9,14 @@
 
 namespace moktexture::amtc {
 
-inline constexpr std::uint32_t mostThreads = 32;
+inline constexpr std::uint32_t maxThreads = 32;
 
 /// What the threads of a pass share; they read it only.
 struct AmtcThreadContext {
     const AmtcImage& image;
     const AmtcLevelSettings& settings;
     const BlockRows& blockRows;
-    std::uint32_t threadLimit;                               ///< most threads by the height of the grid, from 1 to mostThreads
+    std::uint32_t threadLimit;                               ///< most threads by the height of the grid, from 1 to maxThreads
     std::uint32_t threads = availableThreads();              ///< most threads by the machine; the result does not depend on it
     InstructionSet instructionSet = detectInstructionSet();  ///< nor on this one
 };

@@ -96,7 +96,7 @@ void PunchThroughPreprocess(AmtcImage& image, std::uint32_t secondGeneration) {
             std::uint32_t& pixel = image.Pixels[y][x];
             if (pixel >> 24 >= leastVisibleAlpha) continue;
             // Kept (punch-through-reads-own-output): pixels rebuilt before count with their new colour, so colours bleed further
-            // to the right and down; hosts that encode cut-outs with `punchThrough` get the blocks that come of it.
+            // to the right and down; hosts that encode cut-outs with `punchThrough` get the resulting blocks.
             pixel = secondGeneration != 0 ? 0 : surroundingColour(image, x, y);
         }
     }

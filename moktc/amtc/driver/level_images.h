@@ -12,7 +12,7 @@
 
 namespace moktexture::amtc {
 
-/// The caller's top MIP level, four bytes a pixel.
+/// The caller's top MIP level, four bytes per pixel.
 struct SourceImage {
     const std::uint8_t* pixels;
     std::int32_t width, height;  ///< in pixels

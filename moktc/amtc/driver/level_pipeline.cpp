@@ -28,7 +28,7 @@
 //
 // Cost: a visit that is not skipped evaluates each mode's candidates, at most 14 under each of 1 or 8 variants, up to
 // `refineIterations` times. Late sweeps skip most blocks, so time grows less than linearly with the number of sweeps. Memory: one
-// BlockRecord a block for the whole level.
+// BlockRecord per block for the whole level.
 
 #include "moktc/amtc/driver/level_pipeline.h"
 
@@ -46,7 +46,7 @@ struct Effort {
     std::uint32_t sweeps, refineIterations;
 };
 
-// One row a quality, 0 to 4. More sweeps: colours travel further across the grid, at nearly linear cost while blocks still
+// One row per quality, 0 to 4. More sweeps: colours travel further across the grid, at nearly linear cost while blocks still
 // change. More iterations: candidates come closer to their optimum in one visit; time grows linearly. Bytes depend on both.
 constexpr std::array<Effort, 5> efforts = {{
     // sweeps  evaluations per candidate from sweep 1 on
@@ -99,7 +99,7 @@ void setUp(const AmtcThreadContext& context) {
 }
 
 void sweepLevel(const AmtcImage& image, const EncodeOptions& options, AmtcLevelSettings& settings, const BlockRows& blockRows) {
-    const std::uint32_t threadLimit = std::clamp(settings.blocksDown / 2, 1u, mostThreads);
+    const std::uint32_t threadLimit = std::clamp(settings.blocksDown / 2, 1u, maxThreads);
     const AmtcThreadContext context = {image, settings, blockRows, threadLimit, options.threads, options.instructionSet};
     const std::uint32_t sweeps = sweepCount(options.quality);
     std::uint32_t step = 1;
@@ -135,7 +135,7 @@ void SetSweepSettings(std::uint32_t quality, std::uint32_t sweeps, std::uint32_t
     const bool isFirst = sweep == 0, isLast = sweep + 1 == sweeps;
     const bool hasNeighbours = settings.blocksDown >= 2 && settings.blocksAcross >= 2;
     settings.refineIterations = isFirst ? 1 : effortOf(quality).refineIterations;
-    settings.candidatesKept = mostCandidates;
+    settings.candidatesKept = maxCandidates;
     settings.extendedModes = settings.secondGeneration != 0 && sweep >= firstExtendedSweep;
     settings.neighbourModeVariants = settings.extendedModes != 0 && !isLast && hasNeighbours;
     settings.clampToBounds = sweep < firstUnconstrainedSweep;

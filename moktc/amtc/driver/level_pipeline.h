@@ -22,8 +22,8 @@ struct EncodeOptions {
 EncodeOptions makeEncodeOptions(std::uint32_t formatVersion, std::uint32_t bitsPerPixel, std::uint32_t secondGeneration,
                                 std::uint32_t linearBlockOrder, std::uint8_t quality);
 
-/// Encodes one image whose sides are multiples of the block's into `destination`, 8 bytes a block. False if memory is short, with
-/// a message on the standard error stream.
+/// Encodes one image whose sides are multiples of the block's into `destination`, 8 bytes per block. False if memory is short,
+/// with a message on the standard error stream.
 bool encodeLevel(const AmtcImage& image, const EncodeOptions& options, std::uint8_t* destination);
 
 /// The same; 1 on success and 0 on failure. `progress` is not used.

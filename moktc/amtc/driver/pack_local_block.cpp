@@ -11,7 +11,7 @@
 //     colour word     = A and B in their stored forms, opacity bits, flat bit, mode bit
 //
 // With 2 bits the samples of the whole footprint are chosen, not only the block's: the means at its border need them. They cost
-// nothing but time here; the neighbours pack their own.
+// nothing but time here; each neighbour packs its own.
 //
 // The sums of squared differences are returned for tests, which compare them with those of the decoder's pixels.
 
@@ -49,7 +49,7 @@ constexpr std::array<std::array<std::uint8_t, 4>, 16> CornerPaletteBits = {{
 }};
 // clang-format on
 
-/// A block's footprint with all that decodes it.
+/// A block's footprint with everything needed to decode it.
 struct LocalPixels {
     const BlendTable& table;
     const Footprint& footprint;

@@ -10,7 +10,7 @@ namespace moktexture::amtc {
 /// Writes that no thread could be created to the standard error stream and aborts.
 [[noreturn]] void failToCreateThread();
 
-/// Starts a thread that runs `routine(context)`. If the system has no thread to give, it fails as above.
+/// Starts a thread that runs `routine(context)`. If the system cannot provide a thread, it fails as above.
 std::thread StartThread(ThreadRoutine routine, void* context);
 
 /// Returns when the first `count` of the threads have ended.

@@ -24,7 +24,7 @@ enum class ModulationClass : std::uint32_t {
 /// `level3...`, `levelValue` and so on belong to these indices.
 inline constexpr std::size_t indexCount = 4;
 
-/// A `levelValue` is an interpolation weight: 0 (A) to 8 (B), in steps of an eighth. A pixel with the ignored value counts in the
+/// A `levelValue` is an interpolation weight: 0 (A) to 8 (B). A pixel with the ignored value counts in the
 /// error and not in the solver.
 inline constexpr std::uint8_t ignoredLevelValue = 9;
 inline constexpr std::size_t levelValueCount = 10;
@@ -46,7 +46,7 @@ struct PixelBlendEntry {
     std::int32_t influence;                             ///< importance times the block's own bilinear weight, 0 to 64
 };
 
-/// One entry a pixel of a footprint, in its order.
+/// One entry per pixel of a footprint, in raster order.
 using BlendTable = std::array<PixelBlendEntry, footprintPixels2bpp>;
 
 /// Builds the table of a block in region mode `mode` among neighbours in theirs. Bits 0, 1 and 2 of `variant` invert whether the

@@ -171,7 +171,7 @@ private:
     FourErrors sums[size + 1];
 };
 
-MOKTEX_LANE_FUNCTION std::uint32_t leastOf(__m128i values) {
+MOKTEX_LANE_FUNCTION std::uint32_t minimumOf(__m128i values) {
     values = _mm_min_epu32(values, _mm_shuffle_epi32(values, 0x4E));
     return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_min_epu32(values, _mm_shuffle_epi32(values, 0xB1))));
 }
@@ -239,7 +239,7 @@ private:
     /// The earliest of 3, 0, 1, 2 among equals.
     MOKTEX_LANE_FUNCTION void chooseIndex(std::size_t run, bool firstPass) {
         const __m128i ranks = _mm_setr_epi32(1, 2, 3, 0);
-        const std::uint32_t least = leastOf(_mm_or_si128(_mm_slli_epi32(innerErrors(run), 2), ranks));
+        const std::uint32_t least = minimumOf(_mm_or_si128(_mm_slli_epi32(innerErrors(run), 2), ranks));
         indices[run] = static_cast<std::int32_t>((least + 3) & 3);
         total.inner += least >> 2;
         if (firstPass) addOuter(run);
@@ -253,7 +253,7 @@ private:
         const __m128i lastTwo = _mm_add_epi32(_mm_shuffle_epi32(standard, 0x99), _mm_shuffle_epi32(punchThrough, 0x55));
         const __m128i ranked = _mm_min_epu32(_mm_or_si128(_mm_slli_epi32(firstFour, 3), _mm_setr_epi32(0, 1, 2, 3)),
                                              _mm_or_si128(_mm_slli_epi32(lastTwo, 3), _mm_setr_epi32(4, 5, 4, 5)));
-        const std::uint32_t least = leastOf(ranked);
+        const std::uint32_t least = minimumOf(ranked);
         indices[run] = standardIndices[least & 7];
         indices[run + 1] = punchIndices[least & 7];
         total.inner += least >> 3;
@@ -265,13 +265,13 @@ private:
     /// The least of the four pairs of indices that segments without inner pixels may take.
     MOKTEX_LANE_FUNCTION void addOuterSegment(std::size_t run) {
         const __m128i standard = _mm_shuffle_epi32(outerErrors(run), 0x9C);
-        total.outer += leastOf(_mm_add_epi32(standard, _mm_shuffle_epi32(outerErrors(run + 1), 0x5C)));
+        total.outer += minimumOf(_mm_add_epi32(standard, _mm_shuffle_epi32(outerErrors(run + 1), 0x5C)));
     }
 
     const SegmentLanes& segments;
     RunningErrors<SegmentLanes::innerPixels> inner;
     RunningErrors<SegmentLanes::outerPixels> outer;
-    std::int32_t indices[2 * SegmentLanes::mostSegments];  ///< by run
+    std::int32_t indices[2 * SegmentLanes::maxSegments];  ///< by run
 };
 
 template <bool isSpecial>

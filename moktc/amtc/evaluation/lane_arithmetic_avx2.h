@@ -39,7 +39,7 @@ MOKTEX_LANE_FUNCTION std::int32_t sumOf(__m256i lanes) {
     return _mm_cvtsi128_si32(_mm_add_epi32(sum, _mm_shuffle_epi32(sum, 0xB1)));
 }
 
-/// Eight pixels, 16 bits a channel: red and green, blue and alpha. Copied member by member: g++ copies trivial structures by
+/// Eight pixels, 16 bits per channel: red and green, blue and alpha. Copied field by field: g++ copies trivial structures by
 /// eight bytes at a time, through memory.
 struct ChannelLanes {
     MOKTEX_LANE_FUNCTION ChannelLanes(__m256i redGreen, __m256i blueAlpha) : rg(redGreen), ba(blueAlpha) {}

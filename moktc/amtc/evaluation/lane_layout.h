@@ -119,13 +119,13 @@ struct EvaluationLanes2bpp {
 /// pixels, without palette taps. A slot is where a kernel keeps a pixel's errors.
 struct SegmentLanes {
     static constexpr std::size_t pixelCount = 81, innerPixels = 49, outerPixels = 32;
-    static constexpr std::size_t mostSegments = pixelCount;
+    static constexpr std::size_t maxSegments = pixelCount;
     /// The pixels of a run: ranges of `innerSlots` and `outerSlots`.
     struct Run {
         std::uint8_t innerBegin, innerEnd, outerBegin, outerEnd;
     };
 
-    Run runs[2 * mostSegments];
+    Run runs[2 * maxSegments];
     std::uint8_t innerSlots[innerPixels], outerSlots[outerPixels];  ///< run by run
     std::uint8_t single[innerPixels];  ///< runs with inner pixels whose segment has none of the other class
     std::uint8_t pairs[innerPixels];   ///< segments with inner pixels of both classes
@@ -138,7 +138,7 @@ struct SegmentLanes {
 struct LaneSums {
     std::int32_t* count;
     std::int32_t* weight;
-    void* residual;  ///< four 32-bit integers a weight, one a channel
+    void* residual;  ///< four 32-bit integers per weight, one per channel
 };
 
 struct LaneError {

@@ -1,5 +1,5 @@
-// Problem: for nine pairs of colours, what would a decoder make of each pixel of the footprint, which modulation index is best,
-// and what does the solver need to know?
+// Problem: for nine pairs of colours, how would a decoder reconstruct each pixel of the footprint, which modulation index is
+// best, and what does the solver need to know?
 //
 // A decoder's arithmetic for one pixel and one channel, in integers:
 //
@@ -16,8 +16,8 @@
 //     for each pixel with a sample: the same; keep the interpolation weight
 //     for each other pixel:         weight = mean of the samples around it; decode with it; add error and sums
 //
-// The error is the sum of squared differences of R, G, B and A, all alike. The sums count only inner pixels: the block's colours
-// do not reach the outer ring, and its pixels have an influence of 0.
+// The error is the sum of squared differences of R, G, B and A, equally weighted. The sums count only inner pixels: the block's
+// colours do not reach the outer ring, and its pixels have an influence of 0.
 //
 // Cost: 81 or 153 pixels decoded with four interpolations each. This is the encoder's inner loop.
 

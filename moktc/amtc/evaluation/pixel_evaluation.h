@@ -4,8 +4,8 @@
 #include "moktc/amtc/evaluation/blend_table.h"
 
 /// @file
-/// What a decoder would make of a footprint, and its squared error: the scalar form, which processors without AVX2 run.
-/// RegionEvaluator chooses between it and the lanes.
+/// The pixels that a decoder would produce for a footprint, and their squared error: the scalar form, which processors without
+/// AVX2 run. RegionEvaluator chooses between it and the lanes.
 /// In the second generation the prediction can differ from the decoder's pixels: in a translucent pair, A's alpha 255 decodes as
 /// 238 and B's 0 as 17.
 
@@ -34,7 +34,7 @@ ColourDifference differenceOf(std::uint32_t pixel, std::uint32_t colour);
 std::uint32_t PickLevel(std::uint32_t pixel, const PixelCandidates& candidates, ColourDifference& difference,
                         std::uint32_t& error, bool twoLevelsOnly);
 
-/// What the solver needs of an evaluation, by interpolation weight. Entry 9, the ignored value, need not be set.
+/// The input of the solver from an evaluation, by interpolation weight. Entry 9, the ignored value, need not be set.
 struct RegressionSums {
     std::array<std::int32_t, levelValueCount> levelCount{};
     std::array<std::int32_t, levelValueCount> levelWeight{};        ///< sums of influence

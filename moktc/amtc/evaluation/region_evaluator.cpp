@@ -228,7 +228,7 @@ RegionEvaluator::RegionEvaluator(const AmtcLevelSettings& settings, const BlendT
       usesLanes(MOKTEX_X86_KERNELS != 0 && instructionSet >= InstructionSet::avx2) {
 #if MOKTEX_X86_KERNELS
     if (!usesLanes) return;
-    // Without initialisation: the lanes are large, and all of them that is used is set.
+    // Not initialised: the lanes are large, and every entry that is used is set.
     if (is4bpp)
         prepareLanes({table.data(), footprint.data()}, *::new (&lanes4bpp) EvaluationLanes4bpp);
     else

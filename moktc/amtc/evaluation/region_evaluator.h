@@ -8,7 +8,7 @@ namespace moktexture::amtc {
 
 /// Evaluates many sets of colours for one footprint and one blend table, in the form that fits the processor; all forms give the
 /// same bits. It refers to its arguments and lays them out once. The table is one of CreateBlendingAndUpdateWeights(). An
-/// evaluation leaves no state behind, so threads may share an evaluator.
+/// evaluation keeps no state, so threads may share an evaluator.
 class RegionEvaluator {
 public:
     /// `segments` is null where pixels choose their indices freely; it is for 4 bits per pixel.

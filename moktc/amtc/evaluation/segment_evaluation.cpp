@@ -88,7 +88,7 @@ IndexPair bestIndexPair(const SegmentTotals& segment) {
     return best;
 }
 
-std::uint32_t leastOuterError(const SegmentTotals& segment) {
+std::uint32_t minimumOuterError(const SegmentTotals& segment) {
     std::uint32_t least = ~0u;
     for (const IndexPair& pair : sharedOuterIndices)
         least = std::min(least, segment[0].outerError[pair.standard] + segment[1].outerError[pair.punchThrough]);
@@ -107,7 +107,7 @@ void finishSegment(const SegmentTotals& segment, RegionError& total, RegressionS
         const ClassTotals& only = segment[hasStandard ? 0 : 1];
         addClass(only, bestIndex(only), total, sums);
     } else {
-        total.outer += leastOuterError(segment);
+        total.outer += minimumOuterError(segment);
     }
 }
 

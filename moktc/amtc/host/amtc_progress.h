@@ -23,7 +23,7 @@ struct AmtcProgress {
 std::uint32_t CreateProgress(AmtcProgress** record);
 /// Sets all counters to 0 and the factor to that of an encoding with or without further MIP levels.
 void ResetProgress(AmtcProgress& record, bool hasMIPLevels);
-/// The share of the work that is done, from 0 to 1; 0 for a null record.
+/// The fraction of the work that is done, from 0 to 1; 0 for a null record.
 float GetProgress(AmtcProgress** record);
 /// Frees a record with its mutex, which no thread may hold or wait for, and stores null. No effect for a null record.
 void DestroyProgress(AmtcProgress** record);

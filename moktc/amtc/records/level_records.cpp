@@ -21,7 +21,7 @@ AmtcLevelSettings makeLevelSettings(std::int32_t width, std::int32_t height, Blo
 
 const Candidate& BlockRecord::best() const {
     // Records are in the order of their modes, which start at 0 or at 8.
-    return repStarts[bestMode % mostRegionModes].candidates[0];
+    return repStarts[bestMode % maxRegionModes].candidates[0];
 }
 
 std::uint32_t ListRegionModes(const AmtcLevelSettings& settings, bool extended, RegionModeList& list) {

@@ -43,19 +43,19 @@ inline constexpr std::uint32_t flatAverage = 13;
 inline constexpr std::uint32_t flatHorizontal = 14;
 inline constexpr std::uint32_t flatVertical = 15;
 }  // namespace region_mode
-inline constexpr std::size_t mostRegionModes = 8;
+inline constexpr std::size_t maxRegionModes = 8;
 
 /// A footprint consists of the pixels that a block's colours influence and a ring around them: twice the block size plus 1 each
 /// way.
-inline constexpr std::size_t mostFootprintWidth = 17;
-inline constexpr std::size_t mostFootprintPixels = 17 * 17;  ///< at 1 bit per pixel; 81 at 4, 153 at 2
+inline constexpr std::size_t maxFootprintWidth = 17;
+inline constexpr std::size_t maxFootprintPixels = 17 * 17;  ///< at 1 bit per pixel; 81 at 4, 153 at 2
 
 /// RGBA8 pixels in rows of `footprintWidth`, without padding.
-using Footprint = std::array<std::uint32_t, mostFootprintPixels>;
+using Footprint = std::array<std::uint32_t, maxFootprintPixels>;
 /// One weight per pixel of a footprint.
-using FootprintKernel = std::array<float, mostFootprintPixels>;
+using FootprintKernel = std::array<float, maxFootprintPixels>;
 /// One byte per pixel of a footprint.
-using FootprintMask = std::array<std::uint8_t, mostFootprintPixels>;
+using FootprintMask = std::array<std::uint8_t, maxFootprintPixels>;
 
 /// The settings of one level. Those from `refineIterations` on change from sweep to sweep.
 struct AmtcLevelSettings {
@@ -115,7 +115,7 @@ struct Candidate {
     ColourPair colours() const { return {colourA, colourB}; }
 };
 
-inline constexpr std::size_t mostCandidates = 4;
+inline constexpr std::size_t maxCandidates = 4;
 
 /// The candidates of a block in one region mode, sorted best first after the first visit.
 struct RepStart {
@@ -123,7 +123,7 @@ struct RepStart {
     std::uint8_t count;         ///< candidates in use
     std::uint32_t isFlatStart;  ///< 1 if the candidates come from a flat representative
     const Rep* axes;            ///< axes and extent to which solved colours are clamped; points into the same record
-    std::array<Candidate, mostCandidates> candidates;
+    std::array<Candidate, maxCandidates> candidates;
 };
 
 /// The inputs of a block's refinement beside its pixels and its own candidates.
@@ -137,19 +137,19 @@ struct RefinementInputs {
 struct BlockRecord {
     std::uint32_t segmentable;  ///< 1 if the footprint splits into fewer segments than a quarter of its pixels
     std::array<Rep, repCount> reps;
-    std::uint32_t transparentInCentre;                ///< 1 if a pixel of the block itself counts as transparent
-    std::uint32_t lastChanged;                        ///< step of the last visit that changed the block
-    std::uint32_t lastVisited;                        ///< step of the last visit
-    std::array<RepStart, mostRegionModes> repStarts;  ///< in the order of ListRegionModes with extended modes
-    std::uint32_t bestMode;                           ///< the region mode in force, which the neighbours see
-    RefinementInputs lastInputs;                      ///< of the last visit
+    std::uint32_t transparentInCentre;               ///< 1 if a pixel of the block itself counts as transparent
+    std::uint32_t lastChanged;                       ///< step of the last visit that changed the block
+    std::uint32_t lastVisited;                       ///< step of the last visit
+    std::array<RepStart, maxRegionModes> repStarts;  ///< in the order of ListRegionModes with extended modes
+    std::uint32_t bestMode;                          ///< the region mode in force, which the neighbours see
+    RefinementInputs lastInputs;                     ///< of the last visit
     std::uint32_t convergedModes;  ///< bit i: a visit with `lastInputs` left repStarts[i] unchanged, and would again
 
     /// The best candidate of the mode in force.
     const Candidate& best() const;
 };
 
-using RegionModeList = std::array<std::uint32_t, mostRegionModes>;
+using RegionModeList = std::array<std::uint32_t, maxRegionModes>;
 
 /// Lists the region modes of the format, with those of the second generation only if `extended`, and returns their number. At 1
 /// bit per pixel it writes a message and aborts.

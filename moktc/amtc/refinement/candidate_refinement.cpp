@@ -10,7 +10,7 @@
 //         if i is the last but one and pair is worse than the best one seen:
 //             second chance = the best one made storable
 //         pair = pair moved by the solver's deltas                                              (endpoint_solver.cpp)
-//         if pair is start again: take start; stop
+//         if pair equals start: take start; stop
 //     if there is a second chance and it is better than the pair taken: take it
 //
 // Each half step alone cannot raise the weighted error that it minimises, but quantising the new colours can, and the solver
@@ -23,10 +23,10 @@
 // The error counts all pixels of the footprint. Those of the outer ring decode without this block's colours, so the ring is
 // evaluated once and its error added to every total; only a comparison with other modes needs it at all.
 //
-// The pair cache: up to 14 candidates of a region run into each other after a few steps, as the pairs that a block can store are
+// The pair cache: up to 14 candidates of a region reach the same pairs after a few steps, as the pairs that a block can store are
 // few. What follows a pair depends on the pair alone, so each is evaluated once per region. The cache changes no result.
 //
-// Cost: at most `iterations` + 1 evaluations for a candidate, fewer where the cache knows a pair.
+// Cost: at most `iterations` + 1 evaluations for a candidate, fewer where the cache holds a pair.
 
 #include "moktc/amtc/refinement/candidate_refinement.h"
 
@@ -134,7 +134,7 @@ CachedEvaluator::CachedEvaluator(const RefinementRegion& refinedRegion, Instruct
     cache.clear();
 }
 
-void CachedEvaluator::evaluateAnew(EvaluatedPair& entry, bool withOuter) const {
+void CachedEvaluator::evaluatePair(EvaluatedPair& entry, bool withOuter) const {
     entry.error = evaluator.evaluate(coloursWithPair(region, entry.pair), withOuter, entry.sums);
     entry.isEvaluated = true;
     entry.hasOuterError = withOuter;
@@ -143,7 +143,7 @@ void CachedEvaluator::evaluateAnew(EvaluatedPair& entry, bool withOuter) const {
 EvaluatedPair& CachedEvaluator::evaluate(const ColourPair& pair, bool withOuter) {
     EvaluatedPair& entry = cache.find(pair);
     const bool isRingWanted = withOuter && !sharedOuterError;
-    if (!entry.isEvaluated || (isRingWanted && !entry.hasOuterError)) evaluateAnew(entry, isRingWanted);
+    if (!entry.isEvaluated || (isRingWanted && !entry.hasOuterError)) evaluatePair(entry, isRingWanted);
     if (isOuterErrorShared && isRingWanted) sharedOuterError = entry.error.outer;
     if (sharedOuterError) entry.error.outer = *sharedOuterError;
     return entry;

@@ -26,7 +26,7 @@ struct EvaluatedPair {
     RegressionSums sums;
 };
 
-/// A hash table of the pairs of one region after another, with linear probing. When three quarters are in use it starts anew.
+/// A hash table of the pairs of one region after another, with linear probing. When three quarters are in use it is cleared.
 class PairCache {
 public:
     void clear();
@@ -35,8 +35,8 @@ public:
     EvaluatedPair& find(const ColourPair& pair);
 
 private:
-    /// Larger: longer searches fit without starting anew, at about 300 bytes a slot and thread. The best quality comes to at most
-    /// 126 pairs in a region (14 candidates, 9 evaluations each), which 256 slots hold without long probes.
+    /// Larger: longer searches fit without clearing the table, at about 300 bytes per slot and thread. The best quality reaches
+    /// at most 126 pairs in a region (14 candidates, 9 evaluations each), which 256 slots hold without long probes.
     static constexpr std::uint32_t slotBits = 8;
     static constexpr std::size_t slotCount = 1 << slotBits;
 
@@ -49,8 +49,8 @@ private:
     std::array<EvaluatedPair, slotCount> slots;
 };
 
-/// Evaluates the pairs that the candidates of one region come to. Candidates that meet continue alike, so each pair is evaluated,
-/// solved and moved once: its results depend on nothing but the pair and the region.
+/// Evaluates the pairs that the candidates of one region reach. Candidates that reach the same pair continue identically, so each
+/// pair is evaluated, solved and moved once: its results depend on nothing but the pair and the region.
 class CachedEvaluator {
 public:
     /// Refers to `refinedRegion` and `pairCache`, and clears the latter.
@@ -65,7 +65,7 @@ public:
     ColourPair move(EvaluatedPair& evaluated, Step step) const;
 
 private:
-    void evaluateAnew(EvaluatedPair& entry, bool withOuter) const;
+    void evaluatePair(EvaluatedPair& entry, bool withOuter) const;
 
     const RegionEvaluator evaluator;
     const RefinementRegion& region;

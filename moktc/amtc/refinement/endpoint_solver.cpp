@@ -2,7 +2,7 @@
 // indices fixed, which change of A and B lowers the weighted error most?
 //
 // A pixel with interpolation weight f (from 0 for A to 1 for B) decodes to A + f * (B - A), so changes dA and dB move it by
-// dA + f * (dB - dA). If r is what its decoded colour lacks, the best changes minimise, for each channel,
+// dA + f * (dB - dA). If r is the pixel minus its decoded colour, the best changes minimise, for each channel,
 //
 //     sum over pixels of  w * (r - dA - f * (dB - dA))^2           w: the pixel's influence
 //
@@ -17,7 +17,7 @@
 // a footprint come to about 2^18 together, so q = 1 - (sum of the other weights' influence) / 2^18 is about the share of this
 // weight, and dividing the summed residual by q * 4096 = q * 2^18 / 64 makes it about a mean difference.
 //
-// With a single weight in use there is no slope: the colours that it is made of move by the mean difference.
+// With a single weight in use there is no slope: the colours that have a share in it move by the mean difference.
 //
 // Cost: nine additions of four channels at once, a division for each weight in use.
 //

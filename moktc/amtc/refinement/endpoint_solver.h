@@ -8,7 +8,7 @@
 
 namespace moktexture::amtc {
 
-/// By how much the block's two colours should change.
+/// The change of the block's two colours.
 struct EndpointDeltas {
     ColourVector a, b;
     bool isLargeStep;  ///< a channel changes by 1.5 or more, or no weight is in use

@@ -1,4 +1,4 @@
-// Problem: refining one candidate ends in a local minimum near its start. And how a block's pixels decode depends on the region
+// Problem: refining one candidate ends in a local minimum near its start. Also, how a block's pixels decode depends on the region
 // modes of its neighbours, which may still change.
 //
 // Idea: start from several pairs, and under several assumptions on the neighbours:
@@ -11,7 +11,7 @@
 //     sort all by error; keep the best 4 for the next visit
 //
 // The variants take each of the upper left, upper and left neighbour as flat or not flat. A block's choice of a flat mode pays
-// only if its neighbours choose likewise, so without them a picture of soft modes would never turn flat.
+// only if its neighbours choose likewise, so without them an image in smooth modes would never change to flat ones.
 //
 // Cost: at most 8 * (4 + 10) refinements, in sweeps with variants. The pair cache removes about as many evaluations as the
 // candidates of one variant meet.
@@ -65,7 +65,7 @@ void RefinedCandidates::addVariant(const RepStart& record, const PerturbedPairs&
 }
 
 bool RefinedCandidates::storeBest(RepStart& record, std::uint32_t kept) const {
-    std::array<std::uint64_t, mostVariants * mostCandidatesPerVariant> order{};  // error << 32 | index in `refined`
+    std::array<std::uint64_t, maxVariants * maxCandidatesPerVariant> order{};  // error << 32 | index in `refined`
     for (std::size_t i = 0; i < refinedCount; ++i)
         order[i] = std::uint64_t{refined[i].error} << 32 | i;
     std::sort(order.begin(), order.begin() + refinedCount);
@@ -90,7 +90,7 @@ bool refineMode(const VisitContext& visit, RepStart& record) {
     const std::uint32_t iterations = iterationsFor(record, settings);
     // Kept (best-of-all-variants-wins): the best under any variant wins, though the neighbours' modes stay as they are and the
     // pair's real error may be higher. The second generation's blocks in .mok files depend on the choice.
-    const std::uint32_t variants = settings.neighbourModeVariants != 0 ? mostVariants : 1;
+    const std::uint32_t variants = settings.neighbourModeVariants != 0 ? maxVariants : 1;
     RefinedCandidates refined;
     for (std::uint32_t variant = 0; variant < variants; ++variant) {
         CreateBlendingAndUpdateWeights(record.mode, visit.neighbours, variant, settings, visit.blendTable);

@@ -21,8 +21,8 @@ private:
     std::size_t count = 0;
 };
 
-inline constexpr std::size_t mostVariants = 8;
-inline constexpr std::size_t mostCandidatesPerVariant = mostCandidates + perturbationCount;
+inline constexpr std::size_t maxVariants = 8;
+inline constexpr std::size_t maxCandidatesPerVariant = maxCandidates + perturbationCount;
 
 /// Candidates refined so far in one visit and mode, under all variants of the neighbours' modes.
 class RefinedCandidates {
@@ -38,9 +38,9 @@ private:
     bool contains(const ColourPair& pair) const;
     void refine(const Candidate& candidate, std::uint32_t iterations, CachedEvaluator& evaluator);
 
-    std::array<Candidate, mostVariants * mostCandidatesPerVariant> refined;
+    std::array<Candidate, maxVariants * maxCandidatesPerVariant> refined;
     std::size_t refinedCount = 0;
-    std::array<ColourPair, mostCandidatesPerVariant> unrefined;  ///< of the variant at hand, before refinement
+    std::array<ColourPair, maxCandidatesPerVariant> unrefined;  ///< of the current variant, before refinement
     std::size_t unrefinedCount = 0;
 };
 

@@ -4,7 +4,7 @@
 #include "moktc/amtc/refinement/candidate_refinement.h"
 
 /// @file
-/// What a thread does at one block of the grid.
+/// The visits of a thread to one block of the grid.
 
 namespace moktexture::amtc {
 

@@ -1,7 +1,7 @@
 // Axis search: the pair of colours whose four levels fit the pixels of a footprint along an axis.
 //
 // Problem   Given the axis along which the pixels spread, find the two ends such that the levels 0, 3/8, 5/8 and 1 between them
-//           are near the pixels. The pixels decide for a level each, and the ends depend on these decisions.
+//           are near the pixels. Each pixel chooses one level, and the ends depend on these choices.
 // Idea      Projected on the axis, pixels are weighted numbers, and the problem is a one-dimensional k-means with four centres
 //           that two numbers determine. A Lloyd iteration alternates: assign every position to its nearest level; then move the
 //           ends to the linear regression of the positions over the fractions of their levels. It finds a local minimum only, so
@@ -39,7 +39,7 @@ namespace {
 
 // More sweeps let slow starts converge, and more failures let the error rise for longer before the best ends are taken; both cost
 // time where ends keep moving. The bytes depend on both.
-constexpr int mostSweeps = 20, mostFailures = 3;
+constexpr int maxSweeps = 20, maxFailures = 3;
 /// Points over the range whose pairs are starts. More of them find better minima; time grows with their square. The bytes depend
 /// on it.
 constexpr int startPoints = 8;
@@ -105,7 +105,7 @@ struct WeightedPixel {
 
 struct WeightedPixels {
     std::size_t count;
-    std::array<WeightedPixel, mostFootprintPixels> pixels;
+    std::array<WeightedPixel, maxFootprintPixels> pixels;
 };
 
 /// Gathers the pixels with a weight, sorted along the axis; equal positions stay in raster order.
@@ -234,7 +234,7 @@ const LevelFit& RegressionCache::fitAfter(const SortedPositions& sorted, const P
 LevelFit FitFourLevels(const SortedPositions& sorted, double low, double high, RegressionCache& cache) {
     if (low > high) std::swap(low, high);
     LevelFit fit = placeLevels(sorted, low, high), best = fit;
-    for (int sweep = 0, failures = 0; sweep < mostSweeps; ++sweep) {
+    for (int sweep = 0, failures = 0; sweep < maxSweeps; ++sweep) {
         const LevelFit& next = cache.fitAfter(sorted, fit.partition);
         // Kept (unmoved-ends-are-the-fit): ends that no longer move are the result, even if ends met before had a smaller error;
         // a regression that was clamped to the range leads away from them. `fitFromManyStarts` compares these errors: the best
@@ -243,7 +243,7 @@ LevelFit FitFourLevels(const SortedPositions& sorted, double low, double high, R
         if (sweep == 0 || fit.error < best.error) {
             best = fit;
             failures = 0;
-        } else if (++failures > mostFailures) {
+        } else if (++failures > maxFailures) {
             break;
         }
         fit = next;
@@ -256,7 +256,7 @@ ColourPair FindAxisEndpoints(const AmtcLevelSettings& settings, bool isPunchThro
     WeightedPixels pixels;
     collectPixels(settings, isPunchThrough, footprint, sharpKernel, axis, pixels);
     const ColourEnds ends = findEnds(pixels);
-    // Kept (axis-pair-ignores-punch-through): the pair is quantised as for a block without holes also where it is for a
+    // Kept (axis-pair-ignores-punch-through): the pair is quantised as for a block without punch-through, also if it is for a
     // punch-through block, whose middle level lies at 1/2. The first candidate of such a block depends on it, and with it the
     // block's bytes.
     return QuantiseColourPair(settings.generation(), false, ends.a, ends.b);

@@ -18,8 +18,8 @@ struct PositionSums {
 /// The pixels of a footprint along an axis: `count` positions in ascending order, and their prefix sums.
 struct SortedPositions {
     std::size_t count;
-    std::array<double, mostFootprintPixels> positions;
-    std::array<PositionSums, mostFootprintPixels + 1> before;  ///< entry i: the sums over the first i positions
+    std::array<double, maxFootprintPixels> positions;
+    std::array<PositionSums, maxFootprintPixels + 1> before;  ///< entry i: the sums over the first i positions
 
     double lowest() const { return positions[0]; }
     double highest() const { return positions[count - 1]; }

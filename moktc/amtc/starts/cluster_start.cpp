@@ -1,7 +1,7 @@
 // Cluster start: colours that represent the middle of a footprint, for the corner palette.
 //
 // Problem   Most pixels of a corner-palette block show one of the colours that four neighbouring blocks store, without
-//           interpolation. Its block should hold two colours that are frequent around, which need not lie on one line.
+//           interpolation. Its block should hold two colours that are frequent nearby, which need not lie on one line.
 // Idea      Adaptive k-means on the pixels of a disc around the centre: begin with two clusters, and add one where a pixel is
 //           represented badly. Pairs of the largest clusters are the candidates.
 //
@@ -12,7 +12,7 @@
 //         move the clusters to the means of their pixels
 //         if remaining is even and there are fewer than 5 clusters: add one at the farthest pixel
 //     candidates: clusters (0,1), (0,2), (0,3), (1,2), (0,4), (1,3), ... as A and B, up to four; then the same pairs with the
-//     clusters exchanged, if there is room. Each cluster is quantised to the bits of the colour that it becomes.
+//     clusters exchanged, if there is space. Each cluster is quantised to the bits of the colour that it becomes.
 //
 // It ends after 11 steps at most. A step costs 37 pixels by at most 5 distances; nothing is allocated. Every second step adds no
 // cluster, so that the clusters move to their pixels before the next one is added.
@@ -57,7 +57,7 @@ using DiscColours = std::array<std::uint32_t, discPixels>;
 
 // More clusters and more steps represent rare colours better; time grows with both. The candidates use
 // the four largest clusters at most; a fifth keeps rare colours out of their means. The bytes depend on these constants.
-constexpr std::size_t mostClusters = 5;
+constexpr std::size_t maxClusters = 5;
 constexpr int clusterSteps = 11;
 /// Squared distance from its cluster's mean up to which a pixel counts as represented: 6 in one channel. A smaller value adds
 /// clusters for noise, a larger one misses colours.
@@ -72,7 +72,7 @@ struct Cluster {
 
 struct Clusters {
     std::size_t count = 0;
-    std::array<Cluster, mostClusters> list{};
+    std::array<Cluster, maxClusters> list{};
 };
 
 /// From this alpha on a centre is opaque. A lower value gives nearly opaque clusters more colour bits, a higher one keeps their
@@ -194,7 +194,7 @@ Clusters findClusters(const DiscColours& colours, const ColourVector& axis) {
         if (isLast) sortByCount(clusters);
         updateCentres(clusters);
         if (isLast) return clusters;
-        if (remaining % 2 == 0 && clusters.count < mostClusters) addCluster(clusters, farthest.colour);
+        if (remaining % 2 == 0 && clusters.count < maxClusters) addCluster(clusters, farthest.colour);
     }
 }
 
@@ -204,14 +204,14 @@ struct ClusterPair {
 
 struct ClusterPairs {
     std::size_t count = 0;
-    std::array<ClusterPair, mostCandidates> list{};
+    std::array<ClusterPair, maxCandidates> list{};
 };
 
 /// Pairs of clusters by ascending sum of their indices, so that those of large clusters come first.
 ClusterPairs pairsOfLargeClusters(std::size_t clusterCount) {
     ClusterPairs pairs;
     for (std::size_t sum = 1; sum <= 2 * clusterCount; ++sum) {
-        for (std::size_t i = 0; 2 * i < sum && pairs.count < mostCandidates; ++i) {
+        for (std::size_t i = 0; 2 * i < sum && pairs.count < maxCandidates; ++i) {
             if (sum - i < clusterCount) pairs.list[pairs.count++] = {i, sum - i};
         }
     }
@@ -229,7 +229,7 @@ void ClusterStart(const ColourVector& axis, const Footprint& footprint, RepStart
     const ClusterPairs pairs = pairsOfLargeClusters(clusters.count);
     std::size_t count = 0;
     const auto addCandidate = [&](std::size_t a, std::size_t b) {
-        if (count < mostCandidates) start.candidates[count++] = {clusters.list[a].stored.a, clusters.list[b].stored.b};
+        if (count < maxCandidates) start.candidates[count++] = {clusters.list[a].stored.a, clusters.list[b].stored.b};
     };
     for (std::size_t i = 0; i < pairs.count; ++i)
         addCandidate(pairs.list[i].first, pairs.list[i].second);

@@ -6,8 +6,9 @@
 //               opaque A  5  5  4    -      translucent A  4  4  3  even 4-bit values
 //               opaque B  5  5  5    -      translucent B  4  4  4  even ones, odd ones in the second generation
 //
-//           Rounding each colour by itself is right for colours far apart. For close ones it is not: both may round to the same
-//           code, and the levels between A and B, which could come nearer to the target colours than any code does, collapse.
+//           Rounding each colour independently is right for colours far apart. For close ones it is not: both may round to the
+//           same code, and the levels between A and B, which could come nearer to the target colours than any code does,
+//           collapse.
 // Idea      Three regimes by the squared distance of the target colours over the four channels:
 //
 //               below 3     the colours are the same after rounding: a pair one of whose blends hits that colour
@@ -41,7 +42,7 @@ constexpr float closeColourDistance = 64;
 /// keeps more of their alpha.
 constexpr float lowestOpaqueAlpha = 253;
 
-constexpr std::uint32_t fewestBits = 3, mostBits = 5;
+constexpr std::uint32_t fewestBits = 3, maxBits = 5;
 
 /// The rounding of the values from one integer up to the next: to `lower` below the threshold, to `upper` above it, to either on
 /// it.
@@ -68,8 +69,8 @@ constexpr RoundingSteps makeRoundingSteps(std::uint32_t bits) {
 }
 
 /// Entry 0 is for 3 bits.
-constexpr std::array<RoundingSteps, mostBits - fewestBits + 1> roundingSteps = {makeRoundingSteps(3), makeRoundingSteps(4),
-                                                                                makeRoundingSteps(5)};
+constexpr std::array<RoundingSteps, maxBits - fewestBits + 1> roundingSteps = {makeRoundingSteps(3), makeRoundingSteps(4),
+                                                                               makeRoundingSteps(5)};
 
 inline std::uint32_t quantise(float value, std::uint32_t bits, bool preferUpper) {
     if (!(value > 0)) return 0;

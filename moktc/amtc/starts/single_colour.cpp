@@ -1,12 +1,12 @@
 // Single colours: a pair of storable colours one of whose blends hits one colour.
 //
-// Problem   A flat area has one colour of 8 bits a channel, while a block stores 3 to 5 bits a channel. The nearest code misses
-//           the colour by up to 4 at 5 bits, 12 at 4 and 20 at 3. The blends of two different codes lie between the codes.
+// Problem   A flat area has one colour of 8 bits per channel, while a block stores 3 to 5 bits per channel. The nearest code
+//           misses the colour by up to 4 at 5 bits, 12 at 4 and 20 at 3. The blends of two different codes lie between the codes.
 // Idea      For each target byte and each position on the way from A to B, tables hold the pair of codes whose blend is nearest.
 //           All channels of a block share the position, so that a colour takes the option with the smallest sum of errors over
 //           the channels.
 //
-// Tables    For two depths and a position of `weight` eighths, at compile time:
+// Tables    For two bit depths and an interpolation weight of 0 to 8, at compile time:
 //
 //     for each value a of A, for each value b of B from a up to `reach` steps of A above it:
 //         the pair produces the byte (a (8 - weight) + b weight) / 8, rounded down; of several pairs for a byte the closest
@@ -77,10 +77,10 @@ struct ValuePair {
     int a = 0, b = 0, span = 256;  ///< a span of 256 means that there is no pair
 };
 
-/// By byte: the pair that blends to it.
+/// Indexed by byte: the pair that blends to it.
 using PairsByBlend = std::array<ValuePair, 256>;
 
-/// The pairs by the byte that they give at `weight` eighths of the way from A to B.
+/// The pairs, indexed by the byte that they produce at interpolation weight `weight` (0 to 8) from A to B.
 constexpr PairsByBlend blendPairs(const Values& valuesA, const Values& valuesB, int weight, std::size_t reach) {
     PairsByBlend pairs{};
     // Kept (single-colour-pairs-limited): A is at most B, B is within reach, and the blend is truncated, not rounded. Another
@@ -150,7 +150,7 @@ constexpr SingleColourRow opaqueAlphaRow = [] {
 /// The rows of a target colour, by channel.
 using ColourRows = std::array<const SingleColourRow*, channelCount>;
 
-/// The least alpha of a target that is matched as opaque. A lower value gives nearly opaque areas more colour bits, a higher one
+/// The lowest alpha of a target that is matched as opaque. A lower value gives nearly opaque areas more colour bits, a higher one
 /// keeps more of their alpha.
 constexpr std::uint32_t lowestOpaqueTarget = 248;
 

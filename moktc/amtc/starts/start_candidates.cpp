@@ -90,7 +90,7 @@ void startFromLine(const StartInput& input, bool isPunchThrough, const Rep& axis
 /// The representatives that one start uses.
 struct StartReps {
     const Rep& pixels;  ///< what the candidates are to show
-    const Rep& axis;    ///< its first axis is the line along which they are sought
+    const Rep& axis;    ///< its first axis is the line along which they are searched
     const Rep& bounds;  ///< to which the refinement will clamp
 };
 
@@ -104,7 +104,7 @@ RepStart RepFromAxis(const StartInput& input, bool isPunchThrough, const StartRe
     return start;
 }
 
-/// The start of the modes that upscale the colours and punch no holes.
+/// The start of the modes that upscale the colours and have no punch-through pixels.
 RepStart startOfSmoothModes(const StartInput& input, const BlockRecord& block) {
     const Rep& axes = axesOfSmoothModes(block);
     return RepFromAxis(input, false, {block.reps[wholeRep], axes, axes});
@@ -151,7 +151,7 @@ RepStart makeStart(std::uint32_t mode, const BlockRecord& block, const StartInpu
 std::uint32_t startingRegionMode(const AmtcLevelSettings& settings, bool transparentInCentre) {
     if (settings.bitsPerPixel == 1) {
         // Kept (first-mode-aborts-at-1bpp): this rate was never finished. `ListRegionModes` aborts before with a message of its
-        // own; a caller that comes here directly finds this message in its log.
+        // own; a caller that calls this directly finds this message in its log.
         std::fputs("Exiting - 1bpp not yet implemented (SetUpStandardRepStarts)!\n", stderr);
         std::abort();
     }

@@ -145,7 +145,7 @@ TEST(AmtcVisits, KeepTheBestCandidatesInOrderAndRecordChanges) {
                     hasChanged |= record.candidates[0].colours() != before.repStarts[mode].candidates[0].colours();
                     EXPECT_GE(record.candidates[0].error, block.best().error + (mode < block.bestMode)) << "earlier modes win";
                     ASSERT_GE(record.count, 1u);
-                    ASSERT_LE(record.count, mostCandidates);
+                    ASSERT_LE(record.count, maxCandidates);
                     for (std::size_t i = 1; i < record.count; ++i) {
                         EXPECT_LE(record.candidates[i - 1].error, record.candidates[i].error);
                         EXPECT_NE(record.candidates[i - 1].colours(), record.candidates[i].colours());
@@ -217,7 +217,7 @@ TEST(AmtcVisits, AddNewPerturbedPairsAndKeepDuplicatesThatAreNotAdjacent) {
     CachedEvaluator evaluator(region, {}, level.space->pairCache);
     RefinedCandidates refined;
     refined.addVariant(record, perturbed, 0, evaluator);  // no evaluation: all keep their colours and their order
-    EXPECT_FALSE(refined.storeBest(record, mostCandidates));
+    EXPECT_FALSE(refined.storeBest(record, maxCandidates));
     EXPECT_EQ(record.candidates[2].colours(), blackAndWhite.colours());
     EXPECT_EQ(record.candidates[3].colours(), perturbed.begin()[1].colours());
 }

@@ -45,7 +45,7 @@ constexpr std::string_view firstBytes[] = {
 // clang-format on
 
 /// "a", "a or b", "a, b or c".
-std::string joinChoices(const std::vector<std::string>& choices) {
+std::string joinAlternatives(const std::vector<std::string>& choices) {
     std::string text;
     for (std::size_t i = 0; i < choices.size(); ++i)
         text += (i == 0 ? "" : i + 1 < choices.size() ? ", " : " or ") + choices[i];
@@ -73,7 +73,7 @@ void requireContainer(const CMOKTextureHeader& header, const std::string& path) 
         if (extension == wanted) return;
         able.push_back(extension);
     }
-    const std::string remedy = "use " + joinChoices(able) + ", or a --format that 'moktex formats --api' has numbers for";
+    const std::string remedy = "use " + joinAlternatives(able) + ", or a --format that 'moktex formats --api' has numbers for";
     throw Failure(ExitStatus::notSupported, path, wanted + " files cannot hold " + formText(header) + "; " + remedy);
 }
 
@@ -94,7 +94,7 @@ void requireLegacy(const CMOKTextureHeader& header, const std::string& path, ELe
     }
     throw Failure(ExitStatus::notSupported, path,
                   "--legacy " + wantedName + " files cannot hold " + formText(header) +
-                      (able.empty() ? "; " : "; use --legacy " + joinChoices(able) + ", or ") + "leave out --legacy");
+                      (able.empty() ? "; " : "; use --legacy " + joinAlternatives(able) + ", or ") + "leave out --legacy");
 }
 
 /// Red, green and blue of a texture of one uncompressed pixel.

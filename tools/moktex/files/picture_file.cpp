@@ -38,7 +38,7 @@ namespace moktextool {
 
 namespace {
 
-/// A picture above this would need gigabytes before anything can be said about it.
+/// A picture above this would need gigabytes before it can be validated.
 constexpr std::uint64_t maxPixels = std::uint64_t{1} << 28;
 
 template <class T>

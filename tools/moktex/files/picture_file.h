@@ -10,7 +10,7 @@ namespace moktextool {
 
 /// Whether a path ends like a PNG, JPEG, TGA, BMP or HDR file.
 bool hasPictureExtension(const std::string& path);
-/// Whether `bytes` are such a file, judged by their header.
+/// Whether `bytes` are such a file, by their header.
 bool looksLikePicture(std::span<const unsigned char> bytes);
 
 /// Decodes a picture file: to sRGB RGBA8, a 16-bit PNG to sRGB RGBA16, HDR to linear float RGBA.

@@ -189,7 +189,7 @@ TextureFormat operandFormat(const Conversion& conversion, OperandFormat wanted) 
     return unit == 255 ? rgba8Format : unit == 65535 ? rgba16Format : rgbaFloatFormat;
 }
 
-void bringTo(Conversion& conversion, OperandFormat format) {
+void convertForOperation(Conversion& conversion, OperandFormat format) {
     CMOKTexture& texture = conversion.texture;
     decodeBlocks(texture, conversion.name);
     changeFormat(texture, {operandFormat(conversion, format), texture.getColourSpace()}, conversion.name, conversion.console);
@@ -245,12 +245,12 @@ void noteLosses(const Conversion& conversion) {
 void operate(Conversion& conversion) {
     noteLosses(conversion);
     if (conversion.resizes()) {
-        bringTo(conversion, OperandFormat::exact);
+        convertForOperation(conversion, OperandFormat::exact);
         resize(conversion);
     }
     for (std::size_t i = 0; i < conversion.operations.size(); ++i) {
         const ImageOperation& operation = *conversion.request.operations[i];
-        bringTo(conversion, operation.operandFormat());
+        convertForOperation(conversion, operation.operandFormat());
         require(operation.apply(conversion.texture, conversion.operations[i]), conversion.name, operation.text);
     }
 }
