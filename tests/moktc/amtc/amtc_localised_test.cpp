@@ -57,6 +57,26 @@ TEST(AmtcCompressImageLevels, EncodesEveryMIPLevelOfAChain) {
     }
 }
 
+// The digests were taken from this encoder: its output may not change from one build to the next.
+TEST(AmtcCompressImageLevels, EncodesAllKindsOfImagesToTheSameBlocks) {
+    // clang-format off
+    const struct { std::uint32_t bits, generation, quality; std::uint64_t digest; } cases[] = {
+     // bpp, generation, quality, digest
+        {4, 0, 1, 0xe8620fc620841702}, {4, 0, 3, 0xc8f1153aff8072b8}, {4, 1, 0, 0x35c7f6bbdffc7fa8},
+        {4, 1, 2, 0x06a6bbe889216d2f}, {4, 1, 4, 0x47f244cab5932932}, {2, 0, 0, 0x773d2882269c761c},
+        {2, 0, 2, 0xa540251711cf685e}, {2, 1, 1, 0x32f1f9c721da38ba}, {2, 1, 3, 0x45093d61196969b3}};
+    // clang-format on
+    for (const auto& [bits, generation, quality, digest] : cases) {
+        Bytes pixels(32 * 8 * 4, 100);  // a flat image above one of each kind
+        for (const Kind kind : testimages::allKinds) {
+            const Bytes image = testimages::make(kind, 32, 8);
+            pixels.insert(pixels.end(), image.begin(), image.end());
+        }
+        const Bytes blocks = encoded({32, 56, pixels}, {.bits = bits, .generation = generation, .quality = quality});
+        EXPECT_EQ(testimages::digest(blocks), digest) << std::hex << testimages::digest(blocks);
+    }
+}
+
 TEST(AmtcCompressImageLevels, EncodesTwoImagesAtOnce) {
     const Map maps[] = {{40, 28, testimages::make(Kind::cutOut, 40, 28)}, {32, 64, testimages::make(Kind::edges, 32, 64)}};
     const Request request{.generation = 1, .quality = 1};

@@ -67,18 +67,6 @@ TEST(AmtcQuantiser, ChannelsRoundToTheNearestCodeAndTiesToThePreferredOne) {
     }
 }
 
-TEST(AmtcQuantiser, AlphaRoundsToTheNearestStorableValue) {
-    constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
-    // clang-format off
-    const std::tuple<float, std::uint32_t, std::uint32_t> cases[] = {  // value, low bit, expected
-        {   -3, 1,   0}, {16.99f, 0,   0}, {   17, 0,  34}, {246.49f, 0, 238}, {246.5f, 0, 255}, {       300, 0, 255}, {notANumber, 0, 0},
-        {    0, 1,   0}, { 0.01f, 1,  17}, {33.9f, 1,  17}, {     34, 1,  51}, {237.9f, 1, 221}, {254.99998f, 1, 255}, {notANumber, 1, 0},
-    };
-    // clang-format on
-    for (const auto& [value, lowBit, expected] : cases)
-        EXPECT_EQ(QuantiseAlpha(value, lowBit), expected) << value << " low bit " << lowBit;
-}
-
 TEST(AmtcQuantiser, SingleColourTablesHoldTheKnownRows) {
     constexpr const SingleColourTables& tables = singleColourTables;
     const struct {
@@ -97,26 +85,6 @@ TEST(AmtcQuantiser, SingleColourTablesHoldTheKnownRows) {
     // clang-format on
     for (const auto& row : rows)
         EXPECT_EQ(std::memcmp(&row.table[row.target], row.options, sizeof row.options), 0) << row.target;
-}
-
-TEST(AmtcQuantiser, SingleColoursTakeTheOptionWithTheSmallestErrorOverAllChannels) {
-    const struct {
-        std::uint32_t colour;
-        AmtcPair expected[4];  ///< wide, narrow, then the same for punch-through
-        // clang-format off
-    } cases[] = {
-        {0xff646464, {{0xff635a5a, 0xff636b6b}, {0xff636363, 0xff636363}, {0xff636363, 0xff636363}, {0xff636363, 0xff636363}}},
-        {0xffc8c8c8, {{0xffbdbdbd, 0xffcecece}, {0xffbdc6c6, 0xffcec6c6}, {0xffbdbdbd, 0xffd6d6d6}, {0xffcec6c6, 0xffc6c6c6}}},
-        {0x80808080, {{0x666b7373, 0x998c8c8c}, {0x666b7373, 0x778c8c8c}, {0x666b7373, 0x999c8c8c}, {0x886b7373, 0x998c8c8c}}},
-        {0x78503c28, {{0x444a3121, 0x99524231}, {0x664a3121, 0x77524231}, {0x664a3121, 0x99524231}, {0x664a4221, 0x77524221}}},
-    };
-    // clang-format on
-    for (const auto& test : cases) {
-        Swappable swappable{};
-        for (std::size_t i = 0; i < 4; ++i)
-            EXPECT_EQ(SingleColourMatch(test.colour, i >= 2, Generation::second, i % 2 != 0, swappable), test.expected[i])
-                << test.colour << i;
-    }
 }
 
 TEST(AmtcQuantiser, AnOpaqueBBesideATranslucentAGetsItsOwnDepths) {

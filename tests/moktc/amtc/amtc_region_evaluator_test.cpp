@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 #include "moktc/amtc/evaluation/region_evaluator.h"
@@ -19,16 +18,12 @@ public:
     RandomScenes(std::uint32_t bitsPerPixel, std::uint32_t generation, std::uint64_t seed)
         : settings(makeLevelSettings(64, 64, {Rate(bitsPerPixel), Generation(generation - 1)})), random(seed) {}
 
-    std::uint32_t randomMode() {
-        RegionModeList modes;
-        return modes[random.below(ListRegionModes(settings, true, modes))];
-    }
-
     BlendTable randomTable() {
+        RegionModeList modes;
+        const std::uint32_t count = ListRegionModes(settings, true, modes), common = random.below(count);
+        const auto mode = [&] { return modes[random.below(2) == 0 ? common : random.below(count)]; };
         std::array<BlockRecord, 9> blocks{};
         Neighbourhood neighbours;
-        const std::uint32_t commonMode = randomMode();
-        const auto mode = [&] { return random.below(2) == 0 ? commonMode : randomMode(); };
         for (std::size_t i = 0; i < blocks.size(); ++i) {
             blocks[i].bestMode = mode();
             neighbours[i] = &blocks[i];
@@ -47,10 +42,8 @@ public:
     Footprint randomFootprint() {
         Footprint footprint{};
         const std::uint32_t kind = random.below(7), base = random.next(), other = random.next();
-        for (std::size_t i = 0; i < settings.footprintPixels(); ++i) {
-            const std::size_t x = i % settings.footprintWidth, y = i / settings.footprintWidth;
-            footprint[i] = kind < 6 ? randomPixel(kind, base) : (x * 2 + y > 12 ? base : other);
-        }
+        for (std::uint32_t i = 0; i < settings.footprintPixels(); ++i)
+            footprint[i] = kind < 6 ? randomPixel(kind, base) : (i % settings.footprintWidth < 6 ? base : other);
         return footprint;
     }
 
