@@ -13,13 +13,12 @@ namespace {
 
 using Pixels = std::array<std::uint32_t, 16>;
 
-using Words = std::array<std::uint64_t, 2>;  // alpha block, 0 in mode 1; colour block
-
-Words encode(const Pixels& pixels, DXTMode mode) {
+/// The alpha block, which mode 1 does not have, and the colour block.
+std::vector<std::uint64_t> encode(const Pixels& pixels, DXTMode mode) {
     const std::uint32_t edge = 4;
-    std::vector<std::uint64_t> block(mode == 1 ? 1 : 2);
-    CompressDXTn(pixels.data(), block.data(), &edge, &edge, &mode);
-    return {mode == 1 ? 0 : block[0], block.back()};
+    std::vector<std::uint64_t> words(mode == 1 ? 1 : 2);
+    CompressDXTn(pixels.data(), words.data(), &edge, &edge, &mode);
+    return words;
 }
 
 constexpr std::uint32_t grey(std::uint32_t level, std::uint32_t alpha = 255) {
@@ -55,8 +54,7 @@ Pixels insideOneStep() {
     return {o, o, r, o, o, o, o, g, o, o, o, b, o, o, o, o};
 }
 
-constexpr std::uint32_t dark = 0xFF563412;  // 0x11AA in 5-6-5 form
-constexpr std::uint32_t black = 0xFF000000, white = 0xFFFFFFFF;
+constexpr std::uint32_t dark = 0xFF563412, black = 0xFF000000, white = 0xFFFFFFFF;  // dark is 0x11AA in 5-6-5 form
 
 }  // namespace
 
@@ -65,60 +63,37 @@ TEST(DXTnEncoder, EncodesTheColoursOfHandWorkedBlocks) {
     const struct { const char* name; Pixels pixels; std::uint64_t inMode1, inOthers; } cases[] = {
         //                                                                  indices  c1  c0     indices  c1  c0
         {"one colour",              checked(dark, dark),                    0x00000000000011AA, 0x00000000000011AA},
-        {"one colour, black",       checked(black, black),                  0x0000000000000000, 0x0000000000000000},
         {"one colour after 5-6-5",  checked(dark, 0xFF573517),              0x00000000000011AA, 0x00000000000011AA},
         {"one colour, cut-out",     withAlpha(checked(dark, dark), 5, 0),   0x55555D5511AA0000, 0x00000000000011AA},
         {"black, cut-out",          withAlpha(checked(black, black), 0, 0), 0x5555555700000000, 0x0000000000000000},
-        {"one colour, alpha 1",     withAlpha(checked(dark, dark), 5, 1),   0x00000000000011AA, 0x00000000000011AA},
         {"two colours",             checked(dark, white),                   0x1111111111AAFFFF, 0x1111111111AAFFFF},
-        {"two, the other way",      checked(white, dark),                   0x4444444411AAFFFF, 0x4444444411AAFFFF},
-        {"two, first cut out",      withAlpha(checked(dark, white), 0, 0),  0x44444447FFFF11AA, 0x1111111111AAFFFF},
         {"two, last cut out",       withAlpha(checked(white, dark), 15, 0), 0xD1111111FFFF11AA, 0x4444444411AAFFFF},
         {"two, one all cut out",    checked(dark, white & 0xFFFFFF),        0xCCCCCCCCFFFF11AA, 0x1111111111AAFFFF},
         {"along the axis",          greyRows(),                             0x00AAFF552124E73C, 0x00AAFF552124E73C},
-        {"along the axis, cut out", withAlpha(greyRows(), 15, 0),           0xD5AAAA00E73C2124, 0x00AAFF552124E73C},
-        {"no axis",                 acrossTheStartAxis(),                 0x00000000632C632C, 0x00000000632C632C}};
+        {"transparent row counts",  greyRows(0),                            0xFFAAAA00E73C2124, 0x00AAFF552124E73C},
+        {"no axis",                 acrossTheStartAxis(),                   0x00000000632C632C, 0x00000000632C632C},
+        // Transparency is lost where both endpoints are equal.
+        {"no axis, cut-out",        withAlpha(acrossTheStartAxis(), 3, 0),  0x00000000632C632C, 0x00000000632C632C},
+        {"in a step",               insideOneStep(),                        0x0000000000000000, 0x0000000000000000},
+        {"in a step, cut-out",      withAlpha(insideOneStep(), 0, 0),       0x0000000000000000, 0x0000000000000000}};
     // clang-format on
     for (const auto& row : cases) {
-        EXPECT_EQ(encode(row.pixels, 1)[1], row.inMode1) << row.name;
+        EXPECT_EQ(encode(row.pixels, 1)[0], row.inMode1) << row.name;
         for (DXTMode mode = 2; mode <= 5; ++mode)
             EXPECT_EQ(encode(row.pixels, mode)[1], row.inOthers) << row.name << ", mode " << mode;
     }
 }
 
-TEST(DXTnEncoder, LosesTransparencyWhereBothEndpointsAreEqual) {
-    EXPECT_EQ(encode(insideOneStep(), 1)[1], 0u);
-    EXPECT_EQ(encode(withAlpha(insideOneStep(), 0, 0), 1)[1], 0u);
-    EXPECT_EQ(encode(withAlpha(acrossTheStartAxis(), 3, 0), 1)[1], 0x00000000632C632Cu);
-}
-
-TEST(DXTnEncoder, LetsTransparentPixelsPullTheEndpoints) {
-    EXPECT_EQ(encode(greyRows(0), 1)[1], 0xFFAAAA00E73C2124u);  // c1 is the transparent row's colour
-}
-
-TEST(DXTnEncoder, TruncatesExplicitAlpha) {
-    Pixels pixels;
-    for (std::uint32_t pixel = 0; pixel < 16; ++pixel)
-        pixels[pixel] = grey(9, pixel * 16 + (pixel % 2 != 0 ? 15 : 8));
-    for (const DXTMode mode : {2u, 3u})
-        EXPECT_EQ(encode(pixels, mode)[0], 0xFEDCBA9876543210u) << mode;
-}
-
-TEST(DXTnEncoder, InterpolatesAlpha) {
-    // clang-format off
-    const struct { std::uint32_t alphas[16]; std::uint64_t indices; std::uint64_t ends; } cases[] = {
-        // Alphas; indices in octal, the last pixel's first; endpoints. Values beside halves, then on halves.
-        {{0, 18, 19, 54, 55, 91, 92, 127, 128, 163, 164, 200, 201, 236, 237, 255}, 0022334455667711, 0x00FF},
-        {{100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 113, 114, 114}, 0002233445566771, 0x6472},
-        {{3, 3, 3, 3, 3, 3, 4, 3, 3, 3, 3, 3, 3, 3, 3, 3}, 01111111110111111, 0x0304},
-        {{77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77, 77}, 0, 0x4D4D}};
-    // clang-format on
-    for (const auto& row : cases) {
-        Pixels pixels;
-        std::transform(row.alphas, row.alphas + 16, pixels.begin(), [](std::uint32_t alpha) { return grey(9, alpha); });
-        for (const DXTMode mode : {4u, 5u})
-            EXPECT_EQ(encode(pixels, mode)[0], row.indices << 16 | row.ends) << std::oct << row.indices;
+TEST(DXTnEncoder, TruncatesExplicitAlphaAndRoundsHalvesOfInterpolatedAlphaUp) {
+    Pixels steps, halves;
+    for (std::uint32_t pixel = 0; pixel < 16; ++pixel) {
+        steps[pixel] = grey(9, pixel * 16 + (pixel % 2 != 0 ? 15 : 8));
+        halves[pixel] = grey(9, 100 + std::min(pixel, 14u));
     }
+    for (const DXTMode mode : {2u, 3u})
+        EXPECT_EQ(encode(steps, mode)[0], 0xFEDCBA9876543210u) << mode;
+    for (const DXTMode mode : {4u, 5u})
+        EXPECT_EQ(encode(halves, mode)[0], std::uint64_t{0002233445566771} << 16 | 0x6472) << mode;
 }
 
 /// Digests by an independent implementation.

@@ -30,18 +30,16 @@ Pixels decode(const std::vector<BlockWords>& blocks, std::uint32_t width, std::u
 }  // namespace
 
 TEST(ETC1Decoder, GivesEachSubblockItsBaseColour) {
-    struct Case {
-        std::uint32_t colours;
-        std::uint32_t first, second;
-    };
+    // clang-format off
     // All indices are 0 and both tables 0, so that both colours go up by 2.
-    const Case cases[] = {
+    const struct { std::uint32_t colours, first, second; } cases[] = {
         // Colours   First subblock      Second subblock
         {0x12345600, rgba(19, 53, 87), rgba(36, 70, 104)},     // individual
         {0x84A10B02, rgba(134, 167, 10), rgba(101, 175, 35)},  // differential: -4, 1, 3
         {0x84FB0702, rgba(134, 255, 2), rgba(101, 26, 255)},   // green goes to 34 and blue to -1, and both wrap
     };
-    for (const Case& c : cases) {
+    // clang-format on
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.colours);
         const Pixels leftRight = decode({{c.colours, 0}}, 4, 4), topBottom = decode({{c.colours | 1, 0}}, 4, 4);
         for (std::size_t n = 0; n < 16; ++n) {
@@ -72,13 +70,8 @@ TEST(ETC1Decoder, SpillsPixelsBeyondTheRightEdgeIntoTheNextRow) {
     constexpr std::uint32_t A = rgba(19, 19, 19), B = rgba(53, 53, 53), C = rgba(87, 87, 87), D = rgba(121, 121, 121);
     const BlockWords a = {0x11111100, 0}, b = {0x33333300, 0}, c = {0x55555500, 0}, d = {0x77777700, 0};
     const BlockWords columns = {0x13131300, 0}, rows = {0x13131301, 0};  // subblocks A and B
-    struct Case {
-        std::vector<BlockWords> blocks;
-        std::uint32_t width, height;
-        Pixels expected;
-    };
     // clang-format off
-    const Case cases[] = {
+    const struct { std::vector<BlockWords> blocks; std::uint32_t width, height; Pixels expected; } cases[] = {
         // Blocks      Width, height, pixels
         {{a, b},       5, 4, {A, A, A, A, B,  B, B, B, A, B,  B, B, B, A, B,  B, B, B, A, B}},
         {{a, b, c, d}, 6, 5, {A, A, A, A, B, B,  B, B, A, A, B, B,  B, B, A, A, B, B,  B, B, A, A, B, B,  C, C, C, C, D, D}},
@@ -91,7 +84,7 @@ TEST(ETC1Decoder, SpillsPixelsBeyondTheRightEdgeIntoTheNextRow) {
         {{rows},       3, 4, {A, A, A,  A, A, A,  A, B, B,  B, B, B}},
     };
     // clang-format on
-    for (const Case& test : cases)
+    for (const auto& test : cases)
         EXPECT_EQ(decode(test.blocks, test.width, test.height), test.expected) << test.width << 'x' << test.height;
 }
 

@@ -31,13 +31,8 @@ Bytes twoSubblocks(std::uint32_t first, std::uint32_t second, Split split) {
 
 TEST(ETC1Encoder, WritesTheWordsWorkedByHand) {
     constexpr std::uint32_t black = 0x12000000, white = 0x80FFFFFF, grey = 0xFF646464;  // alpha is dropped
-    struct Case {
-        const char* name;
-        Bytes pixels;
-        std::array<BlockWords, 6> expected;
-    };
     // clang-format off
-    const Case cases[] = {
+    const struct { const char* name; Bytes pixels; std::array<BlockWords, 6> expected; } cases[] = {
         // Colours and indices by quality.
         // Quick: code 12 is 99, up by 2. Search: code 10 is 82, up by 18, exact; ties keep the differential mode and no flip.
         {"flat", twoSubblocks(grey, grey, Split::leftRight),
@@ -54,7 +49,7 @@ TEST(ETC1Encoder, WritesTheWordsWorkedByHand) {
               {0x686868FE, 0x3333FFFF}, {0x0505051D, 0x3333FFFF}, {0x585858FE, 0x3333FFFF}}}},
     };
     // clang-format on
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         for (std::uint32_t quality = 0; quality < 6; ++quality) {
             const BlockWords words = etc1::readWords(encode(c.pixels, 4, 4, quality).data());
             EXPECT_EQ(words.colours, c.expected[quality].colours) << c.name << ' ' << quality << std::hex << ' ' << words.colours;
@@ -64,14 +59,10 @@ TEST(ETC1Encoder, WritesTheWordsWorkedByHand) {
 }
 
 TEST(ETC1Encoder, KeepsItsBytes) {
-    struct Case {
-        std::uint32_t width, height, quality;
-        std::uint64_t digest;
-    };
     // An independent implementation gave the same. In the small images candidates are compared as they are decoded, spilled
     // pixels included.
     // clang-format off
-    const Case cases[] = {
+    const struct { std::uint32_t width, height, quality; std::uint64_t digest; } cases[] = {
         // Width, height, quality, digest
         {32, 32, 0, 0xAAEC40A8D875C0C8}, {32, 32, 1, 0x2191FFF1FDF36159}, {32, 32, 2, 0x6A6A4107171DF495},
         {32, 32, 3, 0xAC4F9880C53C4593}, {16, 16, 4, 0x683E347AB0A9649A}, {16, 16, 5, 0x742F019DB4E94F90},
@@ -81,7 +72,7 @@ TEST(ETC1Encoder, KeepsItsBytes) {
         { 3,  7, 1, 0x954FE52D40C1867C}, { 1,  5, 0, 0xED2908DEBE5877F5}, { 1,  5, 1, 0xDC0A2A04BFBFA365},
     };
     // clang-format on
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         Bytes all;
         for (const testimages::Kind kind : testimages::allKinds) {
             const Bytes blocks = encode(testimages::make(kind, c.width, c.height, 5), c.width, c.height, c.quality);

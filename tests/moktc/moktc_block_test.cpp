@@ -1,26 +1,74 @@
 #include <gtest/gtest.h>
 
-#include <string>
+#include <iterator>
+#include <set>
 
+#include "CMOKTextureHeader.h"
 #include "moktc_levels.h"
 #include "reference/modulation_grid.h"
 
+using namespace moktexture;
 using namespace moktexture::moktc;
-using moktclevels::decodeAmongEquals;
 
 namespace {
 
-constexpr std::uint32_t blackAndWhite = 0xFFFF8000;  // A opaque black, B opaque white, mode bit 0, first generation
+constexpr std::uint32_t white = 0xFFFFFFFF;                                                  // a pixel
+constexpr std::uint32_t whiteA = 0x80007FFE | opaqueABit, blackA = 0x80000000 | opaqueABit;  // colour words, first generation
+constexpr std::uint32_t allIndex1 = 0x55555555, allIndex2 = 0xAAAAAAAA;                      // modulation words
 
-/// A block's weights as digits, in raster order, read from a blend of black and white.
-std::string weightsOf(const Block& block, Rate rate) {
-    std::string digits;
-    for (const std::uint32_t pixel : decodeAmongEquals(block, {rate, Generation::first}))
-        digits += static_cast<char>('0' + ((pixel & 255) * 8 + 254) / 255);
-    return digits;
+constexpr Rate bothRates[] = {Rate::fourBpp, Rate::twoBpp};
+
+/// The level's pixels. `blocks` may be fewer than the level's; missing ones are zero.
+std::vector<std::uint32_t> decode(const Level& level, std::vector<Block> blocks) {
+    blocks.resize(level.blockCount(), {0, 0});
+    std::vector<std::uint32_t> pixels(std::size_t{level.width} * level.height, 0xDEADBEEF);
+    const std::uint32_t generation = level.variant.isSecondGeneration();
+    DecompressMOKTC(blocks.data(), pixels.data(), &level.width, &level.height, level.variant.is2bpp(), &generation);
+    return pixels;
+}
+
+/// A block's pixels where all of its neighbours are equal to it.
+std::vector<std::uint32_t> decodeAmongEquals(const Block& block, BlockVariant variant) {
+    const Level level = {blockWidth(variant.rate), blockHeight, variant};
+    return decode(level, std::vector(level.blockCount(), block));
 }
 
 }  // namespace
+
+TEST(MOKTCBlockOrder, IndicesAreUniqueAndBeyondTheGridOnlyIfASideIsNoPowerOfTwo) {
+    // The largest grids, whose indices no test of whole levels reaches.
+    EXPECT_EQ(TwiddleIndex(65536, 65536, 65535, 65535), 0xFFFFFFFF);
+    EXPECT_EQ(TwiddleIndex(32768, 131072, 0, 131071), 0xD5555555);
+    // clang-format off
+    const struct { std::uint32_t blocksX, blocksY; std::ptrdiff_t beyond; } cases[] = {
+        // columns  rows  indices beyond the grid's area
+        {  8,       8,    0},
+        {  1,       7,    0},
+        {  12,      12,   32},
+        {  3,       3,    2},
+        {  5,       7,    5}};
+    // clang-format on
+    for (const auto& [blocksX, blocksY, beyond] : cases) {
+        std::set<std::uint64_t> indices;
+        for (std::uint32_t y = 0; y < blocksY; ++y)
+            for (std::uint32_t x = 0; x < blocksX; ++x)
+                indices.insert(TwiddleIndex(blocksX, blocksY, x, y));
+        const std::uint32_t area = blocksX * blocksY;
+        EXPECT_EQ(indices.size(), area);
+        EXPECT_EQ(std::distance(indices.lower_bound(area), indices.end()), beyond) << blocksX << ' ' << blocksY;
+    }
+}
+
+TEST(MOKTCBlockOrder, LevelBlockCountAgreesWithGetDataSize) {
+    const CompressedFormatId formats[] = {eFmtMOKTC4bppRGB, eFmtMOKTC2bppRGB, eFmtMOKTCII4bpp, eFmtMOKTCII2bpp};
+    for (const std::uint32_t width : {1u, 4u, 7u, 8u, 9u, 16u, 17u, 20u, 300u, 4096u})
+        for (const std::uint32_t height : {1u, 3u, 4u, 5u, 8u, 12u, 257u})
+            for (std::size_t i = 0; i < allVariants.size(); ++i) {
+                const CMOKTextureHeader header(formats[i], height, width, 1, 1, 1, 1, eColourSpaceLinear, eVarUByteNorm, false);
+                EXPECT_EQ(levelBlockCount(width, height, allVariants[i]) * bytesPerBlock, header.getDataSize())
+                    << width << " x " << height << ", " << allVariants[i];
+            }
+}
 
 TEST(MOKTCBlock, HoldsTheColoursOfBothGenerations) {
     // clang-format off
@@ -30,8 +78,7 @@ TEST(MOKTCBlock, HoldsTheColoursOfBothGenerations) {
         {  0xFFFFFFFE, {0xFFFFFFFF, 0xFFFFFFFF}, {0xFFFFFFFF, 0xFFFFFFFF}},
         {  0x0000FC00, {0xFF0000FF, 0xEE0000CE}, {0x00000000, 0x11000000}},  // bit 15: A is opaque, or the block is flat
         {  0x83E07C1E, {0xEEFF10CE, 0xFFFF00FF}, {0xFF00FF00, 0xFF00FF00}},  // bit 31: B is opaque, or both are
-        {  0x80008002, {0xFF100000, 0xFF100000}, {0xFF000000, 0xFF000000}},  // opaque A has 4 bits of blue
-        {  0x80008010, {0xFF8C0000, 0xFF8C0000}, {0xFF000000, 0xFF000000}},
+        {  0x80008010, {0xFF8C0000, 0xFF8C0000}, {0xFF000000, 0xFF000000}},  // opaque A has 4 bits of blue
         {  0x80410000, {0x00000000, 0xFF000000}, {0xFF081000, 0xFF081000}},
         {  0x5A5A0000, {0x00000000, 0x00000000}, {0xAAAD52AD, 0xBBAD52AD}},  // low bit of B's alpha
         {  0x00005A5A, {0xAAB552AD, 0xAAB552AD}, {0x00000000, 0x11000000}}}; // translucent A has 3 bits of blue
@@ -45,44 +92,80 @@ TEST(MOKTCBlock, HoldsTheColoursOfBothGenerations) {
         }
 }
 
-TEST(MOKTCBlock, ModulationWordGivesTheWeights) {
-    // clang-format off
-    const struct { Rate rate; bool mode; std::uint32_t word; std::string weights; } cases[] = {
-        // rate            mode   word        weights of rows 0 to 3
-        {  Rate::fourBpp,  false, 0xE4E41BE4, "0358" "8530" "0358" "0358"},
-        {  Rate::fourBpp,  true,  0xE4E41BE4, "0448" "8440" "0448" "0448"},
-        {  Rate::twoBpp,   false, 0x80FF1001, "80000000" "00008000" "88888888" "00000008"},
-        {  Rate::twoBpp,   true,  0x00000002, "82000002" "20000000" "00000000" "20000000"},  // average; sample 0 is 3, not 2
-        {  Rate::twoBpp,   true,  0x00000003, "84000004" "00000000" "00000000" "00000000"},  // horizontal
-        {  Rate::twoBpp,   true,  0x00100003, "80000000" "40000000" "00000000" "40000000"},  // vertical; sample 10 loses its low bit
-        {  Rate::twoBpp,   true,  0x00300001, "00000000" "00004000" "00008000" "00004000"},
-        {  Rate::twoBpp,   true,  0x00200001, "00000000" "00000000" "00048400" "00000000"},
-        {  Rate::twoBpp,   true,  0x00200000, "00000000" "00001000" "00015100" "00001000"},
-        {  Rate::twoBpp,   true,  0x55555550, "02023332" "23233333" "33333333" "23233333"}};
-    // clang-format on
-    for (const auto& row : cases)
-        EXPECT_EQ(weightsOf({row.word, blackAndWhite | (row.mode ? modeBit : 0)}, row.rate), row.weights) << std::hex << row.word;
+TEST(MOKTCGenerations, FirstDropsPixelsBeyondWholeBlocks) {
+    for (const Rate rate : bothRates) {
+        const std::uint32_t length = blockWidth(rate);
+        const Level level = {3 * length - 1, 11, {rate, Generation::first}};
+        const auto pixels = decode(level, std::vector<Block>(level.blockCount(), {0, whiteA}));
+        for (std::uint32_t i = 0; i < pixels.size(); ++i) {
+            const bool isInside = i % level.width < 2 * length && i / level.width < 8;
+            EXPECT_EQ(pixels[i], isInside ? white : 0) << i;
+        }
+    }
 }
 
-TEST(MOKTCBlock, PackedColourKeepsTheHighBitsOfEachChannel) {
+TEST(MOKTCGenerations, SecondWrapsAtWholeBlocks) {
+    for (const Rate rate : bothRates) {
+        const std::uint32_t length = blockWidth(rate);
+        const Level level = {length + 1, 1, {rate, Generation::second}};
+        const auto pixels = decode(level, {{0, blackA & ~flatBit}, {0, whiteA & ~flatBit}});
+        EXPECT_EQ(pixels[0], 0xFF7F7F7F);  // half a block from the last block's centre
+        EXPECT_EQ(pixels[length / 2], 0xFF000000);
+        EXPECT_EQ(pixels[length], 0xFF7F7F7F);
+    }
+}
+
+TEST(MOKTCGenerations, DifferInPunchThroughPixels) {
+    constexpr BlockVariant first = {Rate::fourBpp, Generation::first}, second = {Rate::fourBpp, Generation::second};
+    const std::uint32_t colours = 0xFFFF0001;  // B opaque white; A opaque black in the second generation
+    EXPECT_EQ(decodeAmongEquals({allIndex2, colours | opaqueABit}, first)[5], 0x007F7F7Fu);
+    EXPECT_EQ(decodeAmongEquals({allIndex2, colours}, second)[5], 0u);
+    EXPECT_EQ(decodeAmongEquals({allIndex1, colours}, second)[5], 0xFF7F7F7Fu);
+}
+
+TEST(MOKTCGenerations, SecondInterpolatesUnlessTheUpperLeftBlockIsFlat) {
+    // Two columns of blocks, black and white, one of them flat. A cell between them is flat if its left block is.
+    for (const Rate rate : bothRates)
+        for (const bool isFirstFlat : {false, true}) {
+            const std::uint32_t length = blockWidth(rate), half = length / 2;
+            const std::uint32_t black = opaqueBothBit | (isFirstFlat ? flatBit : 0),
+                                light = 0xFFFF7FFE | (isFirstFlat ? 0 : flatBit);
+            const auto pixels = decode({2 * length, 4, {rate, Generation::second}}, {{0, black}, {0, light}});
+            const std::uint32_t interpolated = rate == Rate::twoBpp ? 0xFF5F5F5F : 0xFF3F3F3F;
+            EXPECT_EQ(pixels[length - 1], isFirstFlat ? 0xFF000000 : interpolated);
+            EXPECT_EQ(pixels[length], isFirstFlat ? white : 0xFF7F7F7F);
+            EXPECT_EQ(pixels[half], 0xFF000000);
+            EXPECT_EQ(pixels[0], isFirstFlat ? 0xFF7F7F7F : 0xFF000000);
+            EXPECT_EQ(pixels[length + half], white);
+        }
+}
+
+TEST(MOKTCGenerations, SecondDrawsFlatCellsFromOwnBlocksOrTheCornerPalette) {
+    // The cell between four flat blocks of one index. A of each block has red and B has green of a shade that identifies the
+    // block.
+    constexpr std::uint32_t p = 1, q = 2, r = 17, s = 18;  // upper left, upper right, lower left, lower right
     // clang-format off
-    const struct { std::uint32_t a, b, colours; } cases[] = {
-        // A          B           colour word
-        {  0xFF000000, 0xFF000000, 0x80008000},
-        {  0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFE},
-        {  0xFFF008F7, 0x00000000, 0x0000F83E},   // opaque A: blue keeps 4 bits
-        {  0xFEFF0F80, 0xFF07F808, 0x87E0780E},   // translucent A: alpha 3, red and green 4, blue 3 bits
-        {  0x00000000, 0xDFF0801F, 0x618F0000}};  // translucent B: blue keeps 4 bits
+    const struct { std::uint32_t mode, index, dx, dy, shade, weight; } cases[] = {
+        // mode     index  dx, dy  block, weight
+        {  0,       1,     1,  1,  p,     3},  // without the mode bit: blends of the pixel's own block
+        {  0,       2,     1,  3,  r,     5},
+        {  0,       3,     3,  3,  s,     8},
+        {  modeBit, 2,     0,  0,  p,     5},  // at the corner: blended, with the weights of mode 0 and no punch-through
+        {  modeBit, 0,     1,  1,  p,     0},  // elsewhere: a colour of any of the four blocks
+        {  modeBit, 2,     1,  1,  q,     0},
+        {  modeBit, 3,     1,  1,  r,     8},
+        {  modeBit, 0,     3,  1,  s,     0},
+        {  modeBit, 3,     3,  3,  q,     8}};
     // clang-format on
     for (const auto& row : cases) {
-        Block block = {0x12345678, 0};
-        packColourA(block, row.a);
-        packColourB(block, row.b);
-        EXPECT_EQ(block.colours, row.colours) << std::hex << row.a << ' ' << row.b;
-        block.colours = 0xFFFFFFFF;
-        packColourB(block, row.b);
-        packColourA(block, row.a);
-        EXPECT_EQ(block.colours, row.colours | modeBit) << std::hex << row.a << ' ' << row.b;
+        std::vector<Block> blocks;
+        for (const std::uint32_t shade : {p, q, r, s})
+            blocks.push_back({row.index * allIndex1, opaqueBothBit | shade << 21 | shade << 10 | flatBit | row.mode});
+        const auto pixels = decode({8, 8, {Rate::fourBpp, Generation::second}}, blocks);
+        const std::uint32_t shade8 = row.shade << 3 | row.shade >> 2;
+        EXPECT_EQ(pixels[(2 + row.dy) * 8 + 2 + row.dx],
+                  0xFF000000u | shade8 * (8 - row.weight) / 8 | shade8 * row.weight / 8 << 8)
+            << row.mode << ' ' << row.index << ' ' << row.dx << ' ' << row.dy;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 #include "moktc/fast/colour_fit.h"
 #include "moktc/fast/fast_kernels.h"
@@ -26,10 +27,8 @@ constexpr std::uint32_t imageKinds = 8;
 
 Images makeImages(std::uint32_t kind, Random& random) {
     Images images;
-    for (auto* image : {&images.source, &images.a, &images.b}) {
-        image->resize(rowBytes * blockHeight);
-        random.fill(*image);
-    }
+    for (auto* image : {&images.source, &images.a, &images.b})
+        *image = testimages::randomBytes(rowBytes * blockHeight, random.next());
     ModulationBlock2bpp block;
     for (std::uint32_t i = 0; i < blockArea2bpp; ++i) {
         block.directIndices[i] = static_cast<std::uint8_t>(random.below(2) * 3);
@@ -40,7 +39,7 @@ Images makeImages(std::uint32_t kind, Random& random) {
     for (std::size_t i = 0; i < images.source.size(); ++i) {
         std::uint8_t &source = images.source[i], &a = images.a[i], &b = images.b[i];
         for (std::uint8_t* value : {&source, &a, &b}) {
-            const int values[] = {*value, *value < 128 ? 0 : 255, 100 + *value % 3, *value, *value, *value, *value, 77};
+            const int v = *value, values[] = {v, v < 128 ? 0 : 255, 100 + v % 3, v, v, v, v, 77};
             *value = static_cast<std::uint8_t>(values[kind]);
         }
         if (kind >= 3 && kind < 7) {
@@ -81,24 +80,18 @@ TEST(MOKTCFastKernels, ChooseTheSameModulationInEveryMode) {
     int modes4bpp[2] = {}, modes2bpp[4] = {};
     for (std::uint32_t i = 0; i < 4000; ++i) {
         const Images images = makeImages(i % imageKinds, random);
-        ModulationBlock4bpp expected4, actual4;
-        ModulationBlock2bpp expected2, actual2;
-        if (i / imageKinds % 2 == 1) {  // factors so near that every unit of an error counts
-            for (std::uint8_t& weight : expected4.modeWeights)
-                weight = static_cast<std::uint8_t>(200 + random.below(56));
-            for (std::uint8_t& weight : expected2.modeWeights)
-                weight = static_cast<std::uint8_t>(200 + random.below(56));
-            actual4 = expected4;
-            actual2 = expected2;
-        }
-        scalar.chooseModulation4bpp(images.views(), expected4);
-        fast.chooseModulation4bpp(images.views(), actual4);
-        ASSERT_TRUE(actual4 == expected4) << i;
-        scalar.chooseModulation2bpp(images.views(), expected2);
-        fast.chooseModulation2bpp(images.views(), actual2);
-        ASSERT_TRUE(actual2 == expected2) << i;
-        ++modes4bpp[actual4.mode];
-        ++modes2bpp[actual2.mode];
+        const auto compare = [&](auto expected, auto chooseByScalar, auto chooseFast, int* modes) {
+            if (i / imageKinds % 2 == 1)  // factors so near that every unit of an error counts
+                for (std::uint8_t& weight : expected.modeWeights)
+                    weight = static_cast<std::uint8_t>(200 + random.below(56));
+            auto actual = expected;
+            chooseByScalar(images.views(), expected);
+            chooseFast(images.views(), actual);
+            ASSERT_TRUE(actual == expected) << i;
+            ++modes[actual.mode];
+        };
+        compare(ModulationBlock4bpp{}, scalar.chooseModulation4bpp, fast.chooseModulation4bpp, modes4bpp);
+        compare(ModulationBlock2bpp{}, scalar.chooseModulation2bpp, fast.chooseModulation2bpp, modes2bpp);
     }
     for (const int count : {modes4bpp[0], modes4bpp[1], modes2bpp[0], modes2bpp[1], modes2bpp[2], modes2bpp[3]})
         EXPECT_GT(count, 20);
@@ -120,12 +113,10 @@ TEST(MOKTCColourFit, MovesColoursByTheRuleOfTheBlock) {
         {  0.0f, 0.0f,    19.5f,  0.0f,  32.0f,     100, 120,   119, 120, "equal weights keep a difference below 1"}};
     // clang-format on
     for (const auto& c : cases) {
-        const auto grey = [](std::uint32_t value) { return value * 0x01010101u; };
-        const float e = c.e * 16, et = c.et * 16;
-        const ResidualSums sums = {c.t * 16, c.t2 * 16, {e, e, e, e}, {et, et, et, et}};
-        const RGBAPair fitted = fitColours(sums, {16, c.threshold}, {grey(c.oldA), grey(c.oldB)});
-        EXPECT_EQ(fitted.a, grey(c.newA)) << c.what;
-        EXPECT_EQ(fitted.b, grey(c.newB)) << c.what;
+        const ResidualSums sums = {c.t, c.t2, {c.e, c.e, c.e, c.e}, {c.et, c.et, c.et, c.et}};
+        const RGBAPair fitted = fitColours(sums, {1, c.threshold}, {c.oldA * 0x01010101, c.oldB * 0x01010101});
+        EXPECT_EQ(fitted.a, c.newA * 0x01010101) << c.what;
+        EXPECT_EQ(fitted.b, c.newB * 0x01010101) << c.what;
     }
 }
 
@@ -136,30 +127,25 @@ TEST(MOKTCModulationEstimate, UsesNeighboursInsideTheBlockOnly) {
     //   0 . 5 . 3 . 8 .
     //   . 0 . 8 . 5 . 8
     ModulationBlock2bpp block;
-    const std::array<std::uint8_t, blockArea2bpp> samples = {3, 0, 1, 0, 2, 0, 0, 0, 0, 3, 0, 0, 0, 3, 0, 3,
-                                                             0, 0, 2, 0, 1, 0, 3, 0, 0, 0, 0, 3, 0, 2, 0, 3};
-    std::ranges::copy(samples, block.sampleIndices);
+    std::ranges::copy(
+        std::to_array({3, 0, 1, 0, 2, 0, 0, 0, 0, 3, 0, 0, 0, 3, 0, 3, 0, 0, 2, 0, 1, 0, 3, 0, 0, 0, 0, 3, 0, 2, 0, 3}),
+        block.sampleIndices);
+    // The weights of rows 0 to 3 as hexadecimal digits.
     // clang-format off
-    const std::array<std::uint8_t, blockArea2bpp> expected[] = {
-        {8, 6, 3, 3, 5, 4, 0, 4,    // mode 1
-         5, 8, 4, 0, 4, 8, 6, 8,
-         0, 3, 5, 4, 3, 6, 8, 8,
-         0, 0, 4, 8, 5, 5, 7, 8},
-        {8, 10, 3, 2, 5, 10, 0, 10, // mode 2
-         5, 8, 5, 0, 5, 8, 5, 8,
-         0, 5, 5, 5, 3, 7, 8, 9,
-         2, 0, 7, 8, 5, 5, 10, 8},
-        {8, 6, 3, 4, 5, 3, 0, 1,    // mode 3
-         9, 8, 4, 0, 4, 8, 8, 8,
-         0, 3, 5, 4, 3, 6, 8, 9,
-         1, 0, 4, 8, 7, 5, 7, 8}};
+    const struct { std::uint32_t mode; std::string weights; } cases[] = {
+        // mode
+        {  1, "86335404" "58404868" "03543688" "00485578"},
+        {  2, "8A325A0A" "58505858" "05553789" "207855A8"},
+        {  3, "86345301" "98404888" "03543689" "10487578"}};
     // clang-format on
-    for (std::uint32_t mode = 1; mode <= 3; ++mode) {
-        std::array<std::uint8_t, blockArea2bpp> weights;
-        expandModulation(block, mode, weights.data());
-        EXPECT_EQ(weights, expected[mode - 1]) << "mode " << mode;
+    std::uint8_t weights[blockArea2bpp];
+    for (const auto& row : cases) {
+        expandModulation(block, row.mode, weights);
+        std::string digits;
+        for (const std::uint8_t weight : weights)
+            digits += "0123456789A"[weight];
+        EXPECT_EQ(digits, row.weights) << "mode " << row.mode;
     }
-    std::array<std::uint8_t, blockArea2bpp> weights;
-    expandModulation(block, 4, weights.data());
+    expandModulation(block, 4, weights);
     EXPECT_EQ(weights[13], 255);
 }
