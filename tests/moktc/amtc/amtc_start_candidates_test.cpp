@@ -8,6 +8,7 @@
 #include "moktc/amtc/analysis/footprint_analysis.h"
 #include "moktc/amtc/starts/axis_endpoints.h"
 #include "moktc/amtc/starts/start_candidates.h"
+#include "moktc/moktc.h"
 #include "support/test_images.h"
 
 using namespace moktexture::amtc;
@@ -118,6 +119,27 @@ TEST(AmtcClusterStart, PairsTheLargestClustersFirst) {
             pairs.push_back(start.candidates[i].colours());
         EXPECT_EQ(pairs, expected);
     }
+}
+
+/// The peak signal-to-noise ratio, over four channels, of two flat halves of 32 by 32 pixels at 4 bits per pixel of the second
+/// generation and quality 2.
+double psnrOfHalves(std::uint32_t left, std::uint32_t right) {
+    constexpr std::uint32_t side = 32, generation = 1;
+    std::array<std::uint32_t, side * side> pixels, decoded;
+    std::array<std::uint64_t, side * side / 16> blocks;
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = i % side < side / 2 ? left : right;
+    moktexture::CompressMOKTC(pixels.data(), blocks.data(), &side, &side, true, false, generation, 2);
+    moktexture::DecompressMOKTC(blocks.data(), decoded.data(), &side, &side, false, &generation);
+    double error = 0;
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        error += squaredDistance(pixels[i], decoded[i]);
+    return 10 * std::log10(255.0 * 255.0 * 4 * side * side / error);
+}
+
+TEST(AmtcClusterStart, EncodesTwoFlatHalvesWithoutAnErrorFromExchangedPairs) {
+    for (const auto& [left, right] : {ColourPair{0xff350650, 0xff46fc8a}, {0xff7c4e84, 0xffc74d0e}})
+        EXPECT_GT(psnrOfHalves(left, right), 50);  // 45 if an exchanged pair keeps colours of the other depth
 }
 
 TEST(AmtcStartCandidates, EachModeStartsFromItsRepresentative) {
