@@ -134,7 +134,7 @@ TEST(TextureMetaData, GettersReadZeroesBeyondAShortPayload) {
     CMOKTextureHeader texture = header(PixelTypeRGBA8, 4, 4, 1, 1, 6);
     MetaDataBlock withoutPayload;
     withoutPayload.fourCC = own, withoutPayload.dataSize = 8;
-    for (const MetaDataBlock& added : {withoutPayload, makeBlock({0, 0, -64, 63, 'x'}, 1, own), makeBlock("ab", 2, own),
+    for (const MetaDataBlock& added : {withoutPayload, makeBlock({0, 0, '\xC0', 63, 'x'}, 1, own), makeBlock("ab", 2, own),
                                        makeBlock("\1", 3, own), makeBlock({7, 0, 0, 0, 9}, 4, own)})
         texture.addMetaData(added);
     EXPECT_EQ(texture.getTextureAtlasData(), nullptr);

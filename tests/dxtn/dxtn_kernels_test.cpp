@@ -94,7 +94,8 @@ TEST(DXTnKernels, FastOnesEqualTheBaseline) {
         ASSERT_STREQ(kernel.name, name);
         forEachRow([&](const Bytes& image, const std::string& row) {
             for (DXTMode mode = 1; mode <= 5; ++mode)
-                ASSERT_EQ(encodeBy(kernel, image, mode), encodeBy(baseline, image, mode)) << name << ", " << row << ", " << mode;
+                ASSERT_EQ(encodeBy(kernel, image, mode), encodeBy(baseline, image, mode))
+                    << kernel.name << ", " << row << ", " << mode;
         });
     }
 }

@@ -17,8 +17,8 @@ using namespace moktexture;
 
 namespace {
 
-constexpr EMOKTVariableType unb = eVarUByteNorm, snb = eVarSByteNorm, sb = eVarSByte, uns = eVarUShortNorm, us = eVarUShort,
-                            uni = eVarUIntNorm, sni = eVarSIntNorm, si = eVarSInt, flt = eVarFloat, noType = eVarNone;
+constexpr EMOKTVariableType unb = eVarUByteNorm, snb = eVarSByteNorm, sb = eVarSByte, uns = eVarUShortNorm, uni = eVarUIntNorm,
+                            sni = eVarSIntNorm, flt = eVarFloat, noType = eVarNone;
 constexpr EMOKTColourSpace lin = eColourSpaceLinear, srgb = eColourSpaceSRGB, otherSpace = static_cast<EMOKTColourSpace>(2);
 
 /// A compressed format, or a layout written like "rgb 5.6.5".

@@ -115,8 +115,8 @@ float fixedPower(float base, float exponent) {
     // A float times a small integer is exact, so that no precision is lost in the whole part.
     const double wholePart = factor * parts.exponent;
     const double fraction = factor * logarithm2(parts.mantissa);
-    const int scale = nearestInteger(wholePart + fraction);
-    const double result = exponential2((wholePart - scale) + fraction) * powerOfTwo(scale);
+    const int wholeExponent = nearestInteger(wholePart + fraction);
+    const double result = exponential2((wholePart - wholeExponent) + fraction) * powerOfTwo(wholeExponent);
 
     constexpr double roundsToInfinity = 3.4028235677973366e38;
     return result >= roundsToInfinity ? infinity : static_cast<float>(result);

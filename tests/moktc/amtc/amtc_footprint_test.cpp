@@ -133,7 +133,8 @@ TEST(AmtcFootprintStatistics, CountTransparencyByRateAndGeneration) {
     for (const auto& [format, pixel, isTransparent, opaqueLeast] : cases) {
         const std::size_t left = format.settings.blockWidth / 2u;
         for (const std::size_t row : {1, 2}) {  // outside and inside the block
-            const BlockRecord block = format.analyse([&](auto y, auto x) { return y == row && x == left ? pixel : ground; });
+            const BlockRecord block =
+                format.analyse([&, pixel = pixel](auto y, auto x) { return y == row && x == left ? pixel : ground; });
             EXPECT_EQ(block.transparentInCentre, row == 2 ? isTransparent : 0);
             EXPECT_EQ(block.reps[opaqueRep].minColour, opaqueLeast);
         }

@@ -102,7 +102,7 @@ struct VisitedLevel : Level {
         return blocks;
     }
 
-    std::unique_ptr<VisitSpace> space = std::make_unique<VisitSpace>(blendTable);
+    std::unique_ptr<VisitSpace> space{new VisitSpace{blendTable}};
 };
 
 TEST(AmtcPasses, GiveTheBytesOfASerialWalkOnAnyNumberOfThreads) {
