@@ -4,9 +4,7 @@
 #include <string>
 
 #include "bench_pictures.h"
-#include "moktc/amtc/driver/block_passes.h"
 #include "moktc/amtc/driver/level_pipeline.h"
-#include "moktc/amtc/driver/pack_local_block.h"
 
 namespace {
 

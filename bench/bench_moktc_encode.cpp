@@ -1,9 +1,8 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_pictures.h"
-#include "moktc/fast/MOKTC2bppCompressor.h"
-#include "moktc/fast/MOKTC4bppCompressor.h"
-#include "moktc/fast/MOKTCCompressorDriver.h"
+#include "moktc/fast/MOKTCCompressor.h"
+#include "moktc/fast/fast_compressor.h"
 
 namespace {
 

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
+
+#include "core/base/image_view.h"
 
 /// @file
 /// Entry points of the MOKTC codec: one level of one image per call. Pixels are RGBA8, red in the lowest byte, rows packed.
@@ -32,3 +35,12 @@ std::uint32_t CompressMOKTC(const void* pixels, void* destination, const std::ui
                             bool hasAlpha, bool is2bpp, std::uint32_t secondGeneration, std::uint32_t quality);
 
 }  // namespace moktexture
+
+namespace moktexture::moktc {
+
+/// Copies an image, neither side 0, into the upper left corner of one of `paddedWidth * paddedHeight` packed RGBA8 pixels, and
+/// fills the rest by repeating first the last columns, then the last rows, in their order. An image smaller than the padding is
+/// repeated cyclically.
+std::vector<std::uint8_t> padByRepeating(const ConstImageView& image, std::uint32_t paddedWidth, std::uint32_t paddedHeight);
+
+}  // namespace moktexture::moktc

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstdint>
 
-#include "moktc/block/corner_palette.h"
 #include "moktc/block/moktc_block.h"
 
 /// @file

@@ -5,7 +5,7 @@
 
 #include "moktc/amtc/driver/level_images.h"
 #include "moktc/amtc/driver/level_pipeline.h"
-#include "moktc/amtc/host/amtc_progress.h"
+#include "moktc/amtc/host/front_end.h"
 
 /// @file
 /// The entry point of the slow encoder: an image and its MIP levels, one after another. Calls block until all is done; several

@@ -7,7 +7,6 @@
 
 #include "core/base/image_view.h"
 #include "moktc/block/block_variant.h"
-#include "moktc/block/corner_palette.h"
 #include "moktc/block/moktc_block.h"
 #include "moktc/decode/cell_lanes.h"
 #include "moktc/decode/cell_modulation.h"

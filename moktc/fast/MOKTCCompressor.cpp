@@ -170,4 +170,81 @@ void MOKTCCompressor::upscaleColours() {
     upscaleImage(fillCell, m_colourB, m_upscaledB);
 }
 
+// 4 bits per pixel
+
+namespace {
+
+/// A higher threshold skips more blocks that are nearly right and costs quality. The encoded bytes depend on it.
+constexpr FitSettings fitSettings4bpp = {.pixels = blockArea4bpp, .errorThreshold = 32.0f};
+
+const std::uint8_t* indicesOf(const ModulationBlock4bpp& block) {
+    return block.mode == 0 ? block.normalIndices : block.punchIndices;
+}
+
+}  // namespace
+
+MOKTC4bppCompressor::MOKTC4bppCompressor(const ConstImageView& image, const FastKernels& kernels)
+    : MOKTCCompressor(image, Rate::fourBpp, kernels), m_blocks(m_colourA.size()) {}
+
+void MOKTC4bppCompressor::chooseModulation(std::size_t index, const BlockImages& images) {
+    m_kernels.chooseModulation4bpp(images, m_blocks[index]);
+}
+
+RGBAPair MOKTC4bppCompressor::fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const {
+    // Kept (mode-1-fitted-with-mode-0-weights): blocks in mode 1 are fitted as if their indices had the weights of mode 0. The
+    // colours of every cut-out texture encoded at quality 0, and so its bytes, depend on it.
+    const std::uint8_t* const indices = indicesOf(m_blocks[index]);
+    std::array<std::uint8_t, blockArea4bpp> weights;
+    for (std::uint32_t i = 0; i < blockArea4bpp; ++i)
+        weights[i] = indexWeights[0][indices[i]];
+    ResidualSums sums;
+    m_kernels.sumResiduals(images, weights.data(), m_blockWidth, sums);
+    return fitColours(sums, fitSettings4bpp, colours);
+}
+
+Block MOKTC4bppCompressor::packModulation(std::size_t index) const {
+    const ModulationBlock4bpp& block = m_blocks[index];
+    return {packIndices(indicesOf(block)), block.mode == 0 ? 0 : modeBit};
+}
+
+// 2 bits per pixel
+
+namespace {
+
+/// A higher threshold skips more blocks that are nearly right and costs quality. The encoded bytes depend on it.
+constexpr FitSettings fitSettings2bpp = {.pixels = blockArea2bpp, .errorThreshold = 128.0f};
+
+}  // namespace
+
+MOKTC2bppCompressor::MOKTC2bppCompressor(const ConstImageView& image, const FastKernels& kernels)
+    : MOKTCCompressor(image, Rate::twoBpp, kernels), m_blocks(m_colourA.size()) {}
+
+void MOKTC2bppCompressor::initialise(bool) {
+    // Kept (2-bpp-ignores-wide-footprint): start colours always come from the block alone. Every texture encoded at 2 bpp and
+    // quality 0 would get other bytes with the wide footprint, which encodeFast() asks for at both rates.
+    MOKTCCompressor::initialise(false);
+}
+
+void MOKTC2bppCompressor::chooseModulation(std::size_t index, const BlockImages& images) {
+    m_kernels.chooseModulation2bpp(images, m_blocks[index]);
+}
+
+RGBAPair MOKTC2bppCompressor::fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const {
+    const ModulationBlock2bpp& block = m_blocks[index];
+    std::array<std::uint8_t, blockArea2bpp> weights;
+    expandModulation(block, block.mode, weights.data());
+    // The estimate exceeds 8 at the block's edge.
+    for (std::uint8_t& weight : weights)
+        weight = std::min(weight, std::uint8_t{8});
+    ResidualSums sums;
+    m_kernels.sumResiduals(images, weights.data(), m_blockWidth, sums);
+    return fitColours(sums, fitSettings2bpp, colours);
+}
+
+Block MOKTC2bppCompressor::packModulation(std::size_t index) const {
+    const ModulationBlock2bpp& block = m_blocks[index];
+    if (block.mode == 0) return {packDirect(block.directIndices), 0};
+    return {withSubMode(packSamples(block.sampleIndices), static_cast<SubMode>(block.mode)), modeBit};
+}
+
 }  // namespace moktexture::moktc

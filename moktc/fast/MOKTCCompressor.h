@@ -94,4 +94,33 @@ constexpr std::uint32_t luminance(std::uint32_t pixel) {
     return (30 * (pixel & 255) + 59 * (pixel >> 8 & 255) + 11 * (pixel >> 16 & 255)) / 100;
 }
 
+/// The fast compressor of 4 by 4 blocks at 4 bits per pixel.
+class MOKTC4bppCompressor final : public MOKTCCompressor {
+public:
+    MOKTC4bppCompressor(const ConstImageView& image, const FastKernels& kernels);
+
+private:
+    void chooseModulation(std::size_t index, const BlockImages& images) override;
+    RGBAPair fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const override;
+    Block packModulation(std::size_t index) const override;
+
+    std::vector<ModulationBlock4bpp> m_blocks;
+};
+
+/// The fast compressor of 8 by 4 blocks at 2 bits per pixel.
+class MOKTC2bppCompressor final : public MOKTCCompressor {
+public:
+    MOKTC2bppCompressor(const ConstImageView& image, const FastKernels& kernels);
+
+    /// The argument has no effect: start colours come from the block alone.
+    void initialise(bool wideFootprint) override;
+
+private:
+    void chooseModulation(std::size_t index, const BlockImages& images) override;
+    RGBAPair fitBlock(std::size_t index, const BlockImages& images, const RGBAPair& colours) const override;
+    Block packModulation(std::size_t index) const override;
+
+    std::vector<ModulationBlock2bpp> m_blocks;
+};
+
 }  // namespace moktexture::moktc

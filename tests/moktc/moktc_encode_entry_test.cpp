@@ -4,7 +4,6 @@
 #include <numeric>
 
 #include "moktc/amtc/amtc_localised.h"
-#include "moktc/block_padding.h"
 #include "moktc/moktc.h"
 #include "support/test_images.h"
 

@@ -6,9 +6,7 @@
 
 #include "core/base/parallel.h"
 #include "moktc/block/block_order.h"
-#include "moktc/fast/MOKTC2bppCompressor.h"
-#include "moktc/fast/MOKTC4bppCompressor.h"
-#include "moktc/fast/MOKTCCompressorDriver.h"
+#include "moktc/fast/MOKTCCompressor.h"
 #include "moktc/fast/fast_compressor.h"
 #include "moktc/moktc.h"
 #include "support/test_images.h"

@@ -15,7 +15,7 @@ void rotateRow(const std::uint8_t* source, std::int32_t width, std::uint32_t* ro
                  std::uint32_t{source[0]} << 24;
 }
 
-constexpr std::uint32_t leastVisibleAlpha = 4;
+constexpr std::uint32_t lowestVisibleAlpha = 4;
 
 /// How far the neighbourhood reaches each way, and the weights along one axis. A wider one bleeds colours further under a
 /// cut-out, at a cost that grows with its square.
@@ -94,7 +94,7 @@ void PunchThroughPreprocess(AmtcImage& image, std::uint32_t secondGeneration) {
     for (std::int32_t y = 0; y < image.Height; ++y) {
         for (std::int32_t x = 0; x < image.Width; ++x) {
             std::uint32_t& pixel = image.Pixels[y][x];
-            if (pixel >> 24 >= leastVisibleAlpha) continue;
+            if (pixel >> 24 >= lowestVisibleAlpha) continue;
             // Kept (punch-through-reads-own-output): pixels rebuilt before count with their new colour, so colours bleed further
             // to the right and down; hosts that encode cut-outs with `punchThrough` get the resulting blocks.
             pixel = secondGeneration != 0 ? 0 : surroundingColour(image, x, y);

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "moktc/amtc/records/work_image.h"
+#include "moktc/amtc/records/level_records.h"
 #include "moktc/block/block_variant.h"
 
 /// @file

@@ -35,8 +35,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "moktc/amtc/driver/block_passes.h"
-#include "moktc/amtc/driver/pack_local_block.h"
 #include "moktc/block/block_order.h"
 
 namespace moktexture::amtc {
@@ -72,9 +70,6 @@ bool isSearchWidened(const AmtcLevelSettings& settings, const AmtcLevelSettings&
            previous.clampToBounds > settings.clampToBounds || previous.useSegments != settings.useSegments;
 }
 
-// The order of a sweep's phases.
-constexpr ParityPhase parityPhases[] = {{0, 0}, {1, 1}, {0, 1}, {1, 0}};
-
 /// The block records of one level.
 class LevelRecords {
 public:
@@ -102,13 +97,11 @@ void sweepLevel(const AmtcImage& image, const EncodeOptions& options, AmtcLevelS
     const std::uint32_t threadLimit = std::clamp(settings.blocksDown / 2, 1u, maxThreads);
     const AmtcThreadContext context = {image, settings, blockRows, threadLimit, options.threads, options.instructionSet};
     const std::uint32_t sweeps = sweepCount(options.quality);
-    std::uint32_t step = 1;
     for (std::uint32_t sweep = 0; sweep < sweeps; ++sweep) {
         const AmtcLevelSettings previous = settings;
         SetSweepSettings(options.quality, sweeps, sweep, settings, previous);
         if (sweep == 0) setUp(context);
-        for (const ParityPhase& phase : parityPhases)
-            RunParityPhase(context, phase, step++);
+        runSweep(context, sweep);
     }
 }
 

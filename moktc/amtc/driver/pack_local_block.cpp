@@ -15,11 +15,10 @@
 //
 // The sums of squared differences are returned for tests, which compare them with those of the decoder's pixels.
 
-#include "moktc/amtc/driver/pack_local_block.h"
-
 #include <cstdio>
 #include <cstdlib>
 
+#include "moktc/amtc/driver/level_pipeline.h"
 #include "moktc/amtc/evaluation/pixel_evaluation.h"
 #include "moktc/block/moktc_block.h"
 

@@ -139,14 +139,14 @@ constexpr void setCornerTaps(PixelBlendEntry& entry, std::size_t row, std::size_
     }
 }
 
-constexpr void setStandardLevels(PixelBlendEntry& entry) {
+constexpr void setStandardWeights(PixelBlendEntry& entry) {
     entry.level1A = entry.level2B = 5;
     entry.level1B = entry.level2A = 3;
     entry.level2Mask = 0xFFFFFFFF;
     entry.levelValue = {0, 3, 5, 8};
 }
 
-constexpr void setPunchThroughLevels(PixelBlendEntry& entry, bool secondGeneration) {
+constexpr void setPunchThroughWeights(PixelBlendEntry& entry, bool secondGeneration) {
     entry.punchClass = 1;
     entry.level1A = entry.level1B = 4;
     entry.level2A = entry.level2B = secondGeneration ? 0 : 4;
@@ -164,14 +164,14 @@ constexpr PixelBlendEntry makeEntry(std::size_t row, std::size_t column, std::ui
     constexpr LineWeights<width> weights = columnWeights<width>();
     PixelBlendEntry entry{};
     entry.isOuterRing = row == 0 || column == 0 || row + 1 == footprintRows || column + 1 == width;
-    setStandardLevels(entry);
+    setStandardWeights(entry);
     if (is2bpp) entry.modulationClass = modulationClassAt(row, column, cellMode);
     if (!is2bpp && cellMode == region_mode::cornerPalette && (row % 4 != 0 || column % 4 != 0)) {
         setCornerTaps(entry, row, column);
         entry.influence = 64;
         return entry;
     }
-    if (!is2bpp && cellMode == region_mode::punchThrough) setPunchThroughLevels(entry, secondGeneration);
+    if (!is2bpp && cellMode == region_mode::punchThrough) setPunchThroughWeights(entry, secondGeneration);
     // The lattice pixels of corner palette cells weigh the same either way.
     const bool isFlat = (cellMode & flatBitOf(is2bpp)) != 0;
     entry.weightX = isFlat ? weights.flatWeight[column] : weights.softWeight[column];

@@ -24,8 +24,8 @@ enum class ModulationClass : std::uint32_t {
 /// `level3...`, `levelValue` and so on belong to these indices.
 inline constexpr std::size_t indexCount = 4;
 
-/// A `levelValue` is an interpolation weight: 0 (A) to 8 (B). A pixel with the ignored value counts in the
-/// error and not in the solver.
+/// A `levelValue` is an interpolation weight: 0 (A) to 8 (B). A pixel with the ignored value counts in the error and not in the
+/// solver.
 inline constexpr std::uint8_t ignoredLevelValue = 9;
 inline constexpr std::size_t levelValueCount = 10;
 

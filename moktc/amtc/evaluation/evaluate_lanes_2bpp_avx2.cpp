@@ -60,23 +60,23 @@ struct EvaluatedLanes {
 MOKTEX_LANE_FUNCTION EvaluatedLanes evaluateSamples(const SampleLanes& lanes, const BlockRow& upper, const BlockRow& lower) {
     const EndDifferences ends = decodeEnds(lanes.pixels, upper, lower);
     const Blend blendOfEnds(ends);
-    const ChannelLanes level1 = blendOfEnds.at(_mm256_set1_epi16(3 << weightShift)),
-                       level2 = blendOfEnds.at(_mm256_set1_epi16(5 << weightShift));
+    const ChannelLanes blend1 = blendOfEnds.at(_mm256_set1_epi16(3 << weightShift)),
+                       blend2 = blendOfEnds.at(_mm256_set1_epi16(5 << weightShift));
     // With one bit, indices 1 and 2 cannot win and B wins ties with A.
     const __m256i oneBit = load(lanes.oneBit);
-    const __m256i error1 = _mm256_or_si256(squaredLength(level1), oneBit);
-    const __m256i error2 = _mm256_or_si256(squaredLength(level2), oneBit);
+    const __m256i error1 = _mm256_or_si256(squaredLength(blend1), oneBit);
+    const __m256i error2 = _mm256_or_si256(squaredLength(blend2), oneBit);
     const __m256i error0 = squaredLength(ends.a), error3 = squaredLength(ends.b);
     const __m256i takes1 = _mm256_cmpgt_epi32(error2, error1);
-    const __m256i least12 = _mm256_min_epi32(error1, error2);
-    const __m256i takes0 = _mm256_cmpgt_epi32(least12, error0);
-    const __m256i least012 = _mm256_min_epi32(least12, error0);
-    const __m256i takes3 = _mm256_cmpgt_epi32(least012, _mm256_sub_epi32(error3, _mm256_srli_epi32(oneBit, 30)));
-    const ChannelLanes difference = blend(blend(blend(level2, level1, takes1), ends.a, takes0), ends.b, takes3);
+    const __m256i smallest12 = _mm256_min_epi32(error1, error2);
+    const __m256i takes0 = _mm256_cmpgt_epi32(smallest12, error0);
+    const __m256i smallest012 = _mm256_min_epi32(smallest12, error0);
+    const __m256i takes3 = _mm256_cmpgt_epi32(smallest012, _mm256_sub_epi32(error3, _mm256_srli_epi32(oneBit, 30)));
+    const ChannelLanes difference = blend(blend(blend(blend2, blend1, takes1), ends.a, takes0), ends.b, takes3);
     __m256i value = blend(_mm256_set1_epi32(5), _mm256_set1_epi32(3), takes1);
     value = _mm256_andnot_si256(takes0, value);
     value = blend(value, _mm256_set1_epi32(8), takes3);
-    return {difference, _mm256_min_epi32(least012, error3), value};
+    return {difference, _mm256_min_epi32(smallest012, error3), value};
 }
 
 /// Pixels with a mean of samples, or one bit of their own.

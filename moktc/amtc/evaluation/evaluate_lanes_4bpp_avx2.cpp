@@ -1,6 +1,6 @@
 // The evaluators of pixel_evaluation.cpp and segment_evaluation.cpp at 4 bits per pixel, on the lanes of lane_layout.h.
 //
-//     for each group:  differences of all four indices; their squared lengths; the least; difference and weight of the choice
+//     for each group:  differences of all four indices; their squared lengths; the smallest; difference and weight of the choice
 //     for each interpolation weight in use:  sum the groups' choices under a mask
 //
 // With segments, errors are stored by slot first, segments are chosen from prefix sums, and each group then takes its pixels'
@@ -27,12 +27,12 @@ struct Surroundings {
 
 /// Differences of pixels from the colours of each modulation index.
 struct IndexDifferences {
-    ChannelLanes level0, level1, level2, level3;
+    ChannelLanes index0, index1, index2, index3;
 };
 
 /// Masks colours that are given by their differences from the pixels.
-MOKTEX_LANE_FUNCTION ChannelLanes maskColours(const ChannelLanes& difference, const IndexLanes& levels) {
-    const ChannelLanes pixel = widen(load(levels.pixels.pixel)), mask = widen(load(levels.level2Mask));
+MOKTEX_LANE_FUNCTION ChannelLanes maskColours(const ChannelLanes& difference, const IndexLanes& pixels) {
+    const ChannelLanes pixel = widen(load(pixels.pixels.pixel)), mask = widen(load(pixels.mask2));
     const ChannelLanes colour = pixel - difference;
     return pixel - ChannelLanes(_mm256_and_si256(colour.rg, mask.rg), _mm256_and_si256(colour.ba, mask.ba));
 }
@@ -49,27 +49,27 @@ MOKTEX_LANE_FUNCTION ChannelLanes tapColours(const Palette& palette, __m256i pal
 /// `isSpecial`: there may be punch-through pixels and palette taps.
 template <bool isSpecial>
 MOKTEX_LANE_FUNCTION IndexDifferences decodeIndices(const Lanes& lanes, std::size_t group, const Surroundings& around) {
-    const IndexLanes& levels = lanes.groups[group];
-    const EndDifferences ends = decodeEnds(levels.pixels, around.upper, around.lower);
+    const IndexLanes& pixels = lanes.groups[group];
+    const EndDifferences ends = decodeEnds(pixels.pixels, around.upper, around.lower);
     const Blend blendOfEnds(ends);
-    const ChannelLanes level1 = blendOfEnds.at(load(levels.level1)), level2 = blendOfEnds.at(load(levels.level2));
-    if constexpr (!isSpecial) return {ends.a, level1, level2, ends.b};
-    const ChannelLanes masked2 = maskColours(level2, levels);
-    if (!lanes.hasPaletteTaps) return {ends.a, level1, masked2, ends.b};
+    const ChannelLanes blend1 = blendOfEnds.at(load(pixels.weight1)), blend2 = blendOfEnds.at(load(pixels.weight2));
+    if constexpr (!isSpecial) return {ends.a, blend1, blend2, ends.b};
+    const ChannelLanes masked2 = maskColours(blend2, pixels);
+    if (!lanes.hasPaletteTaps) return {ends.a, blend1, masked2, ends.b};
     // Taps have come out of the blends as colour 0.
-    const __m256i offsets = load(levels.paletteIndex);
+    const __m256i offsets = load(pixels.paletteIndex);
     const Palette& palette = around.palette;
-    return {ends.a - tapColours(palette, offsets, 0), level1 - tapColours(palette, offsets, 1),
+    return {ends.a - tapColours(palette, offsets, 0), blend1 - tapColours(palette, offsets, 1),
             masked2 - tapColours(palette, offsets, 2), ends.b - tapColours(palette, offsets, 3)};
 }
 
 struct IndexErrors {
     MOKTEX_LANE_FUNCTION explicit IndexErrors(const IndexDifferences& differences)
-        : level0(squaredLength(differences.level0)),
-          level1(squaredLength(differences.level1)),
-          level2(squaredLength(differences.level2)),
-          level3(squaredLength(differences.level3)) {}
-    __m256i level0, level1, level2, level3;
+        : index0(squaredLength(differences.index0)),
+          index1(squaredLength(differences.index1)),
+          index2(squaredLength(differences.index2)),
+          index3(squaredLength(differences.index3)) {}
+    __m256i index0, index1, index2, index3;
 };
 
 /// Masks of the pixels that prefer an index to those before it: 1 over 2, 0 over these, 3 over all.
@@ -77,26 +77,26 @@ struct IndexChoice {
     __m256i takes1, takes0, takes3;
 };
 
-MOKTEX_LANE_FUNCTION ChosenLanes chosenLanes(const IndexLanes& levels, const IndexDifferences& differences,
+MOKTEX_LANE_FUNCTION ChosenLanes chosenLanes(const IndexLanes& pixels, const IndexDifferences& differences,
                                              const IndexChoice& choice) {
     const ChannelLanes difference =
-        blend(blend(blend(differences.level2, differences.level1, choice.takes1), differences.level0, choice.takes0),
-              differences.level3, choice.takes3);
+        blend(blend(blend(differences.index2, differences.index1, choice.takes1), differences.index0, choice.takes0),
+              differences.index3, choice.takes3);
     __m256i shift = blend(_mm256_set1_epi32(16), _mm256_set1_epi32(8), choice.takes1);
     shift = _mm256_andnot_si256(choice.takes0, shift);
     shift = blend(shift, _mm256_set1_epi32(24), choice.takes3);
-    const __m256i value = _mm256_and_si256(_mm256_srlv_epi32(load(levels.levelValue), shift), _mm256_set1_epi32(0xFF));
+    const __m256i value = _mm256_and_si256(_mm256_srlv_epi32(load(pixels.levelValue), shift), _mm256_set1_epi32(0xFF));
     return chosen(difference, value);
 }
 
 /// Errors of the nearest colours; the earliest of 2, 1, 0, 3 among equals.
 MOKTEX_LANE_FUNCTION __m256i chooseIndices(const IndexErrors& errors, IndexChoice& choice) {
-    choice.takes1 = _mm256_cmpgt_epi32(errors.level2, errors.level1);
-    const __m256i least12 = _mm256_min_epi32(errors.level1, errors.level2);
-    choice.takes0 = _mm256_cmpgt_epi32(least12, errors.level0);
-    const __m256i least012 = _mm256_min_epi32(least12, errors.level0);
-    choice.takes3 = _mm256_cmpgt_epi32(least012, errors.level3);
-    return _mm256_min_epi32(least012, errors.level3);
+    choice.takes1 = _mm256_cmpgt_epi32(errors.index2, errors.index1);
+    const __m256i smallest12 = _mm256_min_epi32(errors.index1, errors.index2);
+    choice.takes0 = _mm256_cmpgt_epi32(smallest12, errors.index0);
+    const __m256i smallest012 = _mm256_min_epi32(smallest12, errors.index0);
+    choice.takes3 = _mm256_cmpgt_epi32(smallest012, errors.index3);
+    return _mm256_min_epi32(smallest012, errors.index3);
 }
 
 /// Errors by lane: of the groups of rows, whose lane 0 belongs to the outer ring, and of the groups of the ring.
@@ -178,10 +178,10 @@ MOKTEX_LANE_FUNCTION std::uint32_t minimumOf(__m128i values) {
 
 /// All four errors of the pixels of a group, by slot.
 MOKTEX_LANE_FUNCTION void storeErrors(const IndexErrors& errors, FourErrors* slots) {
-    const __m256i first01 = _mm256_unpacklo_epi32(errors.level0, errors.level1),
-                  last01 = _mm256_unpackhi_epi32(errors.level0, errors.level1),
-                  first23 = _mm256_unpacklo_epi32(errors.level2, errors.level3),
-                  last23 = _mm256_unpackhi_epi32(errors.level2, errors.level3);
+    const __m256i first01 = _mm256_unpacklo_epi32(errors.index0, errors.index1),
+                  last01 = _mm256_unpackhi_epi32(errors.index0, errors.index1),
+                  first23 = _mm256_unpacklo_epi32(errors.index2, errors.index3),
+                  last23 = _mm256_unpackhi_epi32(errors.index2, errors.index3);
     store(slots + 0, _mm256_unpacklo_epi64(first01, first23));
     store(slots + 2, _mm256_unpackhi_epi64(first01, first23));
     store(slots + 4, _mm256_unpacklo_epi64(last01, last23));
@@ -189,16 +189,16 @@ MOKTEX_LANE_FUNCTION void storeErrors(const IndexErrors& errors, FourErrors* slo
 }
 
 MOKTEX_LANE_FUNCTION void storeDifferences(const IndexDifferences& from, __m256i* to) {
-    const ChannelLanes* const levels[] = {&from.level0, &from.level1, &from.level2, &from.level3};
-    for (std::size_t level = 0; level < 4; ++level) {
-        store(to + 2 * level, levels[level]->rg);
-        store(to + 2 * level + 1, levels[level]->ba);
+    const ChannelLanes* const differences[] = {&from.index0, &from.index1, &from.index2, &from.index3};
+    for (std::size_t index = 0; index < 4; ++index) {
+        store(to + 2 * index, differences[index]->rg);
+        store(to + 2 * index + 1, differences[index]->ba);
     }
 }
 
 MOKTEX_LANE_FUNCTION IndexDifferences loadDifferences(const __m256i* from) {
-    const auto level = [from](std::size_t i) { return ChannelLanes(load(from + 2 * i), load(from + 2 * i + 1)); };
-    return {level(0), level(1), level(2), level(3)};
+    const auto at = [from](std::size_t index) { return ChannelLanes(load(from + 2 * index), load(from + 2 * index + 1)); };
+    return {at(0), at(1), at(2), at(3)};
 }
 
 /// Chooses the modulation indices of segments as segment_evaluation.cpp does.
@@ -239,9 +239,9 @@ private:
     /// The earliest of 3, 0, 1, 2 among equals.
     MOKTEX_LANE_FUNCTION void chooseIndex(std::size_t run, bool firstPass) {
         const __m128i ranks = _mm_setr_epi32(1, 2, 3, 0);
-        const std::uint32_t least = minimumOf(_mm_or_si128(_mm_slli_epi32(innerErrors(run), 2), ranks));
-        indices[run] = static_cast<std::int32_t>((least + 3) & 3);
-        total.inner += least >> 2;
+        const std::uint32_t smallest = minimumOf(_mm_or_si128(_mm_slli_epi32(innerErrors(run), 2), ranks));
+        indices[run] = static_cast<std::int32_t>((smallest + 3) & 3);
+        total.inner += smallest >> 2;
         if (firstPass) addOuter(run);
     }
 
@@ -253,16 +253,16 @@ private:
         const __m128i lastTwo = _mm_add_epi32(_mm_shuffle_epi32(standard, 0x99), _mm_shuffle_epi32(punchThrough, 0x55));
         const __m128i ranked = _mm_min_epu32(_mm_or_si128(_mm_slli_epi32(firstFour, 3), _mm_setr_epi32(0, 1, 2, 3)),
                                              _mm_or_si128(_mm_slli_epi32(lastTwo, 3), _mm_setr_epi32(4, 5, 4, 5)));
-        const std::uint32_t least = minimumOf(ranked);
-        indices[run] = standardIndices[least & 7];
-        indices[run + 1] = punchIndices[least & 7];
-        total.inner += least >> 3;
+        const std::uint32_t smallest = minimumOf(ranked);
+        indices[run] = standardIndices[smallest & 7];
+        indices[run + 1] = punchIndices[smallest & 7];
+        total.inner += smallest >> 3;
         if (!firstPass) return;
         addOuter(run);
         addOuter(run + 1);
     }
 
-    /// The least of the four pairs of indices that segments without inner pixels may take.
+    /// The smallest of the four pairs of indices that segments without inner pixels may take.
     MOKTEX_LANE_FUNCTION void addOuterSegment(std::size_t run) {
         const __m128i standard = _mm_shuffle_epi32(outerErrors(run), 0x9C);
         total.outer += minimumOf(_mm_add_epi32(standard, _mm_shuffle_epi32(outerErrors(run + 1), 0x5C)));
@@ -303,9 +303,9 @@ LaneError evaluateSegments(const Lanes& lanes, const SegmentLanes& segments, con
         if (group < innerGroups) storeDifferences(decoded, differences[group]);
         if (!lanes.hasPaletteTaps) return;
         isTap[group] = _mm256_cmpgt_epi32(load(lanes.groups[group].paletteIndex), _mm256_set1_epi32(-1));
-        const __m256i takesA = _mm256_cmpgt_epi32(indexErrors.level3, indexErrors.level0);
+        const __m256i takesA = _mm256_cmpgt_epi32(indexErrors.index3, indexErrors.index0);
         tapIndices[group] = _mm256_andnot_si256(takesA, _mm256_set1_epi32(3));
-        tapErrors.add(group, _mm256_and_si256(isTap[group], _mm256_min_epi32(indexErrors.level0, indexErrors.level3)));
+        tapErrors.add(group, _mm256_and_si256(isTap[group], _mm256_min_epi32(indexErrors.index0, indexErrors.index3)));
     });
     const SegmentChoice segmentChoice(segments, errors, firstPass);
     for (std::size_t group = 0; group < innerGroups; ++group) {

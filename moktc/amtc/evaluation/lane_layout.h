@@ -66,9 +66,9 @@ inline constexpr int weightShift = 16 - 3 - 1;
 /// 4 bits per pixel: eight pixels with four modulation indices each.
 struct IndexLanes {
     PixelLanes pixels;
-    std::uint32_t level1[laneCount];  ///< 16 bits, twice: weight of index 1 << weightShift
-    std::uint32_t level2[laneCount];  ///< the same of index 2
-    std::uint32_t level2Mask[laneCount];
+    std::uint32_t weight1[laneCount];     ///< 16 bits, twice: weight of index 1 << weightShift
+    std::uint32_t weight2[laneCount];     ///< the same of index 2
+    std::uint32_t mask2[laneCount];       ///< ANDed with the colour of index 2
     std::uint32_t levelValue[laneCount];  ///< one byte an index: interpolation weight or ignored
     /// One byte a modulation index: twice the position among A's four colours, then B's; 0x80 if no tap.
     std::uint32_t paletteIndex[laneCount];

@@ -56,15 +56,15 @@ void setPixel(const Source& source, std::size_t index, std::size_t lane, PixelLa
     lanes.influence[lane] = isInner ? entry.influence * influenceUnit + 1 : 0;
 }
 
-Traits setIndices(const Source& source, std::size_t index, std::size_t lane, IndexLanes& levels) {
+Traits setIndices(const Source& source, std::size_t index, std::size_t lane, IndexLanes& indices) {
     const PixelBlendEntry& entry = source.table[index];
-    setPixel(source, index, lane, levels.pixels);
+    setPixel(source, index, lane, indices.pixels);
     const bool isTap = entry.isPaletteTap != 0;
-    levels.level1[lane] = entry.level1B * (bothHalves << weightShift);
-    levels.level2[lane] = entry.level2B * (bothHalves << weightShift);
-    levels.level2Mask[lane] = isTap ? ~0u : entry.level2Mask;
-    levels.levelValue[lane] = wordOf(entry.levelValue);
-    levels.paletteIndex[lane] = isTap ? tapOffsets(wordOf(entry.paletteIndex)) : noTap;
+    indices.weight1[lane] = entry.level1B * (bothHalves << weightShift);
+    indices.weight2[lane] = entry.level2B * (bothHalves << weightShift);
+    indices.mask2[lane] = isTap ? ~0u : entry.level2Mask;
+    indices.levelValue[lane] = wordOf(entry.levelValue);
+    indices.paletteIndex[lane] = isTap ? tapOffsets(wordOf(entry.paletteIndex)) : noTap;
     if (isTap) return paletteTapTrait;
     return 1u << entry.levelValue[1] | 1u << entry.levelValue[2] | (entry.level2Mask != ~0u ? punchThroughTrait : 0);
 }

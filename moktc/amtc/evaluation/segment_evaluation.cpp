@@ -89,10 +89,10 @@ IndexPair bestIndexPair(const SegmentTotals& segment) {
 }
 
 std::uint32_t minimumOuterError(const SegmentTotals& segment) {
-    std::uint32_t least = ~0u;
+    std::uint32_t smallest = ~0u;
     for (const IndexPair& pair : sharedOuterIndices)
-        least = std::min(least, segment[0].outerError[pair.standard] + segment[1].outerError[pair.punchThrough]);
-    return least;
+        smallest = std::min(smallest, segment[0].outerError[pair.standard] + segment[1].outerError[pair.punchThrough]);
+    return smallest;
 }
 
 void finishSegment(const SegmentTotals& segment, RegionError& total, RegressionSums& sums) {

@@ -3,13 +3,14 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 
 #include "moktc/amtc/records/colour_vector.h"
-#include "moktc/amtc/records/work_image.h"
 #include "moktc/block/block_variant.h"
 
 /// @file
-/// The records that all passes over a level share: its settings and one record per block.
+/// What all passes over a level share: its pixels, its settings and one record per block.
 
 namespace moktexture::amtc {
 
@@ -17,13 +18,34 @@ using moktc::BlockVariant;
 using moktc::Generation;
 using moktc::Rate;
 
+inline constexpr std::int32_t largestSide = 4096;
+
+/// The MIP level being encoded: the top left `Width` by `Height` pixels (RGBA8, red in the lowest byte) of rows with a constant
+/// stride. The system commits its pages on first use, so that a small texture uses little of its 64 MiB.
+struct AmtcImage {
+    std::int32_t Width;
+    std::int32_t Height;
+    std::uint32_t Pixels[largestSide][largestSide];
+};
+static_assert(sizeof(AmtcImage) == 0x4000008);
+
+struct FreeWorkImage {
+    void operator()(AmtcImage* image) const { std::free(image); }
+};
+using WorkImage = std::unique_ptr<AmtcImage, FreeWorkImage>;
+
+/// A zeroed work image, null if memory is short.
+inline WorkImage makeWorkImage() {
+    return WorkImage(static_cast<AmtcImage*>(std::calloc(1, sizeof(AmtcImage))));
+}
+
 /// The rate that was never finished: levels can be described and analysed, and the listing of its region modes aborts.
 inline constexpr Rate oneBpp{1};
 
 /// Region modes: whether a block's colours are upscaled, and how the modulation index of a pixel selects its blend.
 ///
 ///   4 bits per pixel                             2 bits per pixel
-///   0  four levels 0, 3/8, 5/8, 1                8           one bit per pixel
+///   0  four blends 0, 3/8, 5/8, 1                8           one bit per pixel
 ///   1  punch-through: 0, 1/2, transparent, 1     9, 10, 11   two bits on a checkerboard; the other pixels get the mean of all
 ///   2  flat: colours are not upscaled                        four neighbours (9), left and right (10), above and below (11)
 ///   3  flat, corner palette                      12 to 15    as 8 to 11, flat

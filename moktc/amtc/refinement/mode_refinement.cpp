@@ -16,9 +16,9 @@
 // Cost: at most 8 * (4 + 10) refinements, in sweeps with variants. The pair cache removes about as many evaluations as the
 // candidates of one variant meet.
 
-#include "moktc/amtc/refinement/mode_refinement.h"
-
 #include <algorithm>
+
+#include "moktc/amtc/refinement/visit_block.h"
 
 namespace moktexture::amtc {
 namespace {

@@ -23,7 +23,6 @@
 #include <algorithm>
 
 #include "moktc/amtc/analysis/footprint_analysis.h"
-#include "moktc/amtc/refinement/mode_refinement.h"
 #include "moktc/amtc/starts/start_candidates.h"
 
 namespace moktexture::amtc {

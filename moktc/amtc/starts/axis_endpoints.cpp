@@ -1,22 +1,22 @@
-// Axis search: the pair of colours whose four levels fit the pixels of a footprint along an axis.
+// Axis search: the pair of colours whose four blends fit the pixels of a footprint along an axis.
 //
-// Problem   Given the axis along which the pixels spread, find the two ends such that the levels 0, 3/8, 5/8 and 1 between them
-//           are near the pixels. Each pixel chooses one level, and the ends depend on these choices.
+// Problem   Given the axis along which the pixels spread, find the two ends such that the blends 0, 3/8, 5/8 and 1 between them
+//           are near the pixels. Each pixel chooses one blend, and the ends depend on these choices.
 // Idea      Projected on the axis, pixels are weighted numbers, and the problem is a one-dimensional k-means with four centres
-//           that two numbers determine. A Lloyd iteration alternates: assign every position to its nearest level; then move the
-//           ends to the linear regression of the positions over the fractions of their levels. It finds a local minimum only, so
+//           that two numbers determine. A Lloyd iteration alternates: assign every position to its nearest blend; then move the
+//           ends to the linear regression of the positions over the fractions of their blends. It finds a local minimum only, so
 //           it runs from many starts.
 //
 //     project the pixels; sort by position; prefix sums of w, w t and w t^2
 //     for each start (means of the lowest and the highest eighth of the weight; all pairs of 8 points over the range):
 //         repeat, at most 20 times:
-//             split the sorted positions at the midpoints between the levels
+//             split the sorted positions at the midpoints between the blends
 //             error = sum over the four parts, each from two prefix sums
 //             ends = regression over the four parts, clamped to the range
 //             if the ends did not move: stop
 //             if the error has failed to improve more than 3 times: return to the best ends and stop
 //     take the fit with the smallest error
-//     A = mean colour of the pixels of the lowest level, B = of the highest; order them; quantise the pair
+//     A = mean colour of the pixels of the lowest blend, B = of the highest; order them; quantise the pair
 //
 // It ends because the number of sweeps is bounded. Assignment and regression each lower the error, but the clamping to the range
 // may raise it, so the iteration may also cycle; the count of failures cuts that short.
@@ -25,13 +25,12 @@
 //           The regression depends on the partition alone, not on the ends that led to it, so that it is kept by partition, and
 //           the 29 starts share it.
 
-#include "moktc/amtc/starts/axis_endpoints.h"
-
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "moktc/amtc/starts/colour_quantiser.h"
+#include "moktc/amtc/starts/start_candidates.h"
 
 namespace moktexture::amtc {
 
@@ -44,7 +43,7 @@ constexpr int maxSweeps = 20, maxFailures = 3;
 /// on it.
 constexpr int startPoints = 8;
 
-constexpr std::array<double, 4> levelFractions = {0, 0.375, 0.625, 1};
+constexpr std::array<double, 4> blendFractions = {0, 0.375, 0.625, 1};
 
 /// The sums over the positions of one part.
 PositionSums sumsOfPart(const SortedPositions& sorted, const Partition& partition, std::size_t part) {
@@ -53,35 +52,35 @@ PositionSums sumsOfPart(const SortedPositions& sorted, const Partition& partitio
     return {to.weight - from.weight, to.weightedPosition - from.weightedPosition, to.weightedSquare - from.weightedSquare};
 }
 
-/// Assigns the positions to the levels between two ends, at the midpoints between the levels.
-LevelFit placeLevels(const SortedPositions& sorted, double low, double high) {
-    std::array<double, 4> levels;
+/// Assigns the positions to the blends of two ends, at the midpoints between the blends.
+AxisFit assignToBlends(const SortedPositions& sorted, double low, double high) {
+    std::array<double, 4> blends;
     for (std::size_t k = 0; k < 4; ++k)
-        levels[k] = low + (high - low) * levelFractions[k];
+        blends[k] = low + (high - low) * blendFractions[k];
     std::array<double, 3> decisions;
     double limit = sorted.highest();
     for (std::size_t k = 3; k-- > 0;) {
-        limit = std::min((levels[k] + levels[k + 1]) * 0.5, limit);
+        limit = std::min((blends[k] + blends[k + 1]) * 0.5, limit);
         decisions[k] = limit;
     }
     const auto counts = sorted.countBelow(decisions);
-    LevelFit fit = {low, high, 0, {}};
+    AxisFit fit = {low, high, 0, {}};
     for (std::size_t k = 0; k < 3; ++k)
         fit.partition[k] = static_cast<std::uint16_t>(counts[k]);
     for (std::size_t k = 0; k < 4; ++k) {
         const PositionSums part = sumsOfPart(sorted, fit.partition, k);
-        const double level = levels[k];
-        fit.error += std::max(part.weightedSquare - 2 * level * part.weightedPosition + level * level * part.weight, 0.0);
+        const double blend = blends[k];
+        fit.error += std::max(part.weightedSquare - 2 * blend * part.weightedPosition + blend * blend * part.weight, 0.0);
     }
     return fit;
 }
 
-/// The levels from the linear regression of the positions over the fractions of the levels that a partition gives them.
-LevelFit regressLevels(const SortedPositions& sorted, const Partition& partition) {
+/// The fit whose ends are the linear regression of the positions over the fractions of the blends that a partition gives them.
+AxisFit regressEnds(const SortedPositions& sorted, const Partition& partition) {
     double sumF = 0, sumFF = 0, sumFT = 0;
     for (std::size_t k = 0; k < 4; ++k) {
         const PositionSums part = sumsOfPart(sorted, partition, k);
-        const double fraction = levelFractions[k];
+        const double fraction = blendFractions[k];
         sumF += fraction * part.weight;
         sumFF += fraction * fraction * part.weight;
         sumFT += fraction * part.weightedPosition;
@@ -93,8 +92,8 @@ LevelFit regressLevels(const SortedPositions& sorted, const Partition& partition
     const double slope = std::abs(covariance) >= variance * range ? range : covariance / variance;
     double low = meanT - slope * meanF, high = low + slope;
     if (low > high) std::swap(low, high);
-    return placeLevels(sorted, std::clamp(low, sorted.lowest(), sorted.highest()),
-                       std::clamp(high, sorted.lowest(), sorted.highest()));
+    return assignToBlends(sorted, std::clamp(low, sorted.lowest(), sorted.highest()),
+                          std::clamp(high, sorted.lowest(), sorted.highest()));
 }
 
 struct WeightedPixel {
@@ -153,15 +152,15 @@ double meanOfExtremeOctile(const WeightedPixels& pixels, double totalWeight, Ext
 }
 
 /// The best fit from the means of the extreme octiles and from all pairs of points over the range; of equal fits the first.
-LevelFit fitFromManyStarts(const WeightedPixels& pixels, const SortedPositions& sorted) {
+AxisFit fitFromManyStarts(const WeightedPixels& pixels, const SortedPositions& sorted) {
     const double weight = sorted.total().weight, lowest = sorted.lowest(), range = sorted.highest() - sorted.lowest();
     RegressionCache cache;
-    LevelFit best = FitFourLevels(sorted, meanOfExtremeOctile(pixels, weight, Extreme::lowest),
-                                  meanOfExtremeOctile(pixels, weight, Extreme::highest), cache);
+    AxisFit best = FitFourLevels(sorted, meanOfExtremeOctile(pixels, weight, Extreme::lowest),
+                                 meanOfExtremeOctile(pixels, weight, Extreme::highest), cache);
     for (int lower = 0; lower < startPoints; ++lower) {
         for (int upper = lower + 1; upper < startPoints; ++upper) {
-            const LevelFit fit = FitFourLevels(sorted, lowest + range * lower / (startPoints - 1),
-                                               lowest + range * upper / (startPoints - 1), cache);
+            const AxisFit fit = FitFourLevels(sorted, lowest + range * lower / (startPoints - 1),
+                                              lowest + range * upper / (startPoints - 1), cache);
             if (fit.error < best.error) best = fit;
         }
     }
@@ -194,9 +193,9 @@ struct ColourEnds {
     ColourVector a, b;
 };
 
-/// The mean colours of the pixels of the lowest and the highest level, with the larger magnitude as B. The thresholds are the
-/// midpoints between the levels: 3/16 lies between 0 and 3/8, 13/16 between 5/8 and 1.
-ColourEnds endsOfFit(const WeightedPixels& pixels, const SortedPositions& sorted, const LevelFit& fit) {
+/// The mean colours of the pixels of the lowest and the highest blend, with the larger magnitude as B. The thresholds are the
+/// midpoints between the blends: 3/16 lies between 0 and 3/8, 13/16 between 5/8 and 1.
+ColourEnds endsOfFit(const WeightedPixels& pixels, const SortedPositions& sorted, const AxisFit& fit) {
     const double span = fit.high - fit.low;
     const double lowerThreshold = std::clamp(fit.low + span * 3 / 16, fit.low, fit.high);
     const double upperThreshold = std::clamp(fit.low + span * 13 / 16, lowerThreshold, fit.high);
@@ -221,21 +220,21 @@ ColourEnds findEnds(const WeightedPixels& pixels) {
 
 }  // namespace
 
-const LevelFit& RegressionCache::fitAfter(const SortedPositions& sorted, const Partition& partition) {
+const AxisFit& RegressionCache::fitAfter(const SortedPositions& sorted, const Partition& partition) {
     const std::size_t slot = (partition[0] + 31u * partition[1] + 101u * partition[2]) % entryCount;
     Entry& entry = entries[slot];
     if (!isUsed[slot] || entry.partition != partition) {
         isUsed[slot] = true;
-        entry = {partition, regressLevels(sorted, partition)};
+        entry = {partition, regressEnds(sorted, partition)};
     }
     return entry.fit;
 }
 
-LevelFit FitFourLevels(const SortedPositions& sorted, double low, double high, RegressionCache& cache) {
+AxisFit FitFourLevels(const SortedPositions& sorted, double low, double high, RegressionCache& cache) {
     if (low > high) std::swap(low, high);
-    LevelFit fit = placeLevels(sorted, low, high), best = fit;
+    AxisFit fit = assignToBlends(sorted, low, high), best = fit;
     for (int sweep = 0, failures = 0; sweep < maxSweeps; ++sweep) {
-        const LevelFit& next = cache.fitAfter(sorted, fit.partition);
+        const AxisFit& next = cache.fitAfter(sorted, fit.partition);
         // Kept (unmoved-ends-are-the-fit): ends that no longer move are the result, even if ends met before had a smaller error;
         // a regression that was clamped to the range leads away from them. `fitFromManyStarts` compares these errors: the best
         // met instead would give blocks other first candidates, and other bytes.
@@ -257,7 +256,7 @@ ColourPair FindAxisEndpoints(const AmtcLevelSettings& settings, bool isPunchThro
     collectPixels(settings, isPunchThrough, footprint, sharpKernel, axis, pixels);
     const ColourEnds ends = findEnds(pixels);
     // Kept (axis-pair-ignores-punch-through): the pair is quantised as for a block without punch-through, also if it is for a
-    // punch-through block, whose middle level lies at 1/2. The first candidate of such a block depends on it, and with it the
+    // punch-through block, whose middle blend lies at 1/2. The first candidate of such a block depends on it, and with it the
     // block's bytes.
     return QuantiseColourPair(settings.generation(), false, ends.a, ends.b);
 }

@@ -108,11 +108,11 @@ void addCluster(Clusters& clusters, std::uint32_t seed) {
 /// Two clusters, at the pixels that lie lowest and highest on the axis.
 Clusters seedClusters(const DiscColours& colours, const ColourVector& axis) {
     std::uint32_t lowest = colours[0], highest = colours[0];
-    float least = dotProduct(toVector(colours[0]), axis), greatest = least;
+    float smallest = dotProduct(toVector(colours[0]), axis), greatest = smallest;
     for (const std::uint32_t colour : colours) {
         const float projection = dotProduct(toVector(colour), axis);
-        if (projection < least) {
-            least = projection;
+        if (projection < smallest) {
+            smallest = projection;
             lowest = colour;
         }
         if (projection > greatest) {
@@ -129,11 +129,11 @@ Clusters seedClusters(const DiscColours& colours, const ColourVector& axis) {
 /// The cluster whose stored colour A is nearest, the first of equals.
 Cluster& nearestCluster(Clusters& clusters, std::uint32_t colour) {
     std::size_t nearest = 0;
-    std::uint32_t least = squaredDistance(colour, clusters.list[0].stored.a);
+    std::uint32_t smallest = squaredDistance(colour, clusters.list[0].stored.a);
     for (std::size_t i = 1; i < clusters.count; ++i) {
         const std::uint32_t distance = squaredDistance(colour, clusters.list[i].stored.a);
-        if (distance < least) {
-            least = distance;
+        if (distance < smallest) {
+            smallest = distance;
             nearest = i;
         }
     }

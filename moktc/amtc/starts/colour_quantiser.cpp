@@ -7,14 +7,14 @@
 //               opaque B  5  5  5    -      translucent B  4  4  4  even ones, odd ones in the second generation
 //
 //           Rounding each colour independently is right for colours far apart. For close ones it is not: both may round to the
-//           same code, and the levels between A and B, which could come nearer to the target colours than any code does,
+//           same code, and the blends between A and B, which could come nearer to the target colours than any code does,
 //           collapse.
 // Idea      Three regimes by the squared distance of the target colours over the four channels:
 //
 //               below 3     the colours are the same after rounding: a pair one of whose blends hits that colour
 //                           (single_colour.cpp), oriented so that A is near the target A
-//               below 64    try three pairs further apart, such that the target colours fall near neighbouring levels, 0 and 3/8,
-//                           3/8 and 5/8, or 5/8 and 1; take the one with the smallest squared error at those levels
+//               below 64    try three pairs further apart, such that the target colours fall near neighbouring blends, 0 and 3/8,
+//                           3/8 and 5/8, or 5/8 and 1; take the one with the smallest squared error at those blends
 //               otherwise   round each channel to its nearest code
 //
 // Ties      In a channel half-way between two codes, A moves away from B and B away from A, so that the pair spans the target
@@ -115,13 +115,13 @@ struct Placement {
 };
 constexpr std::array<Placement, 3> placements = {{{0, 0.375f}, {0.375f, 0.625f}, {0.625f, 1}}};
 
-/// The best of the pairs further apart that have the target colours near two neighbouring levels.
-ColourPair placeBetweenLevels(Generation generation, bool isOpaque, const ColourVector& floatA, const ColourVector& floatB) {
+/// The best of the pairs further apart that have the target colours near two neighbouring blends.
+ColourPair placeAtBlends(Generation generation, bool isOpaque, const ColourVector& floatA, const ColourVector& floatB) {
     ColourPair best{};
     float bestError = std::numeric_limits<float>::infinity();
     for (const Placement& placement : placements) {
-        // Kept (close-pairs-miss-their-levels): the ends move apart by fractions of the target colours' distance, not of the
-        // pair's own, which is larger; the target colours lie near the levels and not on them. Start candidates and the
+        // Kept (close-pairs-miss-their-blends): the ends move apart by fractions of the target colours' distance, not of the
+        // pair's own, which is larger; the target colours lie near the blends and not on them. Start candidates and the
         // refinement both round through here, so that the exact pair would change most encoded blocks of smooth images.
         ColourVector a, b;
         for (std::size_t channel = 0; channel < channelCount; ++channel) {
@@ -160,7 +160,7 @@ ColourPair QuantiseColourPair(Generation generation, bool isPunchThrough, const 
     const bool isOpaque = floatA[alphaChannel] >= lowestOpaqueAlpha && floatB[alphaChannel] >= lowestOpaqueAlpha;
     const float distance = squaredDistance(floatA, floatB);
     if (distance < sameColourDistance) return SplitEqualPair(generation, isPunchThrough, floatA, floatB, roundToRGBA(floatA));
-    if (distance < closeColourDistance) return placeBetweenLevels(generation, isOpaque, floatA, floatB);
+    if (distance < closeColourDistance) return placeAtBlends(generation, isOpaque, floatA, floatB);
     return quantiseEach(generation, isOpaque, floatA, floatB);
 }
 

@@ -24,7 +24,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "moktc/amtc/starts/axis_endpoints.h"
 #include "moktc/amtc/starts/colour_quantiser.h"
 
 namespace moktexture::amtc {

@@ -71,7 +71,7 @@ TEST(AmtcBlendTable, IndicesHaveTheWeightsOfTheBlocksOwnColours) {
     // clang-format off
     const struct { std::uint32_t generation, mode, around; std::size_t row, column; std::array<std::uint8_t, 4> values;
                    std::uint8_t level2A, level2B; std::uint32_t level2Mask; } cases[] = {
-     // generation, mode, around, row, column, weights by index, level 2: A, B, mask
+     // generation, mode, around, row, column, weights by index, index 2: A, B, mask
         {1, 1, 0, 3, 3, {0, 4, 9, 8}, 4, 4, 0x00FFFFFF},  // a mean of the block's colours, and ignored all the same
         {2, 1, 0, 3, 3, {0, 4, 9, 8}, 0, 0,          0},
         {2, 1, 0, 3, 1, {0, 3, 5, 8}, 3, 5, 0xFFFFFFFF},

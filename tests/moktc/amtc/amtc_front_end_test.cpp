@@ -5,8 +5,7 @@
 #include <tuple>
 
 #include "moktc/amtc/driver/level_images.h"
-#include "moktc/amtc/host/amtc_progress.h"
-#include "moktc/amtc/host/front_end_helpers.h"
+#include "moktc/amtc/host/front_end.h"
 
 using namespace moktexture::amtc;
 

@@ -3,13 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "moktc/amtc/driver/block_passes.h"
 #include "moktc/amtc/driver/level_pipeline.h"
-#include "moktc/amtc/driver/pack_local_block.h"
-#include "moktc/amtc/driver/threadsupport.h"
 #include "moktc/amtc/evaluation/pixel_evaluation.h"
-#include "moktc/amtc/host/front_end_helpers.h"
-#include "moktc/amtc/refinement/mode_refinement.h"
+#include "moktc/amtc/host/front_end.h"
 #include "moktc/amtc/refinement/visit_block.h"
 #include "moktc/amtc/starts/start_candidates.h"
 #include "moktc/block/block_order.h"

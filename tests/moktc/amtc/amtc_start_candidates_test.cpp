@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "moktc/amtc/analysis/footprint_analysis.h"
-#include "moktc/amtc/starts/axis_endpoints.h"
 #include "moktc/amtc/starts/start_candidates.h"
 #include "moktc/moktc.h"
 #include "support/test_images.h"
@@ -63,7 +62,7 @@ TEST(AmtcFourLevelFit, GivesTheErrorOfItsEndsWhateverTheCacheHolds) {
         for (int start = 0; start < 3; ++start) {  // a cache filled by other starts changes no fit
             const double low = random.below(512), high = random.below(512);
             RegressionCache empty;
-            const LevelFit fit = FitFourLevels(sorted, low, high, empty);
+            const AxisFit fit = FitFourLevels(sorted, low, high, empty);
             ASSERT_EQ(FitFourLevels(sorted, low, high, filled).error, fit.error);
             ASSERT_NEAR(fit.error, errorOfLevels(sorted, fit.low, fit.high), 1e-6 * (1 + fit.error));
         }
@@ -73,7 +72,7 @@ TEST(AmtcFourLevelFit, GivesTheErrorOfItsEndsWhateverTheCacheHolds) {
 TEST(AmtcFourLevelFit, EndsThatNoLongerMoveAreTheResultEvenIfEarlierOnesWereBetter) {
     RegressionCache cache;
     const SortedPositions sorted = sortedFrom({0, 3, 6, 8, 10});
-    const LevelFit fit = FitFourLevels(sorted, 0, 10, cache);
+    const AxisFit fit = FitFourLevels(sorted, 0, 10, cache);
     EXPECT_NEAR(fit.low, 0.15, 1e-9);
     EXPECT_GT(fit.error, errorOfLevels(sorted, 0, 10));
 }
@@ -86,7 +85,7 @@ TEST(AmtcAxisEndpoints, PunchThroughLeavesOutZeroPixelsOfTheSecondGenerationAt4B
         EXPECT_EQ(endpoints(settings, i >= 4, footprint) == (ColourPair{0xff101010, 0xff848484}), i == 7) << i;
     }
     EXPECT_EQ(endpoints(at4Bits, true, Footprint{}), (ColourPair{0, 0x11000000}));
-    // The pair is for the levels of the other modes: 200 lies at 3/8.
+    // The pair is for the blends of the other modes: 200 lies at 3/8.
     EXPECT_EQ(endpoints(at4Bits, true, halves(at4Bits, 0xff00c8c8, 0xff00c8c8)), (ColourPair{0xff00c6c6, 0xff00cece}));
 }
 

@@ -2,11 +2,14 @@
 
 #include <atomic>
 #include <cstdint>
+#include <cstdio>
 #include <mutex>
 #include <optional>
 
 /// @file
-/// A progress record that a host may fill on one thread and query on another. The encoder resets it and reports nothing.
+/// For a front end of the encoder: a progress record that it may fill on one thread and query on another, and routines of a
+/// command-line program, whose messages go to the standard error stream. Nothing in the library calls the routines; the encoder
+/// resets the record and reports nothing in it.
 
 namespace moktexture::amtc {
 
@@ -35,5 +38,18 @@ struct OnceMutex {
 };
 /// Creates the mutex once, however many threads call at the same time.
 void InitOnceMutex(OnceMutex& record);
+
+/// Rounds an image's size down to one that can be encoded. Sizes that are no powers of two switch linear block order on, sides
+/// above 4096 are limited to that; messages name the image. One smaller than a block ends the process with status 1.
+/// @param width, height, linearBlockOrder read and written
+/// @param warn non-zero: write a warning when the size is changed
+void CheckSourceSize(const char* name, std::uint32_t bitsPerPixel, std::int32_t* width, std::int32_t* height,
+                     std::uint32_t* linearBlockOrder, std::uint32_t warn);
+
+/// Writes the blocks of `sizeInPixels` pixels, 8 bytes each, as C source, a byte at a time. Pixels beyond whole blocks are
+/// ignored.
+void WriteBlocksAsText(const std::uint8_t* blocks, std::FILE* stream, std::uint32_t bitsPerPixel, std::uint32_t sizeInPixels);
+/// Writes the same blocks as bytes, a 32-bit word at a time, with a message for each one that fails.
+void WriteBlocksRaw(const std::uint8_t* blocks, std::FILE* stream, std::uint32_t bitsPerPixel, std::uint32_t sizeInPixels);
 
 }  // namespace moktexture::amtc
