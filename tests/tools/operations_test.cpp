@@ -37,7 +37,7 @@ TEST_F(ToolTest, OperationsGiveHandComputedPixels) {
     // clang-format on
     for (const auto& [options, width, input, expectedWidth, expected] : cases) {
         writePNG("a.png", width, static_cast<std::uint32_t>(input.size() / 4 / width), input);
-        expectSuccess(std::string("convert @a.png @b.png -y ") + options);
+        expectSuccess(std::string("convert @a.png -o @b.png -y ") + options);
         EXPECT_EQ(pixelsOf("b.png"), expected) << options;
         EXPECT_EQ(info("b.png")["width"], expectedWidth) << options;
     }
@@ -107,7 +107,7 @@ TEST_F(ToolTest, RefusalOfAnOperationNamesTheRemedy) {
         {ExitStatus::commandLine, "xyzh", {"@a.png --normal-map 1:xyq", "@a.png --normal-map 1:xx", "@a.png --normal-map 1:"}},
         {ExitStatus::commandLine, "leave it out", {"@a.png --normal-map 1 --colour-space srgb"}},
         {ExitStatus::notSupported, "without depth", {"@volume.mok --normal-map 1"}},
-        {ExitStatus::commandLine, "0 to 255", {"@a.png --set-channel a=256", "@a.png --set-channel a=0.5"}},
+        {ExitStatus::commandLine, "0 to 255", {"@a.png --set-channel a=256", "@a.png --set-channel a=0.5", "@a.png --set-channel a=1.0"}},
         {ExitStatus::commandLine, "a=255", {"@a.png --set-channel q=1", "@a.png --set-channel a"}},
         {ExitStatus::commandLine, "bgra", {"@a.png --swizzle bgr", "@a.png --swizzle bgrl"}}};
     // clang-format on

@@ -79,11 +79,11 @@ protected:
         const auto* pixels = static_cast<const std::uint8_t*>(picture.getDataPtr());
         return {pixels, pixels + picture.getDataSize()};
     }
-    /// The names of the files in the folder and their contents.
+    /// The names of the files in the folder and their contents; folders have none.
     std::map<std::string, std::string> files() const {
         std::map<std::string, std::string> found;
         for (const auto& entry : std::filesystem::directory_iterator(path("")))
-            found[entry.path().filename().string()] = read(entry.path().filename().string());
+            found[entry.path().filename().string()] = entry.is_directory() ? "" : read(entry.path().filename().string());
         return found;
     }
     nlohmann::json info(const std::string& name) const {

@@ -8,6 +8,6 @@
 namespace moktextool {
 
 /// Runs the tool with the arguments that follow its name. Never throws.
-ExitStatus runMoktex(std::vector<std::string> arguments, Console& console);
+ExitStatus runMoktex(const std::vector<std::string>& arguments, Console& console);
 
 }  // namespace moktextool

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,9 +17,10 @@ struct GivenOperation {
 
 struct ConvertArguments {
     std::vector<std::string> paths;                      ///< the inputs; also the output, last, where `output` is empty
-    std::string output;                                  ///< a file, or a folder for several inputs
+    std::string output;                                  ///< a file, or a folder for several inputs; "": the last of `paths`
     std::optional<std::string> format, quality, resize;  ///< as given, not parsed yet
     std::vector<GivenOperation> operations;              ///< in the order of the command line
+    std::optional<std::uint32_t> level, layer, face;     ///< the image to write as a picture
     bool overwrite = false, quiet = false;
     ConversionRequest request;  ///< all other options
 };

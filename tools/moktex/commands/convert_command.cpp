@@ -4,6 +4,7 @@
 
 #include "moktex/commands/commands.h"
 #include "moktex/files/container.h"
+#include "moktex/files/picture_file.h"
 #include "moktex/files/texture_file.h"
 #include "moktex/formats/format_names.h"
 #include "moktex/operations/conversion.h"
@@ -32,26 +33,57 @@ struct Job {
     std::string output;
 };
 
-/// Without -o, the last of two paths is the output.
+bool isFolder(const std::string& path) {
+    std::error_code error;
+    return fs::is_directory(path, error);
+}
+
+/// Whether the last path is more likely an input than the output: a picture that is there already, behind other pictures, as
+/// a shell makes it of '*.png'.
+bool lastIsPicture(const std::vector<std::string>& paths) {
+    std::error_code error;
+    return std::all_of(paths.begin(), paths.end(), hasPictureExtension) && fs::exists(paths.back(), error);
+}
+
+/// Without -o, the last path is the output if it is a folder, or the second of two.
 void takeOutputFromPaths(ConvertArguments& arguments) {
+    std::vector<std::string>& paths = arguments.paths;
+    if (paths.empty()) throw Failure(ExitStatus::commandLine, "convert: no input; use 'moktex convert IN OUT'");
     if (!arguments.output.empty()) return;
-    if (arguments.paths.size() != 2)
-        throw Failure(ExitStatus::commandLine, arguments.paths.front(), "no output; name it by -o OUT");
-    arguments.output = arguments.paths.back();
-    arguments.paths.pop_back();
+    const std::string& last = paths.back();
+    if (paths.size() == 1 && isFolder(last))
+        throw Failure(ExitStatus::commandLine, last, "a folder; name the files in it, and a folder for the outputs by -o FOLDER");
+    if (paths.size() == 1) throw Failure(ExitStatus::commandLine, last, "no output; name it by -o OUT");
+    if (!isFolder(last) && paths.size() > 2)
+        throw Failure(ExitStatus::commandLine,
+                      std::to_string(paths.size()) + " inputs and no output; name a folder by -o FOLDER");
+    if (lastIsPicture(paths))
+        throw Failure(
+            ExitStatus::commandLine, last,
+            "two pictures and no output; name a folder by -o FOLDER, or replace this one by -o " + last + " --overwrite");
+    arguments.output = last;
+    paths.pop_back();
 }
 
 bool goesToFolder(const ConvertArguments& arguments) {
-    std::error_code error;
-    const fs::path output(arguments.output);
-    return arguments.paths.size() > 1 || !output.has_filename() || fs::is_directory(output, error);
+    return arguments.paths.size() > 1 || !fs::path(arguments.output).has_filename() || isFolder(arguments.output);
+}
+
+/// A Failure if the output for several inputs is not a folder's name.
+void requireFolderName(const std::string& output) {
+    if (output == standardStream)
+        throw Failure(ExitStatus::commandLine, "several inputs cannot go to standard output; name a folder");
+    const bool isFileName = isContainerExtension(extensionOf(output)) || hasPictureExtension(output);
+    if (isFileName && !isFolder(output))
+        throw Failure(
+            ExitStatus::commandLine, output,
+            "several inputs cannot go to one file; name a folder, which receives .mok files, or convert them one by one");
 }
 
 std::vector<Job> planJobs(const ConvertArguments& arguments) {
     const std::string& output = arguments.output;
     if (!goesToFolder(arguments)) return {{arguments.paths.front(), output}};
-    if (output == standardStream)
-        throw Failure(ExitStatus::commandLine, "several inputs cannot go to standard output; name a folder");
+    requireFolderName(output);
     std::vector<Job> jobs;
     std::set<std::string> taken;
     for (const std::string& input : arguments.paths) {
@@ -65,10 +97,20 @@ std::vector<Job> planJobs(const ConvertArguments& arguments) {
     return jobs;
 }
 
+/// A Failure if an option selects an image for a PNG and the output is no picture.
+void requirePictureFor(const ConvertArguments& arguments, const std::string& output) {
+    const char* option = arguments.level ? "--level" : arguments.layer ? "--layer" : arguments.face ? "--face" : nullptr;
+    if (option != nullptr && outputKind(output) != OutputKind::picture)
+        throw Failure(ExitStatus::commandLine, displayName(output),
+                      std::string(option) +
+                          " selects the image to write as a PNG, and a texture is written whole; leave it out, or "
+                          "name a .png");
+}
+
 /// Creates the folder for several outputs if it is missing; true if it did.
 bool makeFolder(const ConvertArguments& arguments) {
-    if (!goesToFolder(arguments)) return false;
     std::error_code error;
+    if (!goesToFolder(arguments)) return false;
     const bool isNew = fs::create_directories(arguments.output, error);
     if (error || !fs::is_directory(arguments.output, error))
         throw Failure(ExitStatus::inputOutput, arguments.output, "cannot be the folder for the outputs; choose another name");
@@ -95,6 +137,9 @@ ExitStatus runConvert(ConvertArguments arguments, Console& console) {
     if (arguments.format) request.format = parseFormat(*arguments.format);
     if (arguments.quality) request.quality = parseQuality(*arguments.quality);
     request.operations = parseOperations(arguments.operations);
+    request.level = arguments.level.value_or(0);
+    request.layer = arguments.layer.value_or(0);
+    request.face = arguments.face.value_or(0);
     if (arguments.resize) request.resize = parseResize(*arguments.resize);
     takeOutputFromPaths(arguments);
     ExitStatus status = ExitStatus::success;
@@ -102,7 +147,7 @@ ExitStatus runConvert(ConvertArguments arguments, Console& console) {
     const bool isNewFolder = makeFolder(arguments);
     for (const Job& job : jobs) {
         const ExitStatus jobStatus = console.guard([&] {
-            outputKind(job.output);
+            requirePictureFor(arguments, job.output);
             requireLegacyPath({job.output, request.legacyApi});
             requireWritable(job.output, arguments.overwrite);
             convertFile(request, job.input, job.output, console);

@@ -56,8 +56,11 @@ std::string operationHelp() {
     std::string text;
     for (const OperationOption& option : options) {
         const std::string operand = option.operand == nullptr ? "" : option.operand;
-        text += "  " + longName(option) + (operand.empty() || operand[0] == '[' ? "" : " ") + operand + "\n    " + option.help +
-                "\n    " + option.example + '\n';
+        std::string names = option.names;
+        for (std::size_t comma = names.find(','); comma != std::string::npos; comma = names.find(',', comma + 2))
+            names.insert(comma + 1, " ");
+        text += "  " + names + (operand.empty() || operand[0] == '[' ? "" : " ") + operand + "\n    " + option.help + "\n    " +
+                option.example + '\n';
     }
     return text;
 }

@@ -65,8 +65,8 @@ public:
         : ImageOperation(givenText), channel(setChannel), value(setValue) {}
 
     void plan(PlannedTexture& texture) const override {
-        const bool isInRange = value >= 0 && value <= texture.unit && value == std::floor(value);
-        if (texture.unit == 1 || isInRange) return;
+        const bool isWhole = value == std::floor(value) && text.find('.') == std::string::npos;
+        if (texture.unit == 1 || (isWhole && value >= 0 && value <= texture.unit)) return;
         const std::string largest = std::to_string(static_cast<unsigned int>(texture.unit));
         refuse(texture, ExitStatus::commandLine, "the texture's channels hold whole numbers; use 0 to " + largest);
     }
