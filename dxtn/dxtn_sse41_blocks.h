@@ -1,7 +1,7 @@
 #pragma once
 
-// The encoder in SSE4.1 but for the batches, whose width the including kernel chooses: alpha blocks, and blocks of one or two
-// colours. Included by one kernel file for SSE4.1 and one for AVX2.
+// What the SSE4.1 and the AVX2 encoder share: alpha blocks, and colour blocks of one or two colours. Blocks of more colours are
+// searched in batches, as many at once as the kernel that includes this file has lanes.
 
 #include <immintrin.h>
 
@@ -91,9 +91,9 @@ inline std::uint64_t packThreeBits(__m128i values) {
 
 inline std::uint64_t encodeInterpolatedAlpha(const BlockValues& alphas) {
     const __m128i all = _mm_set1_epi16(255);
-    const __m128i least = _mm_minpos_epu16(_mm_min_epu16(alphas.first, alphas.second));
-    const __m128i most = _mm_minpos_epu16(_mm_sub_epi16(all, _mm_max_epu16(alphas.first, alphas.second)));
-    const int smallest = _mm_extract_epi16(least, 0), greatest = 255 - _mm_extract_epi16(most, 0);
+    const __m128i minimum = _mm_minpos_epu16(_mm_min_epu16(alphas.first, alphas.second));
+    const __m128i inverseMaximum = _mm_minpos_epu16(_mm_sub_epi16(all, _mm_max_epu16(alphas.first, alphas.second)));
+    const int smallest = _mm_extract_epi16(minimum, 0), greatest = 255 - _mm_extract_epi16(inverseMaximum, 0);
     const __m128i base = _mm_set1_epi16(static_cast<short>(smallest));
     const __m128i range = _mm_set1_epi16(static_cast<short>(greatest - smallest));
     const __m128i first = stepsBelowLast(_mm_sub_epi16(alphas.first, base), range);

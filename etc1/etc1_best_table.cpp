@@ -5,8 +5,9 @@
 // For a base colour each pixel takes, in each of the eight tables, the best of four modifiers. The errors of all tables are
 // computed side by side, one lane each:
 //
-//   for each pixel:     least = min over the modifiers of the sum over channels of weight * (pixel - clamp(base + modifier))^2
-//                       sum += least
+//   for each pixel:     smallest = minimum over the modifiers of
+//                                  the sum over channels of weight * (pixel - clamp(base + modifier))^2
+//                       sum += smallest
 //   the table is the first lane of lowest sum
 //
 // and only for that table the errors are computed again, one modifier per lane, to choose the indices. With uniform weights all
@@ -30,16 +31,16 @@ TableLanes tableErrors(const Subblock& subblock, const ModifiedColours& modified
     const std::array<float, channelCount> weights = channelWeights(subblock.metric);
     TableLanes sum = broadcast(0);
     for (const Colour& pixel : subblock.pixels) {
-        TableLanes least = broadcast(static_cast<float>(blockErrorBound));
+        TableLanes smallest = broadcast(static_cast<float>(blockErrorBound));
         for (std::size_t step = 0; step < modifierCount; ++step) {
             TableLanes error = broadcast(0);
             for (std::size_t channel = 0; channel < channelCount; ++channel) {
                 const TableLanes difference = broadcast(pixel[channel]) - modified[channel][step];
                 error = error + broadcast(weights[channel]) * (difference * difference);
             }
-            least = min(error, least);
+            smallest = min(error, smallest);
         }
-        sum = sum + least;
+        sum = sum + smallest;
     }
     return sum;
 }

@@ -92,10 +92,10 @@ void add(const ChannelErrors& a, const ChannelErrors& b, ChannelErrors& sum) {
 float errorWithBlue(const ChannelErrors& redGreen, const ChannelErrors& blue) {
     TableLanes sum = broadcast(0);
     for (std::size_t n = 0; n < subblockArea; ++n) {
-        TableLanes least = redGreen[n][0] + blue[n][0];
+        TableLanes smallest = redGreen[n][0] + blue[n][0];
         for (std::size_t step = 1; step < modifierCount; ++step)
-            least = min(least, redGreen[n][step] + blue[n][step]);
-        sum = sum + least;
+            smallest = min(smallest, redGreen[n][step] + blue[n][step]);
+        sum = sum + smallest;
     }
     return minOfTables(sum);
 }

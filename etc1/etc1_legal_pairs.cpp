@@ -52,10 +52,10 @@ std::array<Rank, maxBoxEdge> lowestLegal(const std::array<Rank, maxBoxEdge>& ran
     for (int offset = 0; offset < maxBoxEdge; ++offset) {
         const int equalCode = firstCode + offset - secondCode;
         const int from = std::max(equalCode + minDelta, 0), to = std::min(equalCode + maxDelta, maxBoxEdge - 1);
-        Rank least = noRank;
+        Rank smallest = noRank;
         for (int other = from; other <= to; ++other)
-            least = std::min(least, ranks[static_cast<std::size_t>(other)]);
-        result[static_cast<std::size_t>(offset)] = least;
+            smallest = std::min(smallest, ranks[static_cast<std::size_t>(other)]);
+        result[static_cast<std::size_t>(offset)] = smallest;
     }
     return result;
 }

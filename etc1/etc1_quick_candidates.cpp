@@ -107,11 +107,11 @@ float hueError(const FloatColour& error, const PairWeights& weights) {
 
 std::size_t bestCorner(const CodeRange& range, const FloatColour& colour, const PairWeights& weights) {
     std::size_t best = 0;
-    float least = hueError(range.errorOf(range.corner(0), colour), weights);
+    float smallest = hueError(range.errorOf(range.corner(0), colour), weights);
     for (std::size_t number = 1; number < corners.size(); ++number) {
         const float error = hueError(range.errorOf(range.corner(number), colour), weights);
-        if (error < least) {
-            least = error;
+        if (error < smallest) {
+            smallest = error;
             best = number;
         }
     }

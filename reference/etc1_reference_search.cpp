@@ -36,15 +36,15 @@ Error chooseModifiers(const Subblock& subblock, const Colour& base, std::uint32_
                       std::array<std::uint32_t, subblockArea>& indices) {
     Error sum{};
     for (std::size_t n = 0; n < subblockArea; ++n) {
-        Error least = static_cast<Error>(blockErrorBound);
+        Error smallest = static_cast<Error>(blockErrorBound);
         for (const std::uint32_t index : ascendingIndices) {
             const Error error = pixelError<Error>(subblock, subblock.pixels[n], base, modifiers[table][index]);
-            if (error < least) {
-                least = error;
+            if (error < smallest) {
+                smallest = error;
                 indices[n] = index;
             }
         }
-        sum += least;
+        sum += smallest;
     }
     return sum;
 }
@@ -52,17 +52,17 @@ Error chooseModifiers(const Subblock& subblock, const Colour& base, std::uint32_
 template <class Error>
 TableFit bestOfTables(const Subblock& subblock, const Colour& base) {
     TableFit fit{};
-    Error least = static_cast<Error>(subblockErrorBound);
+    Error smallest = static_cast<Error>(subblockErrorBound);
     for (std::uint32_t table = 0; table < tableCount; ++table) {
         std::array<std::uint32_t, subblockArea> indices{};
         const Error error = chooseModifiers<Error>(subblock, base, table, indices);
-        if (error < least) {
-            least = error;
+        if (error < smallest) {
+            smallest = error;
             fit.table = table;
             fit.indices = indices;
         }
     }
-    fit.error = static_cast<int>(least);
+    fit.error = static_cast<int>(smallest);
     return fit;
 }
 
@@ -91,12 +91,12 @@ std::vector<ColourError> boxErrors(const Subblock& subblock, const CodeBox& box,
 
 /// The first pair of lowest error among the legal ones.
 std::array<Codes, 2> bestLegalPair(const std::vector<ColourError>& first, const std::vector<ColourError>& second) {
-    int least = blockErrorBound;
+    int smallest = blockErrorBound;
     std::array<Codes, 2> best{};
     for (const ColourError& a : first) {
         for (const ColourError& b : second) {
-            if (a.error + b.error >= least || !isLegalPair(a.codes, b.codes)) continue;
-            least = a.error + b.error;
+            if (a.error + b.error >= smallest || !isLegalPair(a.codes, b.codes)) continue;
+            smallest = a.error + b.error;
             best = {a.codes, b.codes};
         }
     }

@@ -8,8 +8,8 @@
 //     3  orientation      3 bytes for x, y and z: 0 or the axis's bit of EMOKTOrientation
 //     4  border           3 unsigned 32-bit numbers: pixels along x, y and z
 //
-// metaDataSize of the record counts 12 bytes and the payload for each block as the setters see it; it is not computed from the
-// map.
+// metaDataSize of the header record is a running sum of 12 bytes and the payload per block, kept by the setters; it is not
+// computed from the map.
 
 #include <algorithm>
 #include <array>

@@ -21,10 +21,9 @@
 ///     its left neighbours               x x x x x   x x x                  columns 3 to 10
 ///     its right neighbours                  x x x   x x x x x              columns 5 to 12
 ///
-///     sideways = left neighbours + right neighbours         upright = row above + row below
-///     mean     = (sideways + upright + 2) / 4   or   (sideways + 1) / 2   or   (upright + 1) / 2     by the pixel's own sub-mode
-///     weight   = stored weight | mean            on odd pixels, of which interpolated blocks store 0 and direct blocks take no
-///     mean
+///     horizontal = left neighbours + right neighbours          vertical = row above + row below
+///     mean       = (horizontal + vertical + 2) / 4,  (horizontal + 1) / 2  or  (vertical + 1) / 2,  by the pixel's own sub-mode
+///     weight     = stored weight | mean     on odd pixels: interpolated blocks store 0 there, direct blocks have mean 0
 ///
 /// A weight is 8 at most, so four of them and the rounding stay below 64 and no sum carries into the next byte.
 
@@ -136,13 +135,13 @@ struct NeighbourRows {
 inline WeightRow resolveMeans(const NeighbourRows& rows, const BlockWeights& left, const BlockWeights& right, unsigned dy) {
     const auto columnsFrom = [](const RowPair& row, unsigned column) { return extractAcrossBlocks(row[0], row[1], column); };
     const auto bothHalves = [](std::uint32_t low, std::uint32_t high) { return low | WeightRow{high} << 32; };
-    const WeightRow sideways = columnsFrom(rows.here, 3) + columnsFrom(rows.here, 5);
-    const WeightRow upright = columnsFrom(rows.above, 4) + columnsFrom(rows.below, 4);
+    const WeightRow horizontalSum = columnsFrom(rows.here, 3) + columnsFrom(rows.here, 5);
+    const WeightRow verticalSum = columnsFrom(rows.above, 4) + columnsFrom(rows.below, 4);
     // After a shift, bits that came from the next byte are masked off.
     const WeightRow means =
-        (((sideways + upright + broadcastByte(2)) >> 2 & broadcastByte(63)) & bothHalves(left.average, right.average)) |
-        (((sideways + broadcastByte(1)) >> 1 & broadcastByte(127)) & bothHalves(left.horizontal, right.horizontal)) |
-        (((upright + broadcastByte(1)) >> 1 & broadcastByte(127)) & bothHalves(left.vertical, right.vertical));
+        (((horizontalSum + verticalSum + broadcastByte(2)) >> 2 & broadcastByte(63)) & bothHalves(left.average, right.average)) |
+        (((horizontalSum + broadcastByte(1)) >> 1 & broadcastByte(127)) & bothHalves(left.horizontal, right.horizontal)) |
+        (((verticalSum + broadcastByte(1)) >> 1 & broadcastByte(127)) & bothHalves(left.vertical, right.vertical));
     const WeightRow oddPixels = dy % 2 == 0 ? ~evenColumns : evenColumns;
     return columnsFrom(rows.here, 4) | (means & oddPixels);
 }
