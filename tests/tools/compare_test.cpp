@@ -1,3 +1,7 @@
+#include <cmath>
+#include <limits>
+
+#include "moktex/commands/pixel_difference.h"
 #include "tool_fixture.h"
 
 TEST_F(ToolTest, CompareGivesHandComputedNumbers) {
@@ -21,6 +25,32 @@ TEST_F(ToolTest, CompareGivesHandComputedNumbers) {
     const std::string text = expectSuccess("compare @a.png @b.png").out;
     for (const char* number : {"41.60", "inf"})
         EXPECT_NE(text.find(number), std::string::npos) << text;
+}
+
+TEST(PixelDifference, IsRightForPicturesOfAnySizeAndNeverPassesWithoutANumber) {
+    using namespace moktextool;
+    const std::uint64_t pixels = std::uint64_t{16384} * 8192;
+    // clang-format off
+    const struct { double square; double peak; double psnr; } cases[] = {
+        // square of every difference, peak, PSNR
+        {255.0 * 255, 255, 0}, {1, 255, 48.1308}, {65535.0 * 65535, 65535, 0}, {0, 255, std::numeric_limits<double>::infinity()}};
+    // clang-format on
+    for (const auto& [square, peak, psnr] : cases) {
+        DifferenceSums sums;
+        sums.squares.fill(square * static_cast<double>(pixels));
+        sums.pixels = pixels;
+        const ChannelDifferences differences = differencesOf(sums, peak, "b.png");
+        EXPECT_DOUBLE_EQ(differences[overAll].meanSquaredError, square);
+        if (std::isinf(psnr))
+            EXPECT_EQ(differences[overAll].psnr, psnr);
+        else
+            EXPECT_NEAR(differences[overAll].psnr, psnr, 1e-4);
+    }
+    DifferenceSums unknown;
+    EXPECT_THROW(differencesOf(unknown, 255, "b.png"), Failure) << "no pixels";
+    unknown.pixels = 1;
+    unknown.squares[1] = std::nan("");
+    EXPECT_THROW(differencesOf(unknown, 255, "b.png"), Failure) << "no number";
 }
 
 TEST_F(ToolTest, CompareReturnsStatus7ForTooLargeDifferences) {

@@ -69,6 +69,7 @@ TEST_F(ToolTest, InfoAndFormatsShowGraphicsApiNumbers) {
     expectSuccess("convert @a.png @dxt.mok -f dxt5");
     EXPECT_EQ(info("a.png")["apiNumbers"]["openGL"], json({{"internalFormat", 0x8058}, {"format", 0x1908}, {"type", 0x1401}}));
     EXPECT_EQ(info("a.png")["apiNumbers"]["dxgi"], 29) << "sRGB";
+    EXPECT_EQ(info("dxt.mok")["apiNumbers"]["dxgi"], 78) << "sRGB";
     EXPECT_EQ(info("dxt.mok")["apiNumbers"]["direct3D9"], 0x35545844);
     EXPECT_TRUE(info("dxt.mok")["apiNumbers"]["openGL"].is_null());
     std::map<std::string, json> dxgi;

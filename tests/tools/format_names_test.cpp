@@ -20,6 +20,18 @@ TEST(FormatNames, ParseToTheirFormats) {
         {"rgb565", 0x0005060500626772, eVarUShortNorm, "rgb565"},
         {"abgr2.10.10.10", {'a', 'b', 'g', 'r', 2, 10, 10, 10}, eVarUIntNorm, "abgr2.10.10.10"},
         {"bgr10.11.11:float", {'b', 'g', 'r', 0, 10, 11, 11, 0}, eVarFloat, "bgr101111:float"},
+        // spellings of other tools
+        {"RGBA", PixelTypeRGBA8, eVarUByteNorm, "rgba8888"},
+        {"BC3_UNORM", eFmtDXT5, eVarUByteNorm, "dxt5"},
+        {"DXT-1", eFmtDXT1, eVarUByteNorm, "dxt1"},
+        {"MOKTC_4bpp_RGBA", eFmtMOKTC4bppRGBA, eVarUByteNorm, "moktc-4bpp-rgba"},
+        {"rgba8", PixelTypeRGBA8, eVarUByteNorm, "rgba8888"},
+        {"R8G8B8A8_UNORM", PixelTypeRGBA8, eVarUByteNorm, "rgba8888"},
+        {"rgba16", PixelTypeRGBA16, eVarUShortNorm, "rgba16161616"},
+        {"RGBA16F", PixelTypeRGBA16, eVarFloat, "rgba16161616:float"},
+        {"r32g32b32a32_float", PixelTypeRGBA32, eVarFloat, "rgba32323232"},
+        {"RGB565", 0x0005060500626772, eVarUShortNorm, "rgb565"},
+        {"bgra", {'b', 'g', 'r', 'a', 8, 8, 8, 8}, eVarUByteNorm, "bgra8888"},
     };
     for (const auto& [name, format, type, canonical] : cases) {
         EXPECT_EQ(parseFormat(name), (TextureFormat{format, type})) << name;
@@ -49,13 +61,36 @@ TEST(FormatNames, OfCompressedFormatsAndRandomLayoutsRoundTrip) {
 
 TEST(FormatNames, ThatAreInvalidAreRefused) {
     std::istringstream names(
-        "dxt dxt6 rgba 8888 rgba888 rgba88888 rgba08888 rgba8.8.8 rgba8..8.8 rgbaa88888 rgq888 rgba8888: "
-        "rgba8888:half rgb9.9.9 rr88 rgb8.4.4:ubytenorm rgb10.10.10:float rgba32323232:ubytenorm r64");
+        "dxt dxt6 8888 rgba888 rgba88888 rgba08888 rgba8.8.8 rgba8..8.8 rgbaa88888 rgq888 rgba8888: "
+        "rgba8888:half rgb9.9.9 rr88 rgb8.4.4:ubytenorm rgb10.10.10:float rgba32323232:ubytenorm r64 rgba5 r8gba r8g16 rgbaf "
+        "8rgba f rgba8.8f");
     for (std::string name; names >> name;)
         EXPECT_THROW(parseFormat(name), Failure) << name;
     EXPECT_THROW(parseFormat(""), Failure);
     EXPECT_EQ(nameOf(TextureFormat{PixelType(0x0808080808080808), eVarUByteNorm}), "layout-0x0808080808080808");
     EXPECT_EQ(nameOf(TextureFormat{PixelType(77), eVarUByteNorm}), "unknown-77");
+}
+
+TEST(FormatNames, ThatAreMisspeltAreAnsweredWithWhatIsMeant) {
+    const std::pair<const char*, const char*> cases[] = {
+        // name, message
+        {"dxt9", "did you mean dxt1?"},
+        {"rgba888", "did you mean rgba8888?"},
+        {"moktc-4bpp", "did you mean moktc-4bpp-rgb?"},
+        {"sRGB", "sRGB is a colour space; use --colour-space srgb"},
+        {"BC1_UNORM_SRGB", "sRGB is a colour space"},
+        {"DDS", "the kind of file follows from the output's name"},
+        {"rgba8888:half", "use one of ubytenorm, sbytenorm"},
+        {"nonsense", "no such format; 'moktex formats' lists them"},
+    };
+    for (const auto& [name, message] : cases) {
+        try {
+            parseFormat(name);
+            FAIL() << name;
+        } catch (const Failure& failure) {
+            EXPECT_NE(std::string(failure.what()).find(message), std::string::npos) << failure.what();
+        }
+    }
 }
 
 TEST(QualityNames, MapNumbersAndNamesByFormat) {

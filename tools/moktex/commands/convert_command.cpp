@@ -10,6 +10,7 @@
 #include "moktex/operations/conversion.h"
 #include "moktex/operations/image_operation.h"
 #include "moktex/report/console.h"
+#include "moktex/report/spelling.h"
 
 namespace fs = std::filesystem;
 using namespace moktexture;
@@ -18,12 +19,13 @@ namespace moktextool {
 
 namespace {
 
-ResizeRequest parseResize(const std::string& text) {
+ResizeRequest parseResize(const std::string& given) {
+    const std::string text = lowerCase(given);
     if (text == "pow2") return {0, 0};
     const std::size_t cross = std::min(text.find('x'), text.size());
     const ResizeRequest size{parseEdge(text.substr(0, cross)), cross < text.size() ? parseEdge(text.substr(cross + 1)) : 0};
     if (size.width == 0 || size.height == 0)
-        throw Failure(ExitStatus::commandLine, "--resize " + text + ": no size; use WIDTHxHEIGHT of 1 to 65536 each, or pow2");
+        throw Failure(ExitStatus::commandLine, "--resize " + given + ": no size; use WIDTHxHEIGHT of 1 to 65536 each, or pow2");
     return size;
 }
 

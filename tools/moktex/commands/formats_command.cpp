@@ -14,34 +14,6 @@ namespace moktextool {
 
 namespace {
 
-/// The most common uncompressed formats. Others are accepted as well.
-constexpr const char* commonLayouts[] = {"rgba8888",
-                                         "bgra8888",
-                                         "rgb888",
-                                         "rgb565",
-                                         "rgba4444",
-                                         "rgba5551",
-                                         "argb1555",
-                                         "abgr2.10.10.10",
-                                         "l8",
-                                         "la88",
-                                         "i8",
-                                         "a8",
-                                         "r8",
-                                         "rg88",
-                                         "argb8888:uintnorm",
-                                         "xrgb8888:uintnorm",
-                                         "rgba8888:sbytenorm",
-                                         "r16",
-                                         "rg1616",
-                                         "rgb161616",
-                                         "rgba16161616",
-                                         "r16:float",
-                                         "rgba16161616:float",
-                                         "bgr10.11.11:float",
-                                         "r32",
-                                         "rgba32323232"};
-
 constexpr const char* explanation =
     "An uncompressed format is written as its channels and their bits: letters r g b a, l (luminance), i (intensity),\n"
     "x (ignored), then a number for each, joined or with dots, 'rgb565', 'abgr2.10.10.10'. Channels of 8, 16 or 32 bits\n"
@@ -52,15 +24,13 @@ constexpr const char* explanation =
 
 constexpr const char* numbersExplanation =
     "OpenGL's numbers are internal format, format and type; '-' is a format without a number. A .ktx file can hold the\n"
-    "formats with an OpenGL number, a .dds file most of those with a Direct3D 9 number. Most compressed formats have a\n"
-    "DXGI number only with the channel type uintnorm.\n";
+    "formats with an OpenGL number, a .dds file most of those with a Direct3D 9 number.\n";
 
 /// The numbers of a format in linear colour space, and that of DXGI also in sRGB.
 Json describeNumbers(const TextureFormat& format) {
     CMOKTextureHeader header;
     header.setPixelFormat(format.pixelType);
     header.setChannelType(format.channelType);
-    if (isCompressed(format.pixelType) && header.getDXGIFormat() == 0) header.setChannelType(eVarUIntNorm);
     Json numbers = describeAPINumbers(header);
     header.setColourSpace(eColourSpaceSRGB);
     numbers["dxgiSRGB"] = describeAPINumbers(header)["dxgi"];
@@ -87,7 +57,7 @@ Json describeAll(bool withNumbers) {
     Json formats = Json::array();
     for (unsigned int id = 0; id < eFmtUnknown; ++id)
         formats.push_back(describe({id, eVarUByteNorm}, withNumbers));
-    for (const char* layout : commonLayouts)
+    for (const char* layout : commonLayouts())
         formats.push_back(describe(parseFormat(layout), withNumbers));
     return formats;
 }

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "moktex/report/console.h"
+#include "moktex/report/spelling.h"
 
 using namespace moktexture;
 
@@ -22,6 +23,14 @@ constexpr std::array typeNames = {
     "ushortnorm", "sshortnorm", "ushort", "sshort",
     "uintnorm",   "sintnorm",   "uint",   "sint",
     "float",
+};
+// clang-format on
+
+// clang-format off
+constexpr const char* layouts[] = {
+    "rgba8888", "bgra8888", "rgb888", "rgb565", "rgba4444", "rgba5551", "argb1555", "abgr2.10.10.10", "l8", "la88",
+    "i8", "a8", "r8", "rg88", "argb8888:uintnorm", "xrgb8888:uintnorm", "rgba8888:sbytenorm", "r16", "rg1616",
+    "rgb161616", "rgba16161616", "r16:float", "rgba16161616:float", "bgr10.11.11:float", "r32", "rgba32323232",
 };
 // clang-format on
 
@@ -88,6 +97,89 @@ std::optional<PixelType> parseLayout(const std::string& text) {
     return format;
 }
 
+/// The letters and digits of a name alone, so that "DXT-1" is "dxt1".
+std::string squeezed(std::string name) {
+    std::erase_if(name, [](unsigned char letter) { return std::isalnum(letter) == 0; });
+    return lowerCase(std::move(name));
+}
+
+/// Removes `ending`; whether it was there.
+bool removeEnding(std::string& text, const std::string& ending) {
+    if (!text.ends_with(ending)) return false;
+    text.resize(text.size() - ending.size());
+    return true;
+}
+
+/// A layout of equally wide channels as other tools write it: "rgba", "rgba8", "rgb16f", "r8g8b8a8_unorm".
+std::optional<TextureFormat> parseEqualChannels(const std::string& name) {
+    std::string text = squeezed(name);
+    removeEnding(text, "unorm");
+    const bool isFloat = removeEnding(text, "float") || (text.size() > 2 && removeEnding(text, "f"));
+    std::string letters, bits;
+    std::vector<std::string> numbers;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isDigit = std::isdigit(static_cast<unsigned char>(text[i])) != 0;
+        if (!isDigit)
+            letters += text[i];
+        else if (i > 0 && std::isdigit(static_cast<unsigned char>(text[i - 1])) != 0)
+            numbers.back() += text[i];
+        else
+            numbers.emplace_back(1, text[i]);
+    }
+    const std::string width = numbers.empty() ? "8" : numbers.front();
+    const bool areEqual = static_cast<std::size_t>(std::count(numbers.begin(), numbers.end(), width)) == numbers.size();
+    const bool arePlaced = numbers.size() <= 1 ? letters == text.substr(0, letters.size()) : numbers.size() == letters.size();
+    if (!areEqual || !arePlaced || (width != "8" && width != "16" && width != "32")) return std::nullopt;
+    for (std::size_t i = 0; i < letters.size(); ++i)
+        bits += (i == 0 ? "" : ".") + width;
+    const std::optional<PixelType> layout = parseLayout(letters + bits);
+    if (!layout) return std::nullopt;
+    return TextureFormat{*layout, isFloat ? eVarFloat : defaultChannelType(*layout)};
+}
+
+std::optional<TextureFormat> parseCompressed(const std::string& name) {
+    std::string text = squeezed(name);
+    removeEnding(text, "unorm");
+    for (unsigned int id = 0; id < eFmtUnknown; ++id) {
+        const FormatInfo& info = GetFormatInfo(id);
+        if (text == squeezed(info.name) || (info.otherName != nullptr && text == squeezed(info.otherName)))
+            return TextureFormat{id, eVarUByteNorm};
+    }
+    return std::nullopt;
+}
+
+/// A layout as nameOf() writes it.
+std::optional<TextureFormat> parseLayoutAndType(const std::string& name) {
+    const std::string text = lowerCase(name);
+    const std::size_t colon = std::min(text.find(':'), text.size());
+    const std::optional<PixelType> layout = parseLayout(text.substr(0, colon));
+    if (!layout) return std::nullopt;
+    if (colon == text.size()) return TextureFormat{*layout, defaultChannelType(*layout)};
+    const auto type = std::find(typeNames.begin(), typeNames.end(), text.substr(colon + 1));
+    if (type != typeNames.end()) return TextureFormat{*layout, static_cast<EMOKTVariableType>(type - typeNames.begin())};
+    std::string all;
+    for (const char* each : typeNames)
+        all += (all.empty() ? "" : ", ") + std::string(each);
+    throw Failure(ExitStatus::commandLine, "--format " + name + ": no such channel type; use one of " + all);
+}
+
+/// What is meant by a name that is no format, as the remedy of a message.
+std::string formatRemedyFor(const std::string& name) {
+    const std::string text = squeezed(name);
+    if (text.find("srgb") != std::string::npos)
+        return "sRGB is a colour space; use --colour-space srgb, and a format as in --format rgba8888";
+    for (const char* extension : {"mok", "ktx", "ktx2", "dds", "h", "png", "jpg", "jpeg"}) {
+        if (text == extension) return "the kind of file follows from the output's name, as in -o OUT.dds";
+    }
+    std::vector<std::string> known(std::begin(layouts), std::end(layouts));
+    for (unsigned int id = 0; id < eFmtUnknown; ++id) {
+        known.emplace_back(GetFormatInfo(id).name);
+        if (GetFormatInfo(id).otherName != nullptr) known.emplace_back(GetFormatInfo(id).otherName);
+    }
+    const std::string nearest = nearestName(name, known);
+    return (nearest.empty() ? "" : "did you mean " + nearest + "? ") + std::string(formatRemedy);
+}
+
 std::string layoutText(PixelType format) {
     const Channels channels(format);
     const auto isShort = [](unsigned int b) { return b < 10; };
@@ -123,26 +215,20 @@ const FormatInfo* findCompressed(PixelType format) {
     return info.format == eFmtUnknown ? nullptr : &info;
 }
 
+std::span<const char* const> commonLayouts() {
+    return layouts;
+}
+
 TextureFormat parseFormat(const std::string& name) {
-    std::string text = name;
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    for (unsigned int id = 0; id < eFmtUnknown; ++id) {
-        const FormatInfo& info = GetFormatInfo(id);
-        if (text == info.name || (info.otherName != nullptr && text == info.otherName)) return {id, eVarUByteNorm};
-    }
-    const std::size_t colon = std::min(text.find(':'), text.size());
-    const std::optional<PixelType> layout = parseLayout(text.substr(0, colon));
-    if (!layout) throw Failure(ExitStatus::commandLine, "--format " + name + ": no such format; " + formatRemedy);
-    TextureFormat format{*layout, defaultChannelType(*layout)};
-    if (colon != text.size()) {
-        const auto type = std::find(typeNames.begin(), typeNames.end(), text.substr(colon + 1));
-        if (type == typeNames.end())
-            throw Failure(ExitStatus::commandLine, "--format " + name + ": no such channel type; " + formatRemedy);
-        format.channelType = static_cast<EMOKTVariableType>(type - typeNames.begin());
-    }
-    const std::string problem = layoutProblem(format);
+    std::optional<TextureFormat> format = parseCompressed(name);
+    if (format) return *format;
+    format = parseLayoutAndType(name);
+    const std::optional<TextureFormat> equal = parseEqualChannels(name);
+    if (equal && (!format || !layoutProblem(*format).empty())) format = equal;
+    if (!format) throw Failure(ExitStatus::commandLine, "--format " + name + ": no such format; " + formatRemedyFor(name));
+    const std::string problem = layoutProblem(*format);
     if (!problem.empty()) throw Failure(ExitStatus::notSupported, "--format " + name + ": " + problem + "; " + formatRemedy);
-    return format;
+    return *format;
 }
 
 std::string nameOf(const TextureFormat& format) {
@@ -205,7 +291,8 @@ void requireDecodable(const TextureFormat& format, const std::string& file) {
 
 Quality parseQuality(const std::string& text) {
     for (unsigned int step = 0; step < names.size(); ++step) {
-        if (text == names[step] || text == std::to_string(step)) return {step, text == names[step]};
+        const bool isNamed = lowerCase(text) == names[step];
+        if (isNamed || text == std::to_string(step)) return {step, isNamed};
     }
     throw Failure(ExitStatus::commandLine, "--quality " + text + ": no such quality; use " + qualityHelp);
 }

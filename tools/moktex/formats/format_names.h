@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 
 #include "moktex/formats/texture_format.h"
@@ -10,8 +11,12 @@ namespace moktextool {
 /// The library's row for a compressed format. Null for an uncompressed layout and for numbers that are no format.
 const moktexture::FormatInfo* findCompressed(moktexture::PixelType format);
 
+/// The most common uncompressed formats by name. Others are accepted as well.
+std::span<const char* const> commonLayouts();
+
 /// Parses a name: that of a compressed format, or channel letters and bits, followed by a colon and the channel type where it is
-/// not defaultChannelType(). A Failure for anything else, and for layouts that cannot be converted.
+/// not defaultChannelType(). Also names as other tools write them, such as "RGBA", "rgba16f", "BC1_UNORM" and "R8G8B8A8". A
+/// Failure for anything else, and for layouts that cannot be converted.
 TextureFormat parseFormat(const std::string& name);
 
 /// The name of a format; the inverse of parseFormat(). Layouts that cannot be converted have their number as the name.

@@ -26,6 +26,16 @@ Json describe(unsigned int number) {
     return number != 0 ? Json(number) : Json();
 }
 
+/// Most compressed formats have a number only with the channel type that getDXGIFormat() was made for, and their pixels have
+/// none.
+unsigned int dxgiNumber(const CMOKTextureHeader& header) {
+    const unsigned int number = header.getDXGIFormat();
+    if (number != 0 || header.getPixelType().part.high != 0) return number;
+    CMOKTextureHeader words = header;
+    words.setChannelType(eVarUIntNorm);
+    return words.getDXGIFormat();
+}
+
 std::string hexadecimal(const Json& number) {
     char text[16];
     std::snprintf(text, sizeof text, "0x%04X", number.get<unsigned int>());
@@ -41,7 +51,7 @@ Json describeAPINumbers(const CMOKTextureHeader& header) {
     return {{"openGL", describe(openGL)},
             {"openGLES", describe(openGLES)},
             {"direct3D9", describe(header.getD3DFormat())},
-            {"dxgi", describe(header.getDXGIFormat())}};
+            {"dxgi", describe(dxgiNumber(header))}};
 }
 
 std::string openGLText(const Json& numbers) {
