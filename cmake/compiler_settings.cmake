@@ -11,6 +11,21 @@ target_compile_options(moktex_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wcast-qual -Wdouble-promotion -Wold-style-cast
     # False warnings of g++ 12 about the inside of its own std::string and std::vector.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict$<SEMICOLON>-Wno-free-nonheap-object>)
+
+# What Debian's own packages are built with. Windows programs get the linker's counterparts by default. Checks of buffer sizes need
+# optimisation, and sanitizers have their own.
+include(CheckPIESupported)
+check_pie_supported()
+if(NOT WIN32 AND NOT MOKTEX_SANITIZE)
+    set(is_optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+    set(hardening -fstack-protector-strong -fstack-clash-protection -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
+        list(APPEND hardening -fcf-protection)
+    endif()
+    target_compile_options(moktex_settings INTERFACE "$<${is_optimised}:${hardening}>")
+    target_link_options(moktex_settings INTERFACE $<${is_optimised}:LINKER:-z,relro,-z,now>)
+endif()
+
 if(MOKTEX_WARNINGS_AS_ERRORS)
     target_compile_options(moktex_settings INTERFACE -Werror)
 endif()

@@ -28,3 +28,10 @@ if(libraries)
 endif()
 file(GLOB program ${work}/build/uses_package ${work}/build/uses_package.exe)
 run(${EMULATOR} ${program})
+
+# The installed tool finds the library from wherever its folders are.
+if(TOOL)
+    file(RENAME ${work}/prefix ${work}/moved)
+    file(GLOB tool ${work}/moved/bin/moktex ${work}/moved/bin/moktex.exe)
+    run(${EMULATOR} ${tool} --version)
+endif()
