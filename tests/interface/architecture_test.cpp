@@ -60,7 +60,7 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"tools/moktex/operations", {"include", "tools/moktex/report", "tools/moktex/formats", "tools/moktex/files"}},
     {"tools/moktex/commands",   {"include", "tools/moktex/report", "tools/moktex/formats", "tools/moktex/files",
                                  "tools/moktex/operations"}},
-    {"tools/moktex",            {"include", "tools/moktex/report", "tools/moktex/commands"}},
+    {"tools/moktex",            {"include", "tools/moktex/report", "tools/moktex/files", "tools/moktex/commands"}},
     {"examples",                {"include"}},
 };
 // clang-format on

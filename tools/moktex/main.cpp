@@ -1,4 +1,9 @@
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #ifdef _WIN32
 #include <fcntl.h>
@@ -8,31 +13,56 @@
 #endif
 
 #include "moktex/commands/command_line.h"
+#include "moktex/files/interruption.h"
 #include "moktex/report/console.h"
+#include "moktex/report/exceptions.h"
 
 namespace {
 
-bool isErrorStreamATerminal() {
+using moktextool::ExitStatus;
+
+bool isTerminal(int descriptor) {
 #ifdef _WIN32
-    return _isatty(_fileno(stderr)) != 0;
+    return _isatty(descriptor) != 0;
 #else
-    return isatty(STDERR_FILENO) != 0;
+    return isatty(descriptor) != 0;
 #endif
+}
+
+ExitStatus run(int argc, char** argv) {
+    moktextool::Console console{std::cin, std::cout, std::cerr, false, isTerminal(2)};
+    console.outIsTerminal = isTerminal(1);
+    const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    const ExitStatus status = moktextool::runMoktex(arguments, console);
+    if (std::cout.flush() || status != ExitStatus::success) return status;
+    console.warn("standard output: writing failed; check what reads it");
+    return ExitStatus::inputOutput;
+}
+
+/// For exceptions outside main(): in a thread, before main(), or where there was no memory for the exception itself.
+[[noreturn]] void onTerminate() {
+    moktextool::printException(std::current_exception());
+    moktextool::removeUnfinishedFiles();
+    std::_Exit(static_cast<int>(ExitStatus::workFailed));
+}
+
+/// Runs before the dynamic initialisation of other files.
+[[gnu::constructor(101)]] void installTerminateHandler() {
+    std::set_terminate(onTerminate);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
 #ifdef _WIN32
-    _setmode(_fileno(stdin), _O_BINARY);
-    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(0, _O_BINARY);
+    _setmode(1, _O_BINARY);
 #endif
-    moktextool::Console console{std::cin, std::cout, std::cerr, false, isErrorStreamATerminal()};
-    const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-    moktextool::ExitStatus status = moktextool::runMoktex(arguments, console);
-    if (!std::cout.flush() && status == moktextool::ExitStatus::success) {
-        console.warn("standard output: writing failed; check what reads it");
-        status = moktextool::ExitStatus::inputOutput;
+    moktextool::handleInterruption();
+    try {
+        return static_cast<int>(run(argc, argv));
+    } catch (...) {
+        moktextool::printException(std::current_exception());
+        return static_cast<int>(ExitStatus::workFailed);
     }
-    return static_cast<int>(status);
 }

@@ -136,6 +136,7 @@ std::vector<OperationPointer> parseOperations(const std::vector<GivenOperation>&
 ExitStatus runConvert(ConvertArguments arguments, Console& console) {
     console.quiet = arguments.quiet;
     ConversionRequest& request = arguments.request;
+    request.overwrites = arguments.overwrite;
     if (arguments.format) request.format = parseFormat(*arguments.format);
     if (arguments.quality) request.quality = parseQuality(*arguments.quality);
     request.operations = parseOperations(arguments.operations);

@@ -82,8 +82,6 @@ void requireLegacy(const CMOKTextureHeader& header, const std::string& path, ELe
         throw Failure(ExitStatus::notSupported, path, "the legacy layout cannot hold a volume; leave out --legacy");
     const CMOKTexture sample = sampleOf(header);
     const TemporaryFile probe(path);
-    if (!probe.write({}))
-        throw Failure(ExitStatus::inputOutput, path, "writing failed; check the folder's permissions and the disk's space");
     std::vector<std::string> able;
     std::string wantedName;
     for (const auto& [name, api] : legacyApis) {

@@ -33,6 +33,7 @@ std::span<const LegacyApiName> legacyApiNames();
 struct OutputTarget {
     std::string path;                                 ///< "-" for a native texture on standard output
     std::optional<moktexture::ELegacyApi> legacyApi;  ///< set for the legacy layout
+    bool overwrites = false;                          ///< an existing file is replaced
 };
 
 /// A Failure if the legacy layout is requested for a file other than .mok.

@@ -64,7 +64,6 @@ Failure loadFailure(ELoadStatus status, const std::string& name) {
 }
 
 constexpr const char* noPixels = "there are no pixels, or empty metadata, to write; check the input";
-constexpr const char* writingFailed = "writing failed; check the folder's permissions and the disk's space";
 
 std::vector<unsigned char> encode(const moktexture::CMOKTexture& texture, const std::string& path) {
     if (outputKind(path) == OutputKind::picture) return encodePNG(texture, path);
@@ -79,7 +78,6 @@ std::vector<unsigned char> encode(const moktexture::CMOKTexture& texture, const 
 /// Writes the legacy layout, which the library can write only to files.
 void writeLegacy(const moktexture::CMOKTexture& texture, const OutputTarget& target, const TemporaryFile& file) {
     requireHoldable(texture, target);
-    if (!file.write({})) throw Failure(ExitStatus::inputOutput, target.path, writingFailed);
     if (!texture.saveFileLegacyMOK(file.getPath().string().c_str(), *target.legacyApi))
         throw Failure(ExitStatus::inputOutput, target.path, "writing failed; check the disk's space");
 }
@@ -111,7 +109,7 @@ OutputKind outputKind(const std::string& path) {
 void requireWritable(const std::string& path, bool overwrite) {
     if (path == standardStream) return;
     std::error_code error;
-    const fs::path folder = fs::path(path).parent_path();
+    const fs::path folder = behindLinks(path).parent_path();
     if (!folder.empty() && !fs::is_directory(folder, error))
         throw Failure(ExitStatus::inputOutput, path, "its folder does not exist; make it first");
     if (!fs::exists(path, error)) return;
@@ -121,22 +119,20 @@ void requireWritable(const std::string& path, bool overwrite) {
 
 std::size_t writeTexture(const moktexture::CMOKTexture& texture, const OutputTarget& output, Console& console) {
     const std::string& path = output.path;
+    if (path == standardStream && console.outIsTerminal)
+        throw Failure(ExitStatus::commandLine, "-", "standard output is a terminal; redirect it to a file or a program");
     const std::vector<unsigned char> image = output.legacyApi ? std::vector<unsigned char>{} : encode(texture, path);
     if (path == standardStream) {
         console.out.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size())).flush();
         if (!console.out) throw Failure(ExitStatus::inputOutput, displayName(path), "writing failed; check what reads it");
         return image.size();
     }
-    std::error_code error;
-    const fs::path target = fs::is_symlink(path, error) ? fs::canonical(path, error) : fs::path(path);
-    TemporaryFile file(target);
+    TemporaryFile file(path);
     if (output.legacyApi)
         writeLegacy(texture, output, file);
-    else if (!file.write(image))
-        throw Failure(ExitStatus::inputOutput, path, writingFailed);
-    const std::uintmax_t size = fs::file_size(file.getPath(), error);
-    if (error || !file.moveTo(target)) throw Failure(ExitStatus::inputOutput, path, writingFailed);
-    return static_cast<std::size_t>(size);
+    else
+        file.write(image);
+    return static_cast<std::size_t>(file.publish(output.overwrites));
 }
 
 }  // namespace moktextool

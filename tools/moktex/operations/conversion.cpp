@@ -291,7 +291,7 @@ void convertFile(const ConversionRequest& request, const std::string& input, con
     if (conversion.isPictureOutput) changeFormat(texture, {rgba8Format, conversion.colourSpace}, name, console);
     const std::string caveat = containerCaveat(texture, {output, request.legacyApi});
     if (!caveat.empty()) console.note(output + ": " + caveat);
-    const std::size_t bytes = writeTexture(texture, {output, request.legacyApi}, console);
+    const std::size_t bytes = writeTexture(texture, {output, request.legacyApi, request.overwrites}, console);
     report(texture, output, bytes, console);
 }
 

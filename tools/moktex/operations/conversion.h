@@ -32,6 +32,7 @@ struct ConversionRequest {
     bool dither = false;
     std::uint32_t level = 0, layer = 0, face = 0;     ///< the image to write as a picture
     std::optional<moktexture::ELegacyApi> legacyApi;  ///< set to write the legacy layout
+    bool overwrites = false;                          ///< an existing output is replaced
 };
 
 /// Converts one file to another. Every request that cannot be met is refused by a Failure before the conversion starts.

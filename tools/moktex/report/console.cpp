@@ -4,10 +4,20 @@
 #include <new>
 #include <ostream>
 
+#include "moktex/report/exceptions.h"
+
 namespace moktextool {
 
-void Console::warn(const std::string& message) {
+namespace {
+
+void printLine(std::ostream& err, const std::string& message) {
     err << "moktex: " << printable(message) << '\n';
+}
+
+}  // namespace
+
+void Console::warn(const std::string& message) {
+    if (printed.insert(message).second) printLine(err, message);
 }
 
 void Console::note(const std::string& message) {
@@ -18,12 +28,18 @@ ExitStatus Console::guard(const std::function<ExitStatus()>& work) {
     try {
         return work();
     } catch (const Failure& failure) {
-        warn(failure.what());
+        printLine(err, failure.what());
         return failure.status;
     } catch (const std::bad_alloc&) {
-        warn("not enough memory; use smaller pictures or close other programs");
+        err << noMemoryMessage;  // warn() would take memory
         return ExitStatus::workFailed;
     }
+}
+
+std::string systemReason(const std::error_code& error) {
+    std::string reason = error.message();
+    reason.erase(reason.find_last_not_of(".\r\n ") + 1);
+    return reason;
 }
 
 std::string printable(const std::string& text) {

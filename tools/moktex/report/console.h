@@ -2,8 +2,10 @@
 
 #include <functional>
 #include <iosfwd>
+#include <set>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 namespace moktextool {
 
@@ -32,17 +34,24 @@ struct Console {
     std::istream& in;
     std::ostream& out;
     std::ostream& err;
-    bool quiet = false;       ///< suppresses the results of `convert`, notes and the progress line
-    bool isTerminal = false;  ///< `err` is a terminal, so that a progress line can be drawn
+    bool quiet = false;          ///< suppresses the results of `convert`, notes and the progress line
+    bool isTerminal = false;     ///< `err` is a terminal, so that a progress line can be drawn
+    bool outIsTerminal = false;  ///< `out` is a terminal, which textures would only garble
 
-    /// One line on `err`, also where `quiet` is set.
+    /// One line on `err`, also where `quiet` is set: what is wrong, or differs from what was asked for, so that the user must see
+    /// it. A line is printed once.
     void warn(const std::string& message);
-    /// One line on `err`, unless `quiet` is set.
+    /// One line on `err`, unless `quiet` is set: what helps, but is as it was asked for. A line is printed once.
     void note(const std::string& message);
 
     /// Runs `work`; a Failure or lack of memory becomes a line on `err` and a status.
     ExitStatus guard(const std::function<ExitStatus()>& work);
+
+    std::set<std::string> printed = {};  ///< the lines of warn() and note()
 };
+
+/// The system's words for an error, without the full stop that some systems add.
+std::string systemReason(const std::error_code& error);
 
 /// `text` with control characters replaced by '?', so that it is one line and cannot control a terminal.
 std::string printable(const std::string& text);
