@@ -3,7 +3,7 @@
 #include "bench_pictures.h"
 #include "core/base/pixel_block.h"
 #include "etc1/etc1.h"
-#include "etc1/etc1_search.h"
+#include "etc1/etc1_encoder.h"
 #include "reference/etc1_reference_search.h"
 
 namespace {

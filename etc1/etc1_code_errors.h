@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "etc1/etc1_search.h"
-#include "etc1/etc1_table_lanes.h"
+#include "etc1/etc1_encoder.h"
+#include "etc1/etc1_subblock.h"
 
 /// @file
 /// The errors of a subblock around all base colours of a box, and the searches in them.

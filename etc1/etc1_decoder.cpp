@@ -1,8 +1,7 @@
-#include "etc1/etc1_decoder.h"
-
 #include <algorithm>
 
 #include "etc1/etc1.h"
+#include "etc1/etc1_block.h"
 
 namespace moktexture {
 namespace etc1 {

@@ -1,10 +1,10 @@
+#include "etc1/etc1_encoder.h"
+
 #include <memory>
 #include <new>
 
 #include "etc1/etc1.h"
-#include "etc1/etc1_decoder.h"
-#include "etc1/etc1_quick_candidates.h"
-#include "etc1/etc1_search.h"
+#include "etc1/etc1_block.h"
 
 // Blocks are encoded independently. The six qualities combine three ways to find base colours, from fast to thorough, with two
 // error metrics; docs/quality.md and docs/performance.md list their quality and speed.

@@ -1,6 +1,5 @@
-#include "etc1/etc1_quick_candidates.h"
-
-#include "etc1/etc1_decoder.h"
+#include "etc1/etc1_block.h"
+#include "etc1/etc1_encoder.h"
 
 // Qualities 0 and 1. The average of a subblock is a good base colour; the question is how to quantise it to codes of 4 or 5
 // bits. Two candidates do that differently, and the better one is taken:

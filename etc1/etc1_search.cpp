@@ -1,10 +1,9 @@
-#include "etc1/etc1_search.h"
-
 #include <algorithm>
 #include <optional>
 
-#include "etc1/etc1_best_table.h"
 #include "etc1/etc1_code_errors.h"
+#include "etc1/etc1_encoder.h"
+#include "etc1/etc1_subblock.h"
 
 // Qualities 2 to 5. The result is defined by an exhaustive search, which the reference form in `reference/` implements literally:
 //

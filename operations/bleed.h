@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "operations/frame/level_view.h"
+#include "operations/frame/operation_frame.h"
 
 namespace moktexture {
 

@@ -4,7 +4,7 @@
 #include "image_operations.h"
 #include "operations/frame/channel_elements.h"
 #include "operations/frame/operation_frame.h"
-#include "operations/resample/resample_level.h"
+#include "operations/resample/resampling.h"
 
 namespace moktexture {
 namespace {

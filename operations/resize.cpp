@@ -1,6 +1,6 @@
 #include "image_operations.h"
 #include "operations/frame/operation_frame.h"
-#include "operations/resample/resample_level.h"
+#include "operations/resample/resampling.h"
 
 namespace moktexture {
 namespace {

@@ -4,7 +4,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "etc1/etc1_search.h"
+#include "etc1/etc1_encoder.h"
 
 namespace moktexture::etc1 {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "etc1/etc1_best_table.h"
+#include "etc1/etc1_subblock.h"
 
 namespace moktexture::etc1 {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "operations/frame/level_view.h"
+#include "operations/frame/operation_frame.h"
 #include "texture_enums.h"
 
 namespace moktexture {

@@ -1,11 +1,10 @@
-#include "transcode/codec_table.h"
-
 #include <array>
 
 #include "dxtn/dxtn.h"
 #include "etc1/etc1.h"
 #include "moktc/moktc.h"
 #include "transcode/pixels/packed_codecs.h"
+#include "transcode/stages.h"
 
 namespace moktexture {
 

@@ -6,10 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/texture/data_size.h"
 #include "core/texture/subresources.h"
 #include "image_operations.h"
-#include "transcode/codec_table.h"
 #include "transcode/convert_layout.h"
 #include "transcode/pixels/dither.h"
 

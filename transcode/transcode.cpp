@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "core/texture/TextureInternals.h"
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 #include "transcode/convert_layout.h"
 #include "transcode/stages.h"
 
@@ -59,8 +59,9 @@ bool compress(CMOKTexture& texture, PixelType target, ECompressorQuality quality
 
 bool Transcode(CMOKTexture& texture, PixelType target, EMOKTVariableType channelType, EMOKTColourSpace colourSpace,
                ECompressorQuality quality, bool dither) {
-    // Kept (no-dither-from-32-bits): a target of 32 bits per pixel or more is never dithered, not even rgba 2.10.10.10, whose
-    // alpha has 2 bits. The bytes of such targets depend on it.
+    // Kept (no-dither-from-32-bits): a target of 32 bits per pixel or more is never dithered, not even abgr 2.10.10.10, whose
+    // alpha has 2 bits. ditherStage() goes through RGBA8: .mok files of such targets, from callers that always pass `dither`,
+    // would lose the low 2 bits of each 10-bit channel and the low byte of each 16-bit one.
     const bool dithers = dither && bitsPerPixel(target) < 32;
     if (!isAcceptable(texture, target, dithers)) return false;
 

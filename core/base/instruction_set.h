@@ -14,6 +14,12 @@ namespace moktexture {
 enum class InstructionSet { baseline, sse41, avx2 };
 
 /// The largest instruction set that this processor and operating system offer.
-InstructionSet detectInstructionSet();
+inline InstructionSet detectInstructionSet() {
+#if MOKTEX_X86_KERNELS
+    if (__builtin_cpu_supports("avx2")) return InstructionSet::avx2;
+    if (__builtin_cpu_supports("sse4.1")) return InstructionSet::sse41;
+#endif
+    return InstructionSet::baseline;
+}
 
 }  // namespace moktexture

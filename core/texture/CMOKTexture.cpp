@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "core/texture/TextureInternals.h"
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 
 namespace moktexture {
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "core/base/numeric.h"
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 
 namespace moktexture {
 namespace {

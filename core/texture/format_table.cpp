@@ -4,9 +4,9 @@
 #include "format_info.h"
 
 /// @file
-/// The one table of compressed formats. Sizes (data_size.cpp), codecs (transcode/codec_table.cpp), dithering and the command-line
-/// tool all look up here. To add a format, give it a number in compressed_format_id.h and a row here; if its codec is new, the
-/// codec becomes a value of EFormatCodec and a row of transcode/codec_table.cpp.
+/// The one table of compressed formats. Sizes (subresources.cpp), codecs (transcode/codec_table.cpp), dithering and the
+/// command-line tool all look up here. To add a format, give it a number in compressed_format_id.h and a row here; if its codec
+/// is new, the codec becomes a value of EFormatCodec and a row of transcode/codec_table.cpp.
 
 namespace moktexture {
 namespace {

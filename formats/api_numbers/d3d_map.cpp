@@ -1,4 +1,4 @@
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 #include "formats/api_numbers/api_constants.h"
 #include "formats/api_numbers/format_maps.h"
 

@@ -1,7 +1,7 @@
 // The members of CMOKTextureHeader that translate its format to and from the numbers of graphics APIs.
 
 #include "CMOKTextureHeader.h"
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 #include "formats/api_numbers/api_constants.h"
 #include "formats/api_numbers/format_maps.h"
 

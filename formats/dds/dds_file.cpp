@@ -24,7 +24,6 @@
 #include <cstddef>
 
 #include "core/texture/TextureInternals.h"
-#include "core/texture/data_size.h"
 #include "core/texture/subresources.h"
 #include "formats/dds/dds_pixel_format.h"
 

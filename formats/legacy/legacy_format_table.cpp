@@ -3,7 +3,7 @@
 #include <span>
 
 #include "compressed_format_id.h"
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 #include "formats/api_numbers/format_maps.h"
 
 namespace moktexture {

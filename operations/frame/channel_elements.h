@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "core/base/numeric.h"
-#include "operations/frame/level_view.h"
+#include "operations/frame/operation_frame.h"
 #include "texture_enums.h"
 
 /// @file

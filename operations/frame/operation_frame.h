@@ -1,13 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <type_traits>
 #include <utility>
 
 #include "CMOKTexture.h"
-#include "core/texture/data_size.h"
+#include "core/texture/TextureInternals.h"
 #include "core/texture/subresources.h"
-#include "operations/frame/level_view.h"
 
 /// @file
 /// The frame that all image operations share. An operation has four steps, of which it writes the third itself:
@@ -33,19 +33,74 @@
 
 namespace moktexture {
 
+/// Elements of a pixel of an operable texture: red, green, blue, alpha.
+inline constexpr std::size_t channelsPerPixel = 4;
+
+/// A pixel that is moved without being interpreted: 4, 8 or 16 bytes.
+template <std::size_t Size>
+struct WholePixel {
+    std::byte bytes[Size];
+};
+
+/// Array elements that a pixel takes: four channels, or one WholePixel.
+template <typename T>
+inline constexpr std::size_t elementsPerPixel = channelsPerPixel;
+template <std::size_t Size>
+inline constexpr std::size_t elementsPerPixel<WholePixel<Size>> = 1;
+
+/// The pixels of one face of one layer at one MIP level: `size.depth` slices of `size.height` rows of `size.width` pixels,
+/// without gaps. T is a channel's element (const for a level that is only read) or a WholePixel. Does not own the pixels.
+template <typename T>
+struct LevelView {
+    T* data;
+    LevelSize size;
+
+    T* row(std::size_t y, std::size_t z) const { return pixel(0, y, z); }
+    T* pixel(std::size_t x, std::size_t y, std::size_t z) const {
+        return data + ((z * size.height + y) * size.width + x) * elementsPerPixel<std::remove_const_t<T>>;
+    }
+    operator LevelView<const T>() const requires(!std::is_const_v<T>) { return {data, size}; }
+};
+
+/// A level seen as whole pixels. 32-bit integers and floats give the same type.
+template <typename T>
+auto wholePixels(const LevelView<T>& level) {
+    using Pixel = WholePixel<channelsPerPixel * sizeof(T)>;
+    using SameConstness = std::conditional_t<std::is_const_v<T>, const Pixel, Pixel>;
+    return LevelView<SameConstness>{reinterpret_cast<SameConstness*>(level.data), level.size};
+}
+
 /// The MIP levels that an operation visits.
 enum class VisitedLevels { all, first };
 
 /// Whether the image operations work on a pixel form: RGBA8 with eVarUByteNorm, RGBA16 with eVarUShortNorm, RGBA32 with
 /// eVarUIntNorm or eVarFloat.
-bool isOperableTexture(const PixelType& type, const EMOKTVariableType& channelType);
+inline bool isOperableTexture(const PixelType& type, const EMOKTVariableType& channelType) {
+    switch (channelType) {
+        case eVarUByteNorm:
+            return type == PixelTypeRGBA8;
+        case eVarUShortNorm:
+            return type == PixelTypeRGBA16;
+        case eVarUIntNorm:
+        case eVarFloat:
+            return type == PixelTypeRGBA32;
+        default:
+            return false;
+    }
+}
 
 /// Whether operations accept the texture: isOperableTexture(), its sizes fit in 32 bits, and its buffer, if it has one, holds all
 /// pixels. Textures without a buffer, layers, faces or levels are accepted; they have no subresource to visit.
-bool isOperable(const CMOKTexture& texture);
+inline bool isOperable(const CMOKTexture& texture) {
+    if (!isOperableTexture(texture.getPixelType(), texture.getChannelType()) || !sizesFit32Bits(texture)) return false;
+    return texture.getDataPtr() == nullptr || texture.getDataSize() <= TextureInternals::dataSize(texture);
+}
 
 /// Whether both textures have the same dimensions and the same numbers of layers, faces and levels.
-bool haveEqualShape(const CMOKTextureHeader& a, const CMOKTextureHeader& b);
+inline bool haveEqualShape(const CMOKTextureHeader& a, const CMOKTextureHeader& b) {
+    return levelSize(a, 0) == levelSize(b, 0) && a.getNumArrayMembers() == b.getNumArrayMembers() &&
+           a.getNumMIPLevels() == b.getNumMIPLevels() && a.getNumFaces() == b.getNumFaces();
+}
 
 /// A subresource of a texture; T is the element type of its channels, const or not.
 template <typename T>

@@ -8,7 +8,8 @@
 
 #include "core/base/numeric.h"
 #include "operations/frame/channel_elements.h"
-#include "operations/frame/level_view.h"
+#include "operations/frame/operation_frame.h"
+#include "texture_enums.h"
 
 /// @file
 /// Positions, weights and arithmetic of resampleLevel(), which maps a level to another size by sampling points: each destination
@@ -185,10 +186,44 @@ T elementFromCubicSum(float sum) {
     return elementFromBounded<T>(raised > channelUnit<T> ? channelUnit<T> : raised);
 }
 
+/// Each filter on all pixels of a destination.
+template <typename T>
+void resampleNearest(const Resampling<T>& resampling);
+
 template <typename T>
 void resampleLinear(const Resampling<T>& resampling);
 
 template <typename T>
 void resampleCubic(const Resampling<T>& resampling);
+
+/// Maps one level to another size by sampling points, as described above. T is the element of an operable texture. The levels do
+/// not overlap.
+/// @return false if a data pointer is null. True for an unknown mode and where a size is 0, which write nothing.
+template <typename T>
+bool resampleLevel(const LevelView<const T>& source, const LevelView<T>& destination, EResizeMode mode) {
+    if (source.data == nullptr || destination.data == nullptr) return false;
+    if (source.size.isEmpty() || destination.size.isEmpty()) return true;
+    const Resampling<T> resampling = makeResampling(source, destination);
+    switch (mode) {
+        case eResizeNearest:
+            resampleNearest(resampling);
+            break;
+        case eResizeLinear:
+            resampleLinear(resampling);
+            break;
+        case eResizeCubic:
+            resampleCubic(resampling);
+            break;
+    }
+    return true;
+}
+
+/// resampleLevel() of levels given by their parts.
+template <typename T>
+bool resampleLevel(const T* source, T* destination, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcDepth,
+                   unsigned int dstWidth, unsigned int dstHeight, unsigned int dstDepth, EResizeMode mode) {
+    return resampleLevel<T>(LevelView<const T>{source, {srcWidth, srcHeight, srcDepth}},
+                            LevelView<T>{destination, {dstWidth, dstHeight, dstDepth}}, mode);
+}
 
 }  // namespace moktexture

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 #include "native_image.h"
 #include "support/temporary_folder.h"
 #include "support/test_images.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "CMOKTextureHeader.h"
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 #include "metadata_samples.h"
 
 using namespace moktexture;

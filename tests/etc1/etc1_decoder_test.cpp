@@ -1,10 +1,9 @@
-#include "etc1/etc1_decoder.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "etc1/etc1.h"
+#include "etc1/etc1_block.h"
 #include "support/test_images.h"
 
 namespace {

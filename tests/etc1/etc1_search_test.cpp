@@ -1,12 +1,10 @@
-#include "etc1/etc1_search.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <iterator>
 
-#include "etc1/etc1_decoder.h"
-#include "etc1/etc1_quick_candidates.h"
+#include "etc1/etc1_block.h"
+#include "etc1/etc1_encoder.h"
 #include "reference/etc1_reference_search.h"
 #include "support/test_images.h"
 

@@ -1,7 +1,7 @@
 #include <array>
 
 #include "operation_textures.h"
-#include "operations/resample/resample_level.h"
+#include "operations/resample/resampling.h"
 #include "reference/resample_reference.h"
 
 using namespace operationtextures;

@@ -1,5 +1,4 @@
 #include "dxtn/dxtn.h"
-#include "transcode/codec_table.h"
 #include "transcode/stages.h"
 #include "transcode_samples.h"
 

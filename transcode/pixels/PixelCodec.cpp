@@ -112,7 +112,7 @@ float readFloat(const PixelCodec& codec, int position) {
 }
 
 // Kept (grey-fills-one-channel): of a destination that has both luminance and intensity only one is filled, and the other is 0.
-// The bytes of textures with both letters depend on it.
+// convertFrom() writes one position of a pixel of l8 i8 and leaves the other byte 0, and such .mok files are stored like that.
 ValueSource fromConstant(float value) {
     return {ValueSource::constant, value, eChannelNone};
 }

@@ -2,9 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-
-#include "transcode/pixels/table_conversion.h"
 
 namespace moktexture {
 
@@ -18,10 +15,6 @@ struct ByteShuffle {
     std::uint8_t source[16];       ///< by destination byte: the source byte, or noSource
     std::uint8_t constant[16];     ///< by destination byte: the value where there is no source, else 0
 };
-
-/// The byte shuffle that gives the same bytes as the tables; nothing if there is none. All values of each table are looked at, so
-/// that the two are equal for every pixel.
-std::optional<ByteShuffle> makeByteShuffle(const TableConversion& tables);
 
 /// Converts in whole vectors as many pixels as it can without reading or writing beyond them, and returns their number. Built on
 /// x86-64 alone; other processors convert by tables.

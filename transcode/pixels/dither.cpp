@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 #include "format_info.h"
 #include "transcode/pixels/PixelCodec.h"
 
@@ -80,8 +80,8 @@ constexpr unsigned char clampToByte(int value) {
 
 /// The 8-bit value that `bits` bits of `value` represent.
 /// Kept (dither-second-shift): the value shifted by `bits` is added to the upper bits, so that for 1 to 3 bits the result is not
-/// a value that the target can represent: 1 bit gives the top bit plus half of the value. The bytes of every dithered texture
-/// depend on it.
+/// a value that the target can represent: 1 bit gives the top bit plus half of the value. Transcode() with `dither` passes on
+/// the errors of these sums: .mok files dithered to eFmtBW1bpp, and the alpha of eFmtDXT1 and eFmtMOKTC2bppRGBA, hold their bits.
 constexpr unsigned char quantise(unsigned char value, unsigned int bits) {
     const unsigned int dropped = 8 - bits;
     return clampToByte(static_cast<int>((value >> dropped << dropped) + (value >> bits)));

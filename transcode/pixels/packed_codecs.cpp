@@ -64,7 +64,8 @@ void yuvToRGB(int y, int u, int v, std::uint8_t* rgba) {
     const int c = (y - 16) * 298, d = u - 128, e = v - 128;
     rgba[0] = byteFromFixedPoint(c + 409 * e + 128);
     rgba[1] = byteFromFixedPoint(c - 100 * d - 208 * e + 128);
-    // Kept (blue-factor-517): one above the customary 516. The blue of every decoded YUV texture depends on it.
+    // Kept (blue-factor-517): one above the customary 516. Transcode() of eFmtUYVY and eFmtYUY2 to RGBA8 gives
+    // the blue byte by it, 242 and not 241 for Y 50 and U 228, and hosts have stored such RGBA8 .mok files.
     rgba[2] = byteFromFixedPoint(c + 517 * d + 128);
     rgba[3] = 255;
 }

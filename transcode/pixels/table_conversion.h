@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "transcode/pixels/byte_shuffle.h"
 #include "transcode/pixels/conversion_plan.h"
 
 namespace moktexture {
@@ -34,5 +35,9 @@ public:
     unsigned int sourceBytes = 0;
     unsigned int destinationBytes = 0;
 };
+
+/// The byte shuffle that gives the same bytes as the tables; nothing if there is none. All values of each table are looked at, so
+/// that the two are equal for every pixel.
+std::optional<ByteShuffle> makeByteShuffle(const TableConversion& tables);
 
 }  // namespace moktexture

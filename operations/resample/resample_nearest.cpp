@@ -1,5 +1,3 @@
-#include "operations/resample/resample_level.h"
-
 #include "operations/resample/resampling.h"
 
 namespace moktexture {
@@ -23,36 +21,17 @@ void resampleStripNearest(const Resampling<T>& resampling, std::uint32_t firstCo
     }
 }
 
+}  // namespace
+
 template <typename T>
 void resampleNearest(const Resampling<T>& resampling) {
     forEachStrip(resampling.destination.size.width, nearestStripWidth,
                  [&resampling](std::uint32_t first, std::uint32_t count) { resampleStripNearest(resampling, first, count); });
 }
 
-}  // namespace
-
-template <typename T>
-bool resampleLevel(const LevelView<const T>& source, const LevelView<T>& destination, EResizeMode mode) {
-    if (source.data == nullptr || destination.data == nullptr) return false;
-    if (source.size.isEmpty() || destination.size.isEmpty()) return true;
-    const Resampling<T> resampling = makeResampling(source, destination);
-    switch (mode) {
-        case eResizeNearest:
-            resampleNearest(resampling);
-            break;
-        case eResizeLinear:
-            resampleLinear(resampling);
-            break;
-        case eResizeCubic:
-            resampleCubic(resampling);
-            break;
-    }
-    return true;
-}
-
-template bool resampleLevel(const LevelView<const std::uint8_t>&, const LevelView<std::uint8_t>&, EResizeMode);
-template bool resampleLevel(const LevelView<const std::uint16_t>&, const LevelView<std::uint16_t>&, EResizeMode);
-template bool resampleLevel(const LevelView<const std::uint32_t>&, const LevelView<std::uint32_t>&, EResizeMode);
-template bool resampleLevel(const LevelView<const float>&, const LevelView<float>&, EResizeMode);
+template void resampleNearest(const Resampling<std::uint8_t>&);
+template void resampleNearest(const Resampling<std::uint16_t>&);
+template void resampleNearest(const Resampling<std::uint32_t>&);
+template void resampleNearest(const Resampling<float>&);
 
 }  // namespace moktexture

@@ -1,6 +1,4 @@
-#include "etc1/etc1_best_table.h"
-
-#include "etc1/etc1_table_lanes.h"
+#include "etc1/etc1_subblock.h"
 
 // For a base colour each pixel takes, in each of the eight tables, the best of four modifiers. The errors of all tables are
 // computed side by side, one lane each:

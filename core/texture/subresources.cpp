@@ -1,4 +1,4 @@
-#include "core/texture/data_size.h"
+#include "core/texture/subresources.h"
 
 #include "core/base/numeric.h"
 #include "format_info.h"
