@@ -75,10 +75,6 @@ TEST(ETC1BestTable, EqualsTheReference) {
     }
 }
 
-TEST(ETC1Quantiser, RoundsALittleBelowTheHalfUpToFourBits) {
-    EXPECT_EQ(RoundToFourBits(8.499f), 1);
-}
-
 TEST(ETC1Quantiser, PrefersEqualErrorsInAllChannels) {
     // clang-format off
     const struct { const char* name; Codes (*quantise)(const FloatColour&); FloatColour colour; Codes expected; } cases[] = {
