@@ -1,3 +1,7 @@
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
 #include "tool_fixture.h"
 
 TEST_F(ToolTest, HelpAndVersionAreUnderstoodInEverySpelling) {
@@ -16,6 +20,33 @@ TEST_F(ToolTest, HelpAndVersionAreUnderstoodInEverySpelling) {
     EXPECT_EQ(run("compare -- --help b").status, ExitStatus::inputOutput) << "a file's name";
 }
 
+TEST_F(ToolTest, ExamplesOfHelpAndReadmeRunAsPrinted) {
+    std::ifstream readme(MOKTEX_SOURCE_DIR "/README.md");
+    std::string text(std::istreambuf_iterator<char>(readme), {});
+    for (const char* command : {"convert", "info", "compare", "formats"})
+        text += expectSuccess(std::string("help ") + command).out;
+    for (const char* name : {"photo", "leaf", "brick", "glow", "height", "tile", "a"})
+        writePNG(std::string(name) + ".png", 32, 32, testimages::Kind::gradient);
+    writePNG("b.jpg", 16, 16);
+    for (const char* texture : {"leaf.mok", "bark.dds"})
+        expectSuccess(std::string("convert @leaf.png -f dxt1 -o @") + texture);
+    int examples = 0;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string word, commandLine;
+        if (!line.starts_with("  ") || line.find("[options]") != std::string::npos || !(words >> word) || word != "moktex")
+            continue;
+        for (; words >> word; commandLine += word + ' ')
+            if (word.find('.') != std::string::npos || word == "textures") word = '@' + word;
+        const bool writes = commandLine.starts_with("convert");
+        std::filesystem::remove(path("normals.png"));
+        expectSuccess(commandLine + (writes ? "--overwrite" : ""));
+        ++examples;
+    }
+    EXPECT_GT(examples, 25);
+}
+
 TEST_F(ToolTest, WrongCommandLinesAreAnsweredWithWhatIsMeant) {
     writePNG("a.png", 8, 8);
     const std::pair<const char*, const char*> cases[] = {
@@ -31,6 +62,8 @@ TEST_F(ToolTest, WrongCommandLinesAreAnsweredWithWhatIsMeant) {
         {"compare @a.png @a.png --min-psnr high", "--min-psnr high: no number of decibels"},
         {"compare @a.png @a.png --min-psnr nan", "--min-psnr nan: no number of decibels"},
         {"formats @a.png", "a.png: formats takes no files"},
+        {"info ''", "info: a file's name is empty"},
+        {"convert @a.png -o ''", "--output: a file's name is empty"},
         {"convert", "convert: no input; use 'moktex convert IN OUT'"},
         {"convert @a.png @b.mok --fromat dxt1", "--fromat: no such option; did you mean --format?"},
         {"convert @a.png @b.mok --color-spcae=srgb", "--color-spcae: no such option; did you mean --colour-space?"},

@@ -12,7 +12,6 @@ namespace moktextool {
 namespace {
 
 constexpr std::size_t helpColumn = 30;
-constexpr std::size_t helpWidth = 110;
 
 std::vector<std::string> split(const std::string& text, char separator) {
     std::vector<std::string> parts;
@@ -36,22 +35,6 @@ bool isNumber(const std::string& text) {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-/// `text` in lines of at most helpWidth columns, all but the first indented to helpColumn.
-std::string wrapped(const std::string& text) {
-    std::string lines;
-    std::size_t column = helpColumn;
-    for (const std::string& word : split(text, ' ')) {
-        if (column > helpColumn && column + 1 + word.size() > helpWidth) {
-            lines += '\n' + std::string(helpColumn, ' ');
-            column = helpColumn;
-        }
-        if (column > helpColumn) lines += ' ', ++column;
-        lines += word;
-        column += word.size();
-    }
-    return lines + '\n';
-}
-
 }  // namespace
 
 const std::string& Command::Option::longName() const {
@@ -59,8 +42,8 @@ const std::string& Command::Option::longName() const {
     return found != names.end() ? *found : names.front();
 }
 
-Command::Command(std::string commandName, std::vector<std::string> usage, std::string text)
-    : name(std::move(commandName)), usageLines(std::move(usage)), description(std::move(text)) {}
+Command::Command(std::string commandName, std::vector<std::string> usage, std::string text, std::vector<std::string> lines)
+    : name(std::move(commandName)), usageLines(std::move(usage)), description(std::move(text)), examples(std::move(lines)) {}
 
 void Command::addFlag(const std::string& names, bool& target, const std::string& help) {
     addFlag(
@@ -189,6 +172,8 @@ std::vector<std::string> Command::parse(const std::vector<std::string>& argument
         const std::string& argument = arguments[i];
         if (areOptions && argument == "--")
             areOptions = false;
+        else if (argument.empty())
+            throw Failure(ExitStatus::commandLine, name + ": a file's name is empty; check where it comes from");
         else if (!areOptions || argument.size() < 2 || argument[0] != '-')
             others.push_back(argument);
         else
@@ -201,7 +186,10 @@ std::string Command::help() const {
     std::string text;
     for (const std::string& usage : usageLines)
         text += (text.empty() ? "Usage: moktex " : "       moktex ") + name + ' ' + usage + '\n';
-    text += '\n' + description + "\n\nOptions:\n";
+    text += '\n' + description + "\n\nExamples:\n";
+    for (const std::string& example : examples)
+        text += "  moktex " + name + (example.empty() ? "" : ' ' + example) + '\n';
+    text += "\nOptions:\n";
     for (const Option& option : options) {
         if (option.help.empty()) continue;
         std::string line = "  ";
@@ -210,9 +198,9 @@ std::string Command::help() const {
         line += option.operand;
         const bool fits = line.size() + 2 <= helpColumn;
         text += line + (fits ? std::string(helpColumn - line.size(), ' ') : '\n' + std::string(helpColumn, ' ')) +
-                wrapped(option.help);
+                wrappedText(option.help, helpColumn) + '\n';
     }
-    return text + (footer.empty() ? "" : '\n' + footer);
+    return text + (footer.empty() ? "" : "\n" + footer);
 }
 
 }  // namespace moktextool

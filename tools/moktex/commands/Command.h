@@ -21,7 +21,8 @@ public:
 
     /// @param usage        the arguments, a line for each way to give them
     /// @param description  what the command does, in lines of text
-    Command(std::string commandName, std::vector<std::string> usage, std::string description);
+    /// @param examples     command lines without "moktex" and the name
+    Command(std::string commandName, std::vector<std::string> usage, std::string description, std::vector<std::string> examples);
 
     /// An option without a value; it sets `target`.
     void addFlag(const std::string& names, bool& target, const std::string& help);
@@ -49,7 +50,7 @@ public:
     /// @return the arguments that are not options, in order
     std::vector<std::string> parse(const std::vector<std::string>& arguments) const;
 
-    /// Usage, description, options and footer.
+    /// Usage, description, examples, options and footer.
     std::string help() const;
 
     const std::string name;
@@ -74,6 +75,7 @@ private:
 
     const std::vector<std::string> usageLines;
     const std::string description;
+    const std::vector<std::string> examples;
     std::vector<Option> options;
     std::string footer;
 };

@@ -21,12 +21,10 @@ constexpr const char* exitStatusHelp =
     "4 processing failed, 5 not supported, 7 compared and different.\n";
 
 constexpr const char* infoFooter =
-    "Example: moktex info leaf.mok bark.dds --json\n"
     "OpenGL's numbers are internal format, format and type; '-' is a format without a number.\n"
     "With --json, an array with an object for each file that could be read.\n";
 
 constexpr const char* compareFooter =
-    "Example: moktex compare photo.png back.png --min-psnr 30\n"
     "Values are compared as they are stored, at 8 bits a channel unless both sides hold more: then at 16 bits, or as\n"
     "floats of peak 1. Equal images have a PSNR of inf (null in JSON). 'rgba' is the mean of red, green, blue and alpha;\n"
     "'weighted' is red, green and blue weighted as the eye sees them, 0.299, 0.587 and 0.114. Different sizes give\n"
@@ -37,8 +35,6 @@ constexpr const char* infoSummary =
     "Describes textures and pictures: format, sizes, colour space, metadata, numbers of graphics APIs";
 constexpr const char* compareSummary = "Measures the difference of two pictures or textures of equal size";
 constexpr const char* formatsSummary = "Lists the pixel formats and which of them can be decoded and encoded";
-
-constexpr const char* formatsFooter = "Examples:\n  moktex formats --json\n  moktex formats --api\n";
 
 bool isOneOf(const std::string& word, std::initializer_list<const char*> choices) {
     return std::find(choices.begin(), choices.end(), word) != choices.end();
@@ -75,7 +71,7 @@ ExitStatus convert(const Words& words, Console& console) {
 
 ExitStatus info(const Words& words, Console& console) {
     InfoArguments arguments;
-    Command command("info", {"[options] FILE..."}, infoSummary);
+    Command command("info", {"[options] FILE..."}, infoSummary, {"leaf.mok", "leaf.mok bark.dds --json"});
     command.addFlag("--json", arguments.json, "Print JSON");
     command.setFooter(infoFooter);
     if (wantsHelp(words)) return print(command.help(), console);
@@ -86,7 +82,7 @@ ExitStatus info(const Words& words, Console& console) {
 
 ExitStatus compare(const Words& words, Console& console) {
     CompareArguments arguments;
-    Command command("compare", {"[options] A B"}, compareSummary);
+    Command command("compare", {"[options] A B"}, compareSummary, {"photo.png photo.mok", "photo.png back.png --min-psnr 30"});
     command.addFlag("--levels", arguments.levels, "Compare all MIP levels that both have, not only the first");
     command.addValue(
         "--min-psnr", "DB", [&](const std::string& value) { arguments.minPSNR = parseDecibels(value); },
@@ -103,10 +99,9 @@ ExitStatus compare(const Words& words, Console& console) {
 
 ExitStatus formats(const Words& words, Console& console) {
     FormatsArguments arguments;
-    Command command("formats", {"[options]"}, formatsSummary);
+    Command command("formats", {"[options]"}, formatsSummary, {"", "--api"});
     command.addFlag("--json", arguments.json, "Print JSON");
     command.addFlag("--api", arguments.api, "Show the formats' numbers in OpenGL, OpenGL ES, Direct3D 9 and DXGI");
-    command.setFooter(formatsFooter);
     if (wantsHelp(words)) return print(command.help(), console);
     if (const Words others = command.parse(words); !others.empty())
         throw Failure(ExitStatus::commandLine,

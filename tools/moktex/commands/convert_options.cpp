@@ -14,41 +14,44 @@ constexpr const char* convertDescription =
     "Converts pictures (PNG, JPEG, TGA, BMP, HDR) and textures (.mok, .ktx, .dds) to textures (.mok, .ktx, .dds, C source\n"
     "in .h) or pictures (.png).";
 
-constexpr const char* convertExamples =
-    "Examples:\n"
-    "  moktex convert photo.png photo.mok --format dxt1 --mipmaps --resize pow2\n"
-    "  moktex convert photo.mok back.png\n"
-    "  moktex convert photo.png photo.dds --format dxt5 --mipmaps --resize pow2\n"
-    "  moktex convert --legacy gl-a photo.mok old.mok\n"
-    "  moktex convert a.png b.jpg -o textures --format dxt5 --overwrite\n";
+const std::vector<std::string> convertExamples = {
+    "photo.png photo.mok --format dxt1 --mipmaps --resize pow2", "photo.mok back.png",
+    "photo.png photo.dds --format dxt5 --mipmaps --resize pow2", "photo.mok old.mok --legacy d3d-a",
+    "a.png b.jpg -o textures --format dxt5 --overwrite",
+};
 
 constexpr const char* convertDetails =
     "  Operations are applied in the order in which they are given, --mipmaps among them; --resize is applied before all\n"
     "  of them. They work on the stored values: no colour curve is applied.\n"
-    "Quality:\n"
+    "\nQuality:\n"
     "  DXT and packed formats have only one.\n"
     "  moktc, moktc2: each is slower than the one before and usually closer to the picture, but 5 of moktc2 equals 4;\n"
     "  5 takes minutes for large pictures. 0 of moktc is a separate, fast encoder.\n"
     "  etc1: even numbers weight the channels equally, odd ones as the eye does; names select the odd ones (1 1 3 3 5 5).\n"
-    "Output:\n"
+    "\nOutput:\n"
     "  OUT ends in .mok, .ktx, .dds, .h or .png. A .ktx or .dds file can only hold formats for which 'moktex formats --api'\n"
     "  shows a number of OpenGL or Direct3D 9; the array in a .h file is named after the file. Several inputs, or an OUT\n"
     "  that is a folder, give one OUT/NAME.mok each; a missing folder is created. '-' is standard input or output; standard\n"
     "  output receives a .mok texture.\n"
     "  A PNG holds MIP level 0, array layer 0, face 0 of a texture unless --level, --layer or --face select another; with\n"
     "  --format the picture is encoded in that format and decoded again.\n"
-    "Colour:\n"
+    "\nColour:\n"
     "  Pictures of 8 and 16 bits are taken as sRGB, HDR pictures as linear. The output keeps the colour space and the values\n"
     "  of the input unless --colour-space asks for the other one; a message reports each curve that is applied.\n"
     "  A normal map is always linear.";
+
+void takeOutput(const std::string& value, ConvertArguments& arguments) {
+    if (value.empty()) throw Failure(ExitStatus::commandLine, "--output: a file's name is empty; check where it comes from");
+    arguments.output = value;
+}
 
 void addSizeOptions(Command& command, ConvertArguments& arguments) {
     const std::vector<std::pair<std::string, EResizeMode>> filters = {
         {"nearest", eResizeNearest}, {"linear", eResizeLinear}, {"cubic", eResizeCubic}};
     ConversionRequest& request = arguments.request;
-    command.addChoice("--mip-filter", request.mipFilter, filters, "Filter of --mipmaps (linear)");
+    command.addChoice("--mip-filter", request.mipFilter, filters, "Filter of --mipmaps; default linear");
     command.addText("--resize", "WxH|pow2", arguments.resize, "Change the size first; pow2: to the nearest powers of two");
-    command.addChoice("--resize-filter", request.resizeFilter, filters, "Filter of --resize (linear)");
+    command.addChoice("--resize-filter", request.resizeFilter, filters, "Filter of --resize; default linear");
 }
 
 /// The operations. Their help is operationHelp().
@@ -81,9 +84,9 @@ void addOutputOptions(Command& command, ConvertArguments& arguments) {
         apis.emplace_back(name, api);
     command.addChoice("--legacy", request.legacyApi, apis,
                       "Write .mok in the legacy layout, with the format numbers of that API");
-    command.addNumber("--level", arguments.level, "MIP level to write as a PNG");
-    command.addNumber("--layer,--member", arguments.layer, "Array layer to write as a PNG");
-    command.addNumber("--face", arguments.face, "Cube face to write as a PNG");
+    command.addNumber("--level", arguments.level, "MIP level to write as a PNG; default 0");
+    command.addNumber("--layer,--member", arguments.layer, "Array layer to write as a PNG; default 0");
+    command.addNumber("--face", arguments.face, "Cube face to write as a PNG; default 0");
     command.addFlag("-y,--overwrite", arguments.overwrite, "Replace existing output files");
     command.addFlag("--quiet", arguments.quiet, "Print only errors and what the result loses or changes");
 }
@@ -91,17 +94,18 @@ void addOutputOptions(Command& command, ConvertArguments& arguments) {
 }  // namespace
 
 Command convertCommand(ConvertArguments& arguments) {
-    Command command("convert", {"[options] IN OUT", "[options] IN... -o FOLDER"}, convertDescription);
+    Command command("convert", {"[options] IN OUT", "[options] IN... -o FOLDER"}, convertDescription, convertExamples);
     command.addValue(
-        "-o,--output", "OUT", [&arguments](const std::string& value) { arguments.output = value; },
+        "-o,--output", "OUT", [&arguments](const std::string& value) { takeOutput(value, arguments); },
         "Output file, or a folder for several inputs");
-    command.addText("-f,--format", "NAME", arguments.format, "Format of the output, see 'moktex formats' (that of the input)");
-    command.addText("-q,--quality", "Q", arguments.quality, std::string("Effort of the encoder: ") + qualityHelp + " (3)");
+    command.addText("-f,--format", "NAME", arguments.format,
+                    "Format of the output, see 'moktex formats'; default that of the input");
+    command.addText("-q,--quality", "Q", arguments.quality, std::string("Effort of the encoder: ") + qualityHelp + "; default 3");
     addSizeOptions(command, arguments);
     addOperationOptions(command, arguments);
     addColourOptions(command, arguments.request);
     addOutputOptions(command, arguments);
-    command.setFooter("Operations, each with an example:\n" + operationHelp() + convertDetails + "\n" + convertExamples);
+    command.setFooter("Operations, each with an example:\n" + operationHelp() + convertDetails);
     return command;
 }
 

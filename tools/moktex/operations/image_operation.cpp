@@ -59,8 +59,8 @@ std::string operationHelp() {
         std::string names = option.names;
         for (std::size_t comma = names.find(','); comma != std::string::npos; comma = names.find(',', comma + 2))
             names.insert(comma + 1, " ");
-        text += "  " + names + (operand.empty() || operand[0] == '[' ? "" : " ") + operand + "\n    " + option.help + "\n    " +
-                option.example + '\n';
+        text += "  " + names + (operand.empty() || operand[0] == '[' ? "" : " ") + operand + "\n    " +
+                wrappedText(option.help, 4) + "\n    " + option.example + '\n';
     }
     return text;
 }

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <new>
 #include <ostream>
+#include <sstream>
 
 #include "moktex/report/exceptions.h"
 
 namespace moktextool {
 
 namespace {
+
+constexpr std::size_t helpWidth = 110;
 
 void printLine(std::ostream& err, const std::string& message) {
     err << "moktex: " << printable(message) << '\n';
@@ -47,6 +50,21 @@ std::string printable(const std::string& text) {
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
     std::replace_if(shown.begin(), shown.end(), isControl, '?');
     return shown;
+}
+
+std::string wrappedText(const std::string& text, std::size_t indent) {
+    std::istringstream words(text);
+    std::string lines;
+    std::size_t column = indent;
+    for (std::string word; words >> word; column += word.size()) {
+        if (column > indent && column + 1 + word.size() > helpWidth) {
+            lines += '\n' + std::string(indent, ' ');
+            column = indent;
+        }
+        if (column > indent) lines += ' ', ++column;
+        lines += word;
+    }
+    return lines;
 }
 
 }  // namespace moktextool

@@ -56,4 +56,7 @@ std::string systemReason(const std::error_code& error);
 /// `text` with control characters replaced by '?', so that it is one line and cannot control a terminal.
 std::string printable(const std::string& text);
 
+/// A help text in lines of at most 110 columns; all but the first are indented. No line break at the end.
+std::string wrappedText(const std::string& text, std::size_t indent);
+
 }  // namespace moktextool
