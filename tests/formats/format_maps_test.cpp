@@ -17,7 +17,7 @@ using namespace moktexture;
 
 namespace {
 
-constexpr EMOKTVariableType unb = eVarUByteNorm, snb = eVarSByteNorm, sb = eVarSByte, uns = eVarUShortNorm, uni = eVarUIntNorm,
+constexpr EMOKTVariableType unb = eVarUByteNorm, snb = eVarSByteNorm, uns = eVarUShortNorm, uni = eVarUIntNorm,
                             sni = eVarSIntNorm, flt = eVarFloat, noType = eVarNone;
 constexpr EMOKTColourSpace lin = eColourSpaceLinear, srgb = eColourSpaceSRGB, otherSpace = static_cast<EMOKTColourSpace>(2);
 
