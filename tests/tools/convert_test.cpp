@@ -258,14 +258,16 @@ TEST_F(ToolTest, HDRBecomesFloatAndIsClampedToTheTargetsRange) {
     EXPECT_LE(compare("half.mok", "a.mok")["levels"][0]["channels"]["rgb"]["largest"], 1e-4);
 }
 
-TEST_F(ToolTest, SixteenBitPNGBecomesA16BitTexture) {
-    const std::string header("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\1\0\0\0\1\x10\x06\0\0\0____", 33);
-    const std::string stored("\0\0\0\x14IDAT\x78\x01\x01\x09\0\xF6\xFF\0\x12\x34\x56\x78\x9A\xBC\xFF\xFF____", 28);
-    write("deep.png", header + stored + std::string("____\0\0\0\0IEND____", 16));
-    expectSuccess("convert @deep.png @a.mok");
-    EXPECT_EQ(info("a.mok")["format"], "rgba16161616");
-    EXPECT_EQ(read("a.mok").substr(52), "\x34\x12\x78\x56\xBC\x9A\xFF\xFF");
-    EXPECT_NE(expectSuccess("convert @a.mok @shallow.png").err.find("8 bits"), std::string::npos);
+TEST_F(ToolTest, SixteenBitsAChannelRoundTripThroughPNG) {
+    const CMOKTextureHeader header(PixelTypeRGBA16.id, 5, 7, 1, 1, 1, 1, eColourSpaceSRGB, eVarUShortNorm, false);
+    const CMOKTexture texture(header, testimages::randomBytes(header.getDataSize(), 3).data());
+    ASSERT_TRUE(texture.saveFile(path("a.mok").c_str()));
+    EXPECT_EQ(expectSuccess("convert @a.mok @deep.png").err, "");
+    EXPECT_EQ(read("deep.png")[24], 16) << "bits a channel in the file";
+    expectSuccess("convert @deep.png @b.mok");
+    EXPECT_EQ(read("b.mok"), read("a.mok"));
+    EXPECT_NE(expectSuccess("convert @a.mok @shallow.png -f rgba8888").err.find("8 bits"), std::string::npos);
+    EXPECT_EQ(read("shallow.png")[24], 8);
 }
 
 TEST_F(ToolTest, ReportAndHelpPrintTheExpectedText) {

@@ -5,19 +5,26 @@
 #include <vector>
 
 #include "MOKTexLib.h"
+#include "moktex/formats/texture_format.h"
 
 namespace moktextool {
+
+struct Console;
 
 /// Whether a path ends like a PNG, JPEG, TGA, BMP or HDR file.
 bool hasPictureExtension(const std::string& path);
 /// Whether `bytes` are such a file, by their header.
 bool looksLikePicture(std::span<const unsigned char> bytes);
 
-/// Decodes a picture file: to sRGB RGBA8, a 16-bit PNG to sRGB RGBA16, HDR to linear float RGBA.
-/// A Failure that names `file` if it is broken or too large.
-moktexture::CMOKTexture decodePicture(std::span<const unsigned char> bytes, const std::string& file);
+/// Decodes a picture file: to sRGB RGBA8, a 16-bit PNG to sRGB RGBA16, HDR to linear float RGBA; turned upright as its EXIF data
+/// says. A Failure that names `file` if it is broken or too large.
+/// @param console  is told what was done and what the file asks for in vain; may be null
+moktexture::CMOKTexture decodePicture(std::span<const unsigned char> bytes, const std::string& file, Console* console = nullptr);
 
-/// The bytes of a PNG file with level 0 of an RGBA8 texture.
+/// The format of the PNG file for an image of that format: rgba16Format for integers above 8 bits, else rgba8Format.
+TextureFormat pictureFormat(const TextureFormat& format);
+
+/// The bytes of a PNG file with level 0 of a texture of either of these formats.
 std::vector<unsigned char> encodePNG(const moktexture::CMOKTexture& texture, const std::string& file);
 
 }  // namespace moktextool

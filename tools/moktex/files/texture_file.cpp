@@ -91,7 +91,7 @@ TextureInput readTexture(const std::string& path, Console& console) {
     if (bytes.empty()) throw Failure(ExitStatus::invalidInput, name, "empty; name a picture or texture");
     const bool isPicture = !startsLikeTexture(bytes) &&
                            (hasPictureExtension(path) || (!isReadableExtension(extensionOf(path)) && looksLikePicture(bytes)));
-    if (isPicture) return {decodePicture(bytes, name), true};
+    if (isPicture) return {decodePicture(bytes, name, &console), true};
     TextureInput input{{}, false};
     const ELoadStatus status = LoadTexture(input.texture, bytes.data(), bytes.size());
     if (status != eLoadOk) throw loadFailure(status, name);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "moktex/files/picture_file.h"
 #include "moktex/files/texture_file.h"
 #include "moktex/formats/format_names.h"
 #include "moktex/operations/block_size_rule.h"
@@ -124,11 +125,12 @@ void checkContainer(const Conversion& conversion, const std::string& output, boo
     requireHoldable(header, {output, conversion.request.legacyApi});
 }
 
-/// The format of the output without --format: that of the input; RGBA8 for a picture, and for normals if the input has fewer than
-/// three channels.
+/// The format of the output without --format: that of the input; that of the file for a picture, and RGBA8 for normals if the
+/// input has fewer than three channels.
 TextureFormat defaultFormat(const TextureFormat& source, bool isPictureOutput, bool holdsNormals) {
     const bool hasThreeChannels = isCompressed(source.pixelType) || source.pixelType.layout.channelName[2] != 0;
-    return isPictureOutput || (holdsNormals && !hasThreeChannels) ? rgba8Format : source;
+    if (isPictureOutput) return pictureFormat(source);
+    return holdsNormals && !hasThreeChannels ? rgba8Format : source;
 }
 
 Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std::string& name, const std::string& output,
@@ -259,7 +261,8 @@ void operate(Conversion& conversion) {
 void pickImage(Conversion& conversion, const TextureFormat& source) {
     const auto& request = conversion.request;
     CMOKTexture& texture = conversion.texture;
-    if (widestChannel(source) > 8) conversion.console.note(conversion.name + ": the picture is written with 8 bits a channel");
+    if (widestChannel(source) > 8 && pictureFormat(conversion.target) == rgba8Format)
+        conversion.console.note(conversion.name + ": the picture is written with 8 bits a channel");
     if (texture.getDepth(request.level) > 1)
         conversion.console.note(conversion.name + ": the picture holds the first slice of the volume");
     texture = extractImage(texture, request.level, request.layer, request.face);
@@ -288,7 +291,8 @@ void convertFile(const ConversionRequest& request, const std::string& input, con
     operate(conversion);
     if (conversion.isPictureOutput) pickImage(conversion, source);
     changeFormat(texture, {conversion.target, conversion.colourSpace, conversion.quality, request.dither}, name, console);
-    if (conversion.isPictureOutput) changeFormat(texture, {rgba8Format, conversion.colourSpace}, name, console);
+    if (conversion.isPictureOutput)
+        changeFormat(texture, {pictureFormat(conversion.target), conversion.colourSpace}, name, console);
     const std::string caveat = containerCaveat(texture, {output, request.legacyApi});
     if (!caveat.empty()) console.note(output + ": " + caveat);
     const std::size_t bytes = writeTexture(texture, {output, request.legacyApi, request.overwrites}, console);

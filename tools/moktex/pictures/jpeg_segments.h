@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace moktextool {
+
+/// What a JPEG file says beside its pixels.
+struct JPEGSegments {
+    unsigned int orientation = 1;         ///< EXIF's, 1 to 8
+    std::optional<std::string> profile;   ///< set if there is a colour profile other than sRGB
+    std::vector<unsigned char> decoding;  ///< a JPEG file of those segments alone that decoding needs
+    std::string problem;                  ///< why the file is broken; "" if its segments and Huffman tables are sound
+};
+
+/// Whether a file starts as JPEG.
+bool isJPEG(std::span<const unsigned char> bytes);
+
+/// Walks the segments of a JPEG file from an untrusted source, up to the first problem.
+/// @param copies  whether `decoding` is filled
+JPEGSegments readJPEGSegments(std::span<const unsigned char> bytes, bool copies);
+
+}  // namespace moktextool
