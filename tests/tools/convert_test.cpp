@@ -81,22 +81,14 @@ TEST_F(ToolTest, EverySliceOfACompressedVolumeDecodes) {
 }
 
 TEST_F(ToolTest, RefusalOfASizeNamesOptionsThatWork) {
-    const std::string multipleOf4 = ": each level's width and height must be a multiple of 4, or below 4; use --resize ";
     const std::string powersOfTwo = ": width and height must be powers of two from ";
     // clang-format off
     const struct { std::uint32_t width, height; std::string options, remedy; } cases[] = {
         // size, options, message behind "cannot hold"
-        {500, 300, "dxt1 -m", "level 1 of 250 x 150" + multipleOf4 + "512x256 or --mipmaps=1"},
-        {24, 40, "dxt1 -m=3", "level 2 of 6 x 10" + multipleOf4 + "32x48 or --mipmaps=2"},
-        {10, 3, "dxt1 --rotate90 z --border 2x1", "level 0 of 7 x 12" + multipleOf4 + "10x4"},
-        {9, 30, "etc1", "level 0 of 9 x 30" + multipleOf4 + "8x32"},
-        {6, 5, "yuy2 -m",
-         "level 1 of 3 x 2: each level's width must be a multiple of 2, or below 2; use --resize 8x5 or --mipmaps=1"},
         {48, 8, "moktc-2bpp-rgb -m -q 0", "48 x 8" + powersOfTwo + "16 x 8 to 4096 x 4096; use --resize 64x8"},
+        {10, 3, "moktc-4bpp-rgb -q 0 --rotate90 z --border 2x1", "7 x 12" + powersOfTwo + "8 x 8 to 4096 x 4096; use --resize 14x4"},
         {8, 5000, "moktc-2bpp-rgb -q 0", "8 x 5000" + powersOfTwo + "16 x 8 to 4096 x 4096; use --resize 16x4096"},
-        {10, 6, "moktc2-2bpp -q 0",
-         "level 0 of 10 x 6: each level's width must be a multiple of 8, or below 8, and its height a multiple of 4, or below 4; "
-         "use --resize 8x8"}};
+        {5000, 4, "moktc2-4bpp -q 0", "5000 x 4: sides must be at most 4096; use --resize 4096x4"}};
     // clang-format on
     for (const auto& [width, height, options, remedy] : cases) {
         writePNG("a.png", width, height);
@@ -214,9 +206,9 @@ TEST_F(ToolTest, EncodingImageByImageEqualsTranscodeAndErasesTheProgressLine) {
             isTerminal = onTerminal;
             const std::string told = expectSuccess(std::string("convert @a.mok @b.mok -y -f ") + options).err;
             EXPECT_EQ(read("b.mok"), read("whole.mok")) << options;
-            if (told.empty()) continue;
+            if (told.find('\r') == std::string::npos) continue;
             EXPECT_TRUE(onTerminal) << told;
-            EXPECT_TRUE(told.ends_with(" \r")) << told;
+            EXPECT_NE(told.find(" \r"), std::string::npos) << told;
         }
     }
 }

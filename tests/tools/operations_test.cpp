@@ -66,7 +66,7 @@ TEST_F(ToolTest, OperationsUpdateTheHeader) {
     EXPECT_EQ(description["topics"]["border"], nlohmann::json({1, 2, 0}));
     EXPECT_EQ(description["flags"], nlohmann::json({"premultiplied"}));
     EXPECT_EQ(description["colourSpace"], "linear");
-    EXPECT_EQ(expectSuccess("convert @b.mok @c.mok -f rgb888").err, "") << "no curve behind normals";
+    EXPECT_EQ(expectSuccess("convert @b.mok @c.mok -f rgb888").err.find("curve"), std::string::npos);
 }
 
 TEST_F(ToolTest, OperationsThatMovePixelsKeep16BitValues) {

@@ -65,9 +65,12 @@ protected:
     }
     void writePNG(const std::string& name, std::uint32_t width, std::uint32_t height,
                   const std::vector<std::uint8_t>& rgba) const {
-        const moktexture::CMOKTextureHeader header(moktexture::PixelTypeRGBA8.id, height, width, 1, 1, 1, 1, eColourSpaceSRGB,
-                                                   eVarUByteNorm, false);
-        folder.write(name, moktextool::encodePNG({header, rgba.data()}, name));
+        moktextool::Image image(moktextool::rgba8Format, {width, height, 1});
+        std::copy(rgba.begin(), rgba.end(), image.getData());
+        folder.write(name, moktextool::encodePNG(image, name));
+    }
+    void writePNG(const std::string& name, std::uint32_t width, const std::vector<std::uint8_t>& rgba) const {
+        writePNG(name, width, static_cast<std::uint32_t>(rgba.size() / 4 / width), rgba);
     }
     void writePNG(const std::string& name, std::uint32_t width, std::uint32_t height,
                   testimages::Kind kind = testimages::Kind::softAlpha) const {
@@ -75,9 +78,8 @@ protected:
     }
     /// The bytes of a picture's pixels, RGBA8.
     std::vector<std::uint8_t> pixelsOf(const std::string& name) const {
-        const moktexture::CMOKTexture picture = moktextool::decodePicture(folder.read(name), name);
-        const auto* pixels = static_cast<const std::uint8_t*>(picture.getDataPtr());
-        return {pixels, pixels + picture.getDataSize()};
+        const moktextool::Image picture = std::move(moktextool::decodePicture(folder.read(name), name).image);
+        return {picture.getData(), picture.getData() + picture.getDataSize()};
     }
     /// The names of the files in the folder and their contents; folders have none.
     std::map<std::string, std::string> files() const {

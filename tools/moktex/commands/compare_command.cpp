@@ -8,6 +8,7 @@
 #include "moktex/commands/pixel_difference.h"
 #include "moktex/files/texture_file.h"
 #include "moktex/formats/format_names.h"
+#include "moktex/operations/format_change.h"
 #include "moktex/report/console.h"
 
 using namespace moktexture;
@@ -29,22 +30,24 @@ double peakOf(const CMOKTextureHeader& header) {
 }
 
 template <class T>
-DifferenceSums sumDifferences(const CMOKTexture& a, const CMOKTexture& b, std::uint32_t level) {
+DifferenceSums sumDifferences(const ImageSet& a, const ImageSet& b, std::uint32_t level) {
     DifferenceSums sums;
-    const std::uint64_t images = std::uint64_t{a.getNumArrayMembers()} * a.getNumFaces() * a.getDepth(level);
-    sums.add(static_cast<const T*>(a.getDataPtr(level)), static_cast<const T*>(b.getDataPtr(level)),
-             std::uint64_t{a.getWidth(level)} * a.getHeight(level) * images);
+    for (std::size_t i = 0; i < a.surfaces.size(); ++i) {
+        const Image &imageA = a.surfaces[i][level], &imageB = b.surfaces[i][level];
+        sums.add(reinterpret_cast<const T*>(imageA.getData()), reinterpret_cast<const T*>(imageB.getData()),
+                 imageA.countRows() * imageA.getSize().width);
+    }
     return sums;
 }
 
 /// Compares one MIP level, with all its layers, faces and slices, of two textures of equal size in the same format: RGBA8, RGBA16
 /// or float RGBA.
-LevelDifference compareLevel(const CMOKTexture& a, const CMOKTexture& b, std::uint32_t level, const std::string& file) {
-    const double peak = peakOf(a);
+LevelDifference compareLevel(const ImageSet& a, const ImageSet& b, std::uint32_t level, const std::string& file) {
+    const double peak = peakOf(a.header);
     const auto sum = peak == 1     ? sumDifferences<float>
                      : peak == 255 ? sumDifferences<std::uint8_t>
                                    : sumDifferences<std::uint16_t>;
-    return {level, a.getWidth(level), a.getHeight(level), differencesOf(sum(a, b, level), peak, file)};
+    return {level, a.header.getWidth(level), a.header.getHeight(level), differencesOf(sum(a, b, level), peak, file)};
 }
 
 std::string sizeText(const CMOKTextureHeader& header) {
@@ -73,26 +76,31 @@ TextureFormat commonFormat(const TextureFormat& a, const TextureFormat& b) {
 
 /// Both textures in one format, with the stored values: no curve is applied.
 struct ComparedPair {
-    CMOKTexture a, b;
+    ImageSet a, b;
     std::uint32_t levels;
 };
 
 ComparedPair loadPair(const CompareArguments& arguments, Console& console) {
-    ComparedPair pair{readTexture(arguments.a, console).texture, readTexture(arguments.b, console).texture, 1};
-    requireEqualSize(pair.a, pair.b, arguments);
-    requireDecodable(formatOf(pair.a), arguments.a);
-    requireDecodable(formatOf(pair.b), arguments.b);
-    if (pair.a.getColourSpace() != pair.b.getColourSpace())
-        console.note(arguments.a + " is " + nameOf(pair.a.getColourSpace()) + ", " + arguments.b + " is " +
-                     nameOf(pair.b.getColourSpace()) + "; the values are compared as they are stored");
-    if (arguments.levels) pair.levels = std::min(pair.a.getNumMIPLevels(), pair.b.getNumMIPLevels());
-    if (arguments.levels && pair.a.getNumMIPLevels() != pair.b.getNumMIPLevels())
+    TextureInput inputA = readTexture(arguments.a, console), inputB = readTexture(arguments.b, console);
+    const CMOKTextureHeader a = inputA.texture, b = inputB.texture;
+    requireEqualSize(a, b, arguments);
+    requireDecodable(formatOf(a), arguments.a);
+    requireDecodable(formatOf(b), arguments.b);
+    if (a.getColourSpace() != b.getColourSpace())
+        console.note(arguments.a + " is " + nameOf(a.getColourSpace()) + ", " + arguments.b + " is " +
+                     nameOf(b.getColourSpace()) + "; the values are compared as they are stored");
+    ComparedPair pair{{}, {}, 1};
+    if (arguments.levels) pair.levels = std::min(a.getNumMIPLevels(), b.getNumMIPLevels());
+    if (arguments.levels && a.getNumMIPLevels() != b.getNumMIPLevels())
         console.note("the numbers of levels differ; the first " + std::to_string(pair.levels) + " are compared");
-    const TextureFormat format = commonFormat(formatOf(pair.a), formatOf(pair.b));
-    changeFormat(pair.a, {format, pair.a.getColourSpace()}, arguments.a, console);
-    changeFormat(pair.b, {format, pair.b.getColourSpace()}, arguments.b, console);
-    if (uncompressedSize(pair.a, pair.a.getBitsPerPixel() / 8) != pair.a.getDataSize())
-        throw Failure(ExitStatus::notSupported, arguments.a, "too large to be compared; split it");
+    const TextureFormat format = commonFormat(formatOf(a), formatOf(b));
+    const auto load = [&](TextureInput& input, const std::string& name) {
+        ImageSet images = takeImages(input, {name, console});
+        convertImages(images, {format, images.header.getColourSpace()}, {name, console});
+        return images;
+    };
+    pair.a = load(inputA, arguments.a);
+    pair.b = load(inputB, arguments.b);
     return pair;
 }
 
@@ -125,7 +133,7 @@ Json levelJson(const LevelDifference& level) {
 
 ExitStatus runCompare(const CompareArguments& arguments, Console& console) {
     const ComparedPair pair = loadPair(arguments, console);
-    const double peak = peakOf(pair.a);
+    const double peak = peakOf(pair.a.header);
     Json json = {{"a", displayName(arguments.a)}, {"b", displayName(arguments.b)}, {"peak", peak}, {"levels", Json::array()}};
     bool equal = true, passes = true;
     if (!arguments.json) console.out << "in units of 1/" << peak << " of the full range\n";

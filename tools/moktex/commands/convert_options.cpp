@@ -22,7 +22,14 @@ const std::vector<std::string> convertExamples = {
 
 constexpr const char* convertDetails =
     "  Operations are applied in the order in which they are given, --mipmaps among them; --resize is applied before all\n"
-    "  of them. They work on the stored values: no colour curve is applied.\n"
+    "  of them. They work on the stored values; only averages of sRGB colours are made in linear light.\n"
+    "\nFilters of --resize and --mipmaps, all centred on the pixels:\n"
+    "  nearest: the nearest pixel. linear: the mean of the area that a pixel covers; between pixels when enlarging.\n"
+    "  cubic: Catmull-Rom, sharper. Colours count by their alpha, unless they are premultiplied or a normal map, and pixels\n"
+    "  that are all transparent keep their mean colour. These are the tool's own; Resize() and GenerateMIPMaps() of the\n"
+    "  library sample points of the stored values.\n"
+    "\nBlocks:\n"
+    "  Where a side is no multiple of the format's block, the last blocks are padded by repeating the edge.\n"
     "\nQuality:\n"
     "  DXT and packed formats have only one.\n"
     "  moktc, moktc2: each is slower than the one before and usually closer to the picture, but 5 of moktc2 equals 4;\n"
@@ -52,6 +59,11 @@ void addSizeOptions(Command& command, ConvertArguments& arguments) {
     command.addChoice("--mip-filter", request.mipFilter, filters, "Filter of --mipmaps; default linear");
     command.addText("--resize", "WxH|pow2", arguments.resize, "Change the size first; pow2: to the nearest powers of two");
     command.addChoice("--resize-filter", request.resizeFilter, filters, "Filter of --resize; default linear");
+    command.addFlag(
+        "--no-linear-light", [&request] { request.linearLight = false; },
+        "Average the stored values of sRGB colours, not linear light");
+    command.addFlag(
+        "--no-alpha-weight", [&request] { request.weightsByAlpha = false; }, "Average colours alike, whatever their alpha");
 }
 
 /// The operations. Their help is operationHelp().

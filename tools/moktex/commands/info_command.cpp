@@ -5,6 +5,7 @@
 #include "moktex/commands/commands.h"
 #include "moktex/files/texture_file.h"
 #include "moktex/formats/format_names.h"
+#include "moktex/formats/texture_size.h"
 #include "moktex/report/console.h"
 #include "moktex/report/graphics_api_numbers.h"
 
@@ -61,7 +62,8 @@ Json describeLevels(const CMOKTextureHeader& header) {
         levels.push_back({{"width", header.getWidth(level)},
                           {"height", header.getHeight(level)},
                           {"depth", header.getDepth(level)},
-                          {"bytes", header.getDataSize(static_cast<int>(level))}});
+                          {"bytes", imageSize(header.getPixelType(), levelSize(sizeOf(header), level)) *
+                                        header.getNumArrayMembers() * header.getNumFaces()}});
     }
     return levels;
 }
@@ -72,7 +74,7 @@ Json describeTexture(const TextureInput& input, const std::string& file) {
     if (header.isFileCompressed()) flags.push_back("fileCompressed");
     if (header.isPreMultiplied()) flags.push_back("premultiplied");
     return {{"file", file},
-            {"kind", input.isPicture ? "picture" : "texture"},
+            {"kind", input.isPicture() ? "picture" : "texture"},
             {"format", nameOf(formatOf(header))},
             {"bitsPerPixel", header.getBitsPerPixel()},
             {"width", header.getWidth()},
@@ -87,7 +89,7 @@ Json describeTexture(const TextureInput& input, const std::string& file) {
             {"apiNumbers", describeAPINumbers(header)},
             {"topics", describeTopics(header)},
             {"metadata", describeBlocks(header)},
-            {"bytes", header.getDataSize()},
+            {"bytes", textureSize(header)},
             {"levels", describeLevels(header)}};
 }
 

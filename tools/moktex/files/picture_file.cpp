@@ -35,18 +35,16 @@ bool looksLikePicture(std::span<const unsigned char> bytes) {
     return isPNG(bytes) || isJPEG(bytes) || isKnownToStb(bytes);
 }
 
-CMOKTexture decodePicture(std::span<const unsigned char> bytes, const std::string& file, Console* console) {
-    const DecodedPicture picture = decode(bytes, file);
+Picture decodePicture(std::span<const unsigned char> bytes, const std::string& file, Console* console) {
+    DecodedPicture picture = decode(bytes, file);
     if (console != nullptr) {
         for (const std::string& warning : picture.warnings)
             console->warn(file + ": " + warning);
         for (const std::string& note : picture.notes)
             console->note(file + ": " + note);
     }
-    const bool isLinear = picture.format == rgbaFloatFormat;
-    const CMOKTextureHeader header(picture.format.pixelType.id, picture.height, picture.width, 1, 1, 1, 1,
-                                   isLinear ? eColourSpaceLinear : eColourSpaceSRGB, picture.format.channelType, false);
-    return {header, picture.pixels.get()};
+    const EMOKTColourSpace colourSpace = picture.format == rgbaFloatFormat ? eColourSpaceLinear : eColourSpaceSRGB;
+    return {Image(picture.format, {picture.width, picture.height, 1}, picture.pixels.release()), colourSpace};
 }
 
 TextureFormat pictureFormat(const TextureFormat& format) {
@@ -54,10 +52,10 @@ TextureFormat pictureFormat(const TextureFormat& format) {
     return isDeep ? rgba16Format : rgba8Format;
 }
 
-std::vector<unsigned char> encodePNG(const CMOKTexture& texture, const std::string& file) {
-    const auto* pixels = static_cast<const unsigned char*>(texture.getDataPtr());
-    const bool isDeep = formatOf(texture) == rgba16Format;
-    std::vector<unsigned char> encoded = (isDeep ? encodePNG16 : encodePNG8)(pixels, texture.getWidth(), texture.getHeight());
+std::vector<unsigned char> encodePNG(const Image& image, const std::string& file) {
+    const bool isDeep = image.getFormat() == rgba16Format;
+    std::vector<unsigned char> encoded =
+        (isDeep ? encodePNG16 : encodePNG8)(image.getData(), image.getSize().width, image.getSize().height);
     if (encoded.empty()) throw Failure(ExitStatus::workFailed, file, "the picture is too large for a PNG; use --resize");
     return encoded;
 }

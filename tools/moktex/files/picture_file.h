@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "MOKTexLib.h"
-#include "moktex/formats/texture_format.h"
+#include "moktex/formats/Image.h"
 
 namespace moktextool {
 
@@ -16,15 +15,21 @@ bool hasPictureExtension(const std::string& path);
 /// Whether `bytes` are such a file, by their header.
 bool looksLikePicture(std::span<const unsigned char> bytes);
 
+/// A decoded picture file.
+struct Picture {
+    Image image;
+    EMOKTColourSpace colourSpace;
+};
+
 /// Decodes a picture file: to sRGB RGBA8, a 16-bit PNG to sRGB RGBA16, HDR to linear float RGBA; turned upright as its EXIF data
 /// says. A Failure that names `file` if it is broken or too large.
 /// @param console  is told what was done and what the file asks for in vain; may be null
-moktexture::CMOKTexture decodePicture(std::span<const unsigned char> bytes, const std::string& file, Console* console = nullptr);
+Picture decodePicture(std::span<const unsigned char> bytes, const std::string& file, Console* console = nullptr);
 
 /// The format of the PNG file for an image of that format: rgba16Format for integers above 8 bits, else rgba8Format.
 TextureFormat pictureFormat(const TextureFormat& format);
 
-/// The bytes of a PNG file with level 0 of a texture of either of these formats.
-std::vector<unsigned char> encodePNG(const moktexture::CMOKTexture& texture, const std::string& file);
+/// The bytes of a PNG file with an image of either of these formats.
+std::vector<unsigned char> encodePNG(const Image& image, const std::string& file);
 
 }  // namespace moktextool

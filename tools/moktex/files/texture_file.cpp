@@ -66,7 +66,6 @@ Failure loadFailure(ELoadStatus status, const std::string& name) {
 constexpr const char* noPixels = "there are no pixels, or empty metadata, to write; check the input";
 
 std::vector<unsigned char> encode(const moktexture::CMOKTexture& texture, const std::string& path) {
-    if (outputKind(path) == OutputKind::picture) return encodePNG(texture, path);
     std::vector<unsigned char> image = encodeContainer(texture, path);
     if (image.empty()) {
         requireHoldable(texture, {path, {}});
@@ -82,6 +81,16 @@ void writeLegacy(const moktexture::CMOKTexture& texture, const OutputTarget& tar
         throw Failure(ExitStatus::inputOutput, target.path, "writing failed; check the disk's space");
 }
 
+TextureInput inputOf(Picture picture) {
+    const Image& image = picture.image;
+    TextureInput input;
+    static_cast<CMOKTextureHeader&>(input.texture) =
+        CMOKTextureHeader(image.getFormat().pixelType.id, image.getSize().height, image.getSize().width, 1, 1, 1, 1,
+                          picture.colourSpace, image.getFormat().channelType, false);
+    input.picture = std::move(picture.image);
+    return input;
+}
+
 }  // namespace
 
 TextureInput readTexture(const std::string& path, Console& console) {
@@ -91,8 +100,8 @@ TextureInput readTexture(const std::string& path, Console& console) {
     if (bytes.empty()) throw Failure(ExitStatus::invalidInput, name, "empty; name a picture or texture");
     const bool isPicture = !startsLikeTexture(bytes) &&
                            (hasPictureExtension(path) || (!isReadableExtension(extensionOf(path)) && looksLikePicture(bytes)));
-    if (isPicture) return {decodePicture(bytes, name, &console), true};
-    TextureInput input{{}, false};
+    if (isPicture) return inputOf(decodePicture(bytes, name, &console));
+    TextureInput input;
     const ELoadStatus status = LoadTexture(input.texture, bytes.data(), bytes.size());
     if (status != eLoadOk) throw loadFailure(status, name);
     return input;
@@ -117,11 +126,14 @@ void requireWritable(const std::string& path, bool overwrite) {
     if (!overwrite) throw Failure(ExitStatus::inputOutput, path, "exists already; use --overwrite or another name");
 }
 
-std::size_t writeTexture(const moktexture::CMOKTexture& texture, const OutputTarget& output, Console& console) {
+namespace {
+
+/// Writes the bytes of a file, or in the legacy layout the texture.
+std::size_t writeOutput(const std::vector<unsigned char>& image, const CMOKTexture& texture, const OutputTarget& output,
+                        Console& console) {
     const std::string& path = output.path;
     if (path == standardStream && console.outIsTerminal)
         throw Failure(ExitStatus::commandLine, "-", "standard output is a terminal; redirect it to a file or a program");
-    const std::vector<unsigned char> image = output.legacyApi ? std::vector<unsigned char>{} : encode(texture, path);
     if (path == standardStream) {
         console.out.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size())).flush();
         if (!console.out) throw Failure(ExitStatus::inputOutput, displayName(path), "writing failed; check what reads it");
@@ -133,6 +145,16 @@ std::size_t writeTexture(const moktexture::CMOKTexture& texture, const OutputTar
     else
         file.write(image);
     return static_cast<std::size_t>(file.publish(output.overwrites));
+}
+
+}  // namespace
+
+std::size_t writeTexture(const CMOKTexture& texture, const OutputTarget& output, Console& console) {
+    return writeOutput(output.legacyApi ? std::vector<unsigned char>{} : encode(texture, output.path), texture, output, console);
+}
+
+std::size_t writePicture(const Image& image, const OutputTarget& output, Console& console) {
+    return writeOutput(encodePNG(image, output.path), {}, output, console);
 }
 
 }  // namespace moktextool

@@ -1,18 +1,21 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "MOKTexLib.h"
 #include "moktex/files/container.h"
+#include "moktex/formats/Image.h"
 
 namespace moktextool {
 
 struct Console;
 
-/// A texture and the kind of file that it came from.
+/// A texture or picture as its file holds it.
 struct TextureInput {
-    moktexture::CMOKTexture texture;
-    bool isPicture;
+    moktexture::CMOKTexture texture;  ///< of a picture the header alone, whose sizes may wrap, without pixels
+    std::optional<Image> picture;     ///< the pixels of a picture file
+    bool isPicture() const { return picture.has_value(); }
 };
 
 /// Reads a picture or texture from a file or, for "-", from standard input. The content decides which of both it is, then the
@@ -27,9 +30,10 @@ OutputKind outputKind(const std::string& path);
 /// A Failure if the path exists and `overwrite` is not set, or cannot be a file.
 void requireWritable(const std::string& path, bool overwrite);
 
-/// Writes a texture, or the RGBA8 picture in it, to a file or, for "-", to standard output. The file
-/// appears under its name only when it is complete.
+/// Writes a texture to a file or, for "-", to standard output. The file appears under its name only when it is complete.
 /// @return the number of bytes written
 std::size_t writeTexture(const moktexture::CMOKTexture& texture, const OutputTarget& output, Console& console);
+/// The same for a picture file with an image in its pictureFormat().
+std::size_t writePicture(const Image& image, const OutputTarget& output, Console& console);
 
 }  // namespace moktextool

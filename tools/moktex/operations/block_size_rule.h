@@ -19,9 +19,9 @@ struct PlannedSize {
 /// Why a format cannot hold a texture of some size, and which sizes it can hold.
 struct SizeProblem {
     std::string rule;             ///< the problem, without the remedy
-    std::uint32_t width, height;  ///< the nearest size that works with the same number of levels; 0 if none does
-    std::uint32_t fittingLevels;  ///< how many levels of the size work
+    std::uint32_t width, height;  ///< the nearest size that works; 0 if none does
 };
+/// Sides that are no multiple of the block are no problem: encodeImages() pads the last blocks.
 std::optional<SizeProblem> sizeProblem(const TextureFormat& target, const PlannedSize& size);
 
 /// The power of two nearest to `size`, the larger one of two.

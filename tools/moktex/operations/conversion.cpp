@@ -6,7 +6,10 @@
 #include "moktex/files/picture_file.h"
 #include "moktex/files/texture_file.h"
 #include "moktex/formats/format_names.h"
+#include "moktex/formats/texture_size.h"
 #include "moktex/operations/block_size_rule.h"
+#include "moktex/operations/format_change.h"
+#include "moktex/operations/resample.h"
 #include "moktex/report/console.h"
 
 using namespace moktexture;
@@ -20,20 +23,23 @@ struct Conversion {
     const ConversionRequest& request;
     const std::string name;
     Console& console;
-    CMOKTexture texture;
+    TextureInput input;
     TextureFormat target;
     EMOKTColourSpace colourSpace;
     ECompressorQuality quality;
-    PlannedSize resized;                       ///< before the operations
-    PlannedSize size;                          ///< after them
-    std::vector<OperationContext> operations;  ///< of each operation
+    PlannedSize resized;             ///< before the operations
+    PlannedSize size;                ///< after them
+    std::vector<double> operations;  ///< the unit of each operation's values; see PlannedTexture
     bool isPictureOutput;
+    bool holdsNormals;
 
-    bool resizes() const { return resized.width != texture.getWidth() || resized.height != texture.getHeight(); }
+    const CMOKTextureHeader& source() const { return input.texture; }
+    bool resizes() const { return resized.width != source().getWidth() || resized.height != source().getHeight(); }
     bool changesPixels() const {
-        return resizes() || !request.operations.empty() || isPictureOutput || !(target == formatOf(texture)) ||
-               colourSpace != texture.getColourSpace();
+        return resizes() || !request.operations.empty() || isPictureOutput || !(target == formatOf(source())) ||
+               colourSpace != source().getColourSpace();
     }
+    Workplace place() const { return {name, console, request.bandPixels}; }
 };
 
 PlannedSize planResize(const ConversionRequest& request, const CMOKTextureHeader& header) {
@@ -81,15 +87,14 @@ std::string sizeRemedy(const SizeProblem& problem, const ConversionRequest& requ
     for (auto operation = request.operations.rbegin(); isPossible && operation != request.operations.rend(); ++operation)
         isPossible = (*operation)->undoSize(wanted);
     if (!isPossible) return "";
-    return "; use --resize " + std::to_string(wanted.width) + 'x' + std::to_string(wanted.height) +
-           (problem.fittingLevels > 0 ? " or --mipmaps=" + std::to_string(problem.fittingLevels) : "");
+    return "; use --resize " + std::to_string(wanted.width) + 'x' + std::to_string(wanted.height);
 }
 
 void checkSize(const Conversion& conversion) {
     const ConversionRequest& request = conversion.request;
     PlannedSize encoded = conversion.size;
     if (conversion.isPictureOutput) {
-        requireImage(request, conversion.texture, encoded.levels, conversion.name);
+        requireImage(request, conversion.source(), encoded.levels, conversion.name);
         encoded = {std::max(1u, encoded.width >> request.level), std::max(1u, encoded.height >> request.level), 1, 1};
     }
     if (!conversion.changesPixels()) return;
@@ -97,6 +102,25 @@ void checkSize(const Conversion& conversion) {
         throw Failure(ExitStatus::notSupported, conversion.name,
                       problem->rule + sizeRemedy(*problem, request, conversion.isPictureOutput));
     }
+}
+
+/// A Failure if the result cannot be a texture of the library, or would have to be one in between.
+void checkLimit(const Conversion& conversion) {
+    const PlannedSize& size = conversion.size;
+    CMOKTextureHeader header = conversion.source();
+    header.setPixelFormat(conversion.target.pixelType);
+    header.setWidth(size.width);
+    header.setHeight(size.height);
+    header.setNumMIPLevels(size.levels);
+    constexpr const char* remedy = "; use a smaller --resize, or a --format with fewer bits a pixel";
+    const bool isTexture = !conversion.isPictureOutput;
+    if (isTexture && (conversion.changesPixels() || conversion.input.isPicture()) && !fitsTexture(header))
+        throw Failure(ExitStatus::notSupported, conversion.name, "the result would be " + limitText(header) + remedy);
+    header.setPixelFormat(PixelTypeRGBA8);
+    header.setNumMIPLevels(1);
+    if (conversion.changesPixels() && needsWholeLevels(conversion.target, conversion.request.dither) && !fitsTexture(header))
+        throw Failure(ExitStatus::notSupported, conversion.name,
+                      "dithering works on " + limitText(header) + "; use a smaller --resize, or leave out --dither");
 }
 
 void checkEncoder(const Conversion& conversion) {
@@ -133,17 +157,18 @@ TextureFormat defaultFormat(const TextureFormat& source, bool isPictureOutput, b
     return holdsNormals && !hasThreeChannels ? rgba8Format : source;
 }
 
-Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std::string& name, const std::string& output,
+Conversion plan(const ConversionRequest& request, TextureInput input, const std::string& name, const std::string& output,
                 Console& console) {
+    CMOKTextureHeader& texture = input.texture;
     if (request.assignedColourSpace) texture.setColourSpace(*request.assignedColourSpace);
     const bool isPictureOutput = outputKind(output) == OutputKind::picture;
     const TextureFormat source = formatOf(texture);
     const PlannedSize resized = planResize(request, texture);
     PlannedTexture planned{
         name, console, resized, unitOf(source), texture.getColourSpace(), texture.isPreMultiplied(), hasBorder(texture)};
-    std::vector<OperationContext> contexts;
+    std::vector<double> units;
     for (const OperationPointer& operation : request.operations) {
-        contexts.push_back({planned.unit, request.mipFilter});
+        units.push_back(planned.unit);
         operation->plan(planned);
     }
     const TextureFormat target = request.format.value_or(defaultFormat(source, isPictureOutput, planned.holdsNormals));
@@ -152,80 +177,23 @@ Conversion plan(const ConversionRequest& request, CMOKTexture texture, const std
     Conversion conversion{request,
                           name,
                           console,
-                          std::move(texture),
+                          std::move(input),
                           target,
                           colourSpace,
                           encoderQuality(request.quality, target.pixelType),
                           resized,
                           planned.size,
-                          std::move(contexts),
-                          isPictureOutput};
+                          std::move(units),
+                          isPictureOutput,
+                          planned.holdsNormals};
     if (conversion.changesPixels()) {
         requireDecodable(source, name);
         checkEncoder(conversion);
     }
     checkSize(conversion);
+    checkLimit(conversion);
     checkContainer(conversion, output, planned.isPremultiplied);
     return conversion;
-}
-
-/// A format that keeps all values through any number of operations: floats, if they fit the largest data size.
-TextureFormat exactFormat(const Conversion& conversion) {
-    const auto pixelsOf = [](const PlannedSize& size) { return std::uint64_t{size.width} * size.height; };
-    const CMOKTexture& texture = conversion.texture;
-    const std::uint64_t pixels = std::max(
-        {std::uint64_t{texture.getWidth()} * texture.getHeight(), pixelsOf(conversion.resized), pixelsOf(conversion.size)});
-    const std::uint64_t images = std::uint64_t{texture.getNumArrayMembers()} * texture.getNumFaces() * texture.getDepth();
-    const double unit = unitOf(formatOf(texture));
-    if (unit == 1 || pixels * images <= maxDataSize / 16 / 4 * 3) return rgbaFloatFormat;
-    return unit == 255 ? rgba8Format : rgba16Format;
-}
-
-/// The format to convert a texture to before an operation; its own if the operation accepts it.
-TextureFormat operandFormat(const Conversion& conversion, OperandFormat wanted) {
-    if (wanted == OperandFormat::bytes) return rgba8Format;
-    if (wanted == OperandFormat::exact) return exactFormat(conversion);
-    const TextureFormat format = formatOf(conversion.texture);
-    if (format == rgba8Format || format == rgba16Format || format == rgbaFloatFormat) return format;
-    const double unit = unitOf(format);
-    return unit == 255 ? rgba8Format : unit == 65535 ? rgba16Format : rgbaFloatFormat;
-}
-
-void convertForOperation(Conversion& conversion, OperandFormat format) {
-    CMOKTexture& texture = conversion.texture;
-    decodeBlocks(texture, conversion.name);
-    changeFormat(texture, {operandFormat(conversion, format), texture.getColourSpace()}, conversion.name, conversion.console);
-}
-
-/// The next side in a sequence of resizing steps from `current` to `wanted`. The filters sample points and are centred only when
-/// they halve. So a reduction halves repeatedly; if a factor between one half and one remains, it enlarges to twice `wanted`
-/// first.
-std::uint32_t nextEdge(std::uint32_t current, std::uint32_t wanted) {
-    if (current <= wanted || current == 2 * wanted) return wanted;
-    return current > 2 * wanted ? current / 2 : 2 * wanted;
-}
-
-void require(bool succeeded, const std::string& name, const std::string& work) {
-    if (!succeeded)
-        throw Failure(ExitStatus::workFailed, name, work + " failed, most likely because of its size; use a smaller --resize");
-}
-
-void resize(Conversion& conversion) {
-    CMOKTexture& texture = conversion.texture;
-    const EResizeMode filter = conversion.request.resizeFilter;
-    const PlannedSize& size = conversion.resized;
-    while (conversion.resizes()) {
-        std::uint32_t width = nextEdge(texture.getWidth(), size.width);
-        std::uint32_t height = nextEdge(texture.getHeight(), size.height);
-        const std::uint64_t pixels =
-            std::uint64_t{width} * height * texture.getDepth() * texture.getNumArrayMembers() * texture.getNumFaces();
-        const bool isTooLarge = pixels * texture.getBitsPerPixel() / 8 > maxDataSize;
-        if (filter == eResizeNearest || isTooLarge) {
-            width = size.width;
-            height = size.height;
-        }
-        require(Resize(texture, width, height, texture.getDepth(), filter), conversion.name, "resizing");
-    }
 }
 
 bool makesLevels(const ConversionRequest& request) {
@@ -233,66 +201,129 @@ bool makesLevels(const ConversionRequest& request) {
                        [](const OperationPointer& operation) { return operation->isMipmaps(); });
 }
 
-void noteLosses(const Conversion& conversion) {
+/// The format to work in: the integers that hold the values of the source, or wider ones if pixels are averaged for a wider
+/// target, so that the averages are rounded only once.
+TextureFormat workingFormat(const Conversion& conversion) {
+    const TextureFormat& target = conversion.target;
+    const bool averages = conversion.resizes() || makesLevels(conversion.request);
+    const unsigned int bits = averages ? widestChannel(target) : 8;
+    const bool isFloat = averages && !isCompressed(target.pixelType) && target.channelType == eVarFloat;
+    const double unit = unitOf(formatOf(conversion.source()));
+    if (unit == 1 || isFloat || bits > 16) return rgbaFloatFormat;
+    return unit == 255 && bits <= 8 ? rgba8Format : rgba16Format;
+}
+
+ResampleSettings settingsOf(const Conversion& conversion, EResizeMode mode, const CMOKTextureHeader& header) {
+    return {mode, conversion.request.linearLight && header.getColourSpace() == eColourSpaceSRGB,
+            conversion.request.weightsByAlpha && !header.isPreMultiplied() && !header.isBumpMap(), conversion.request.bandPixels};
+}
+
+void resize(const Conversion& conversion, ImageSet& images) {
+    const PlannedSize& planned = conversion.resized;
+    const ImageSize old = sizeOf(images.header), size{planned.width, planned.height, old.depth};
+    for (Surface& surface : images.surfaces) {
+        surface.erase(surface.begin() + 1, surface.end());
+        surface.front() = resample(surface.front(), size, settingsOf(conversion, conversion.request.resizeFilter, images.header));
+    }
+    CMOKTextureHeader& header = images.header;
+    unsigned int x, y, z;
+    header.getBorder(x, y, z);
+    header.setWidth(size.width);
+    header.setHeight(size.height);
+    header.setNumMIPLevels(1);
+    const auto scaled = [](unsigned int border, std::uint32_t from, std::uint32_t to) {
+        return static_cast<unsigned int>(std::uint64_t{border} * to / from);
+    };
+    if (hasBorder(header)) header.setBorder(scaled(x, old.width, size.width), scaled(y, old.height, size.height), z);
+}
+
+/// Whether any pixel of the result is an average.
+bool averages(const Conversion& conversion) {
     const auto& request = conversion.request;
-    const CMOKTexture& texture = conversion.texture;
-    const bool isFloat = formatOf(texture).channelType == eVarFloat && !isCompressed(texture.getPixelType());
-    if (isFloat && ((conversion.resizes() && request.resizeFilter == eResizeCubic) ||
-                    (makesLevels(request) && request.mipFilter == eResizeCubic)))
-        conversion.console.note(conversion.name + ": the cubic filter clamps values to 0 to 1; use linear to keep them");
-    if (conversion.resizes() && texture.getNumMIPLevels() > 1 && !makesLevels(request))
+    return (conversion.resizes() && request.resizeFilter != eResizeNearest) ||
+           (makesLevels(request) && request.mipFilter != eResizeNearest);
+}
+
+void noteAveraging(const Conversion& conversion) {
+    const auto& request = conversion.request;
+    if (conversion.resizes() && conversion.source().getNumMIPLevels() > 1 && !makesLevels(request))
         conversion.console.note(conversion.name + ": only the first level is resized, the others are dropped");
+    if (!averages(conversion) || conversion.holdsNormals) return;
+    const bool isSRGB = conversion.source().getColourSpace() == eColourSpaceSRGB;
+    conversion.console.note(!isSRGB ? "colours that are not marked as sRGB are averaged as they are stored"
+                            : request.linearLight
+                                ? "sRGB colours are averaged in linear light; --no-linear-light averages the stored values"
+                                : "sRGB colours are averaged as they are stored, not in linear light");
 }
 
-void operate(Conversion& conversion) {
-    noteLosses(conversion);
-    if (conversion.resizes()) {
-        convertForOperation(conversion, OperandFormat::exact);
-        resize(conversion);
-    }
+void operate(const Conversion& conversion, ImageSet& images) {
+    noteAveraging(conversion);
+    const bool operates = conversion.resizes() || !conversion.operations.empty();
+    if (operates) convertImages(images, {workingFormat(conversion), images.header.getColourSpace()}, conversion.place());
+    if (conversion.resizes()) resize(conversion, images);
     for (std::size_t i = 0; i < conversion.operations.size(); ++i) {
-        const ImageOperation& operation = *conversion.request.operations[i];
-        convertForOperation(conversion, operation.operandFormat());
-        require(operation.apply(conversion.texture, conversion.operations[i]), conversion.name, operation.text);
+        const ResampleSettings settings = settingsOf(conversion, conversion.request.mipFilter, images.header);
+        conversion.request.operations[i]->apply(images, {conversion.operations[i], settings, conversion.place()});
     }
 }
 
-/// Reduces the texture to the image that is written as a picture.
-void pickImage(Conversion& conversion, const TextureFormat& source) {
+/// The image of the result that is written as a picture, in the format of the file.
+Image makePicture(const Conversion& conversion, ImageSet images) {
     const auto& request = conversion.request;
-    CMOKTexture& texture = conversion.texture;
-    if (widestChannel(source) > 8 && pictureFormat(conversion.target) == rgba8Format)
+    const TextureFormat format = pictureFormat(conversion.target);
+    if (widestChannel(formatOf(conversion.source())) > 8 && format == rgba8Format)
         conversion.console.note(conversion.name + ": the picture is written with 8 bits a channel");
-    if (texture.getDepth(request.level) > 1)
+    if (images.surface(0, 0)[request.level].getSize().depth > 1)
         conversion.console.note(conversion.name + ": the picture holds the first slice of the volume");
-    texture = extractImage(texture, request.level, request.layer, request.face);
+    ImageSet image = takeImage(std::move(images), request.level, request.layer, request.face);
+    const FormatChange change{conversion.target, conversion.colourSpace, conversion.quality, request.dither};
+    if (isCompressed(conversion.target.pixelType))
+        image = decodeTexture(encodeImages(std::move(image), change, conversion.place()), conversion.place());
+    else
+        convertImages(image, change, conversion.place());
+    convertImages(image, {format, conversion.colourSpace}, conversion.place());
+    return std::move(image.surfaces.front().front());
 }
 
-void report(const CMOKTexture& texture, const std::string& output, std::size_t bytes, Console& console) {
+CMOKTexture makeTexture(Conversion& conversion) {
+    if (!conversion.changesPixels() && !conversion.input.picture) return std::move(conversion.input.texture);
+    ImageSet images = takeImages(conversion.input, conversion.place());
+    operate(conversion, images);
+    return encodeImages(std::move(images),
+                        {conversion.target, conversion.colourSpace, conversion.quality, conversion.request.dither},
+                        conversion.place());
+}
+
+void report(const CMOKTextureHeader& header, const std::string& output, std::size_t bytes, Console& console) {
     if (console.quiet || output == standardStream) return;
-    const std::uint32_t levels = texture.getNumMIPLevels();
-    console.out << printable(output) << ": " << nameOf(formatOf(texture)) << ", " << texture.getWidth() << " x "
-                << texture.getHeight() << ", " << levels << (levels == 1 ? " level, " : " levels, ")
-                << nameOf(texture.getColourSpace()) << ", " << bytes << " bytes\n";
+    const std::uint32_t levels = header.getNumMIPLevels();
+    console.out << printable(output) << ": " << nameOf(formatOf(header)) << ", " << header.getWidth() << " x "
+                << header.getHeight() << ", " << levels << (levels == 1 ? " level, " : " levels, ")
+                << nameOf(header.getColourSpace()) << ", " << bytes << " bytes\n";
+}
+
+void convertToPicture(Conversion& conversion, const std::string& output, Console& console) {
+    ImageSet images = takeImages(conversion.input, conversion.place());
+    operate(conversion, images);
+    const Image picture = makePicture(conversion, std::move(images));
+    const std::size_t bytes = writePicture(picture, {output, {}, conversion.request.overwrites}, console);
+    report(CMOKTextureHeader(picture.getFormat().pixelType.id, picture.getSize().height, picture.getSize().width, 1, 1, 1, 1,
+                             conversion.colourSpace, picture.getFormat().channelType, false),
+           output, bytes, console);
 }
 
 }  // namespace
 
 void convertFile(const ConversionRequest& request, const std::string& input, const std::string& output, Console& console) {
     const std::string name = displayName(input);
-    Conversion conversion = plan(request, readTexture(input, console).texture, name, output, console);
-    auto& texture = conversion.texture;
-    const TextureFormat source = formatOf(texture);
+    Conversion conversion = plan(request, readTexture(input, console), name, output, console);
     CMOKTextureHeader targetHeader;
     targetHeader.setPixelFormat(conversion.target.pixelType);
     if (request.dither && targetHeader.getBitsPerPixel() >= 32)
         console.note(name + ": --dither has no effect above 31 bits a pixel");
+    if (conversion.isPictureOutput) return convertToPicture(conversion, output, console);
 
-    operate(conversion);
-    if (conversion.isPictureOutput) pickImage(conversion, source);
-    changeFormat(texture, {conversion.target, conversion.colourSpace, conversion.quality, request.dither}, name, console);
-    if (conversion.isPictureOutput)
-        changeFormat(texture, {pictureFormat(conversion.target), conversion.colourSpace}, name, console);
+    const CMOKTexture texture = makeTexture(conversion);
     const std::string caveat = containerCaveat(texture, {output, request.legacyApi});
     if (!caveat.empty()) console.note(output + ": " + caveat);
     const std::size_t bytes = writeTexture(texture, {output, request.legacyApi, request.overwrites}, console);

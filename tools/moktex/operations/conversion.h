@@ -8,6 +8,7 @@
 #include "moktex/formats/format_names.h"
 #include "moktex/formats/texture_format.h"
 #include "moktex/operations/image_operation.h"
+#include "moktex/operations/row_bands.h"
 
 namespace moktextool {
 
@@ -29,10 +30,13 @@ struct ConversionRequest {
     moktexture::EResizeMode resizeFilter = moktexture::eResizeLinear;
     std::optional<EMOKTColourSpace> assignedColourSpace;  ///< of the input; the values stay
     std::optional<EMOKTColourSpace> colourSpace;          ///< of the output; the curve is applied
+    bool linearLight = true;                              ///< average colours marked as sRGB in linear light
+    bool weightsByAlpha = true;                           ///< let a pixel's colour count by its alpha where pixels are averaged
     bool dither = false;
     std::uint32_t level = 0, layer = 0, face = 0;     ///< the image to write as a picture
     std::optional<moktexture::ELegacyApi> legacyApi;  ///< set to write the legacy layout
     bool overwrites = false;                          ///< an existing output is replaced
+    std::uint64_t bandPixels = defaultBandPixels;     ///< of one step of the work; changes no byte
 };
 
 /// Converts one file to another. Every request that cannot be met is refused by a Failure before the conversion starts.

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 #include "moktex/operations/image_operation.h"
+#include "moktex/operations/resample.h"
 #include "moktex/report/console.h"
 
 using namespace moktexture;
@@ -22,9 +24,33 @@ public:
         if (axis == eAxisZ && texture.size.depth == 1)
             texture.console.note(texture.name + ": " + text + " changes nothing, because there is only one slice");
     }
-    bool apply(CMOKTexture& texture, const OperationContext&) const override { return Flip(texture, axis); }
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        if (axis == eAxisX)
+            return applyByBands(images, {text, [](CMOKTexture& band) { return Flip(band, eAxisX); }}, context.place);
+        for (Surface& surface : images.surfaces) {
+            for (Image& image : surface)
+                flipRows(image);
+        }
+    }
 
 private:
+    /// Exchanges the rows of each slice, or the slices.
+    void flipRows(Image& image) const {
+        const std::uint64_t height = image.getSize().height, slices = image.getSize().depth;
+        const auto exchange = [&](std::uint64_t a, std::uint64_t b, std::uint64_t rows) {
+            std::swap_ranges(image.row(a), image.row(a) + rows * image.getRowSize(), image.row(b));
+        };
+        if (axis == eAxisZ) {
+            for (std::uint64_t z = 0; z < slices / 2; ++z)
+                exchange(z * height, (slices - 1 - z) * height, height);
+            return;
+        }
+        for (std::uint64_t z = 0; z < slices; ++z) {
+            for (std::uint64_t y = 0; y < height / 2; ++y)
+                exchange(z * height + y, z * height + height - 1 - y, 1);
+        }
+    }
+
     const EMOKTAxis axis;
 };
 
@@ -37,15 +63,39 @@ public:
         std::swap(size.width, size.height);
         return true;
     }
-    bool apply(CMOKTexture& texture, const OperationContext&) const override {
-        if (!Rotate90(texture, eAxisZ, isClockwise)) return false;
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        for (Surface& surface : images.surfaces) {
+            for (Image& image : surface)
+                image = turn(image, context.place);
+        }
+        CMOKTextureHeader& header = images.header;
+        const std::uint32_t width = header.getWidth();
+        header.setWidth(header.getHeight());
+        header.setHeight(width);
         unsigned int x, y, z;
-        texture.getBorder(x, y, z);
-        if (x != y) texture.setBorder(y, x, z);
-        return true;
+        header.getBorder(x, y, z);
+        if (x != y) header.setBorder(y, x, z);
     }
 
 private:
+    /// Rows of the image become columns, from the right if they turn clockwise.
+    Image turn(const Image& image, const Workplace& place) const {
+        const ImageSize& size = image.getSize();
+        Image turned(image.getFormat(), {size.height, size.width, size.depth});
+        const std::size_t pixelSize = image.getRowSize() / size.width;
+        for (std::uint64_t z = 0; z < size.depth; ++z) {
+            forEachBand({size.height, size.width, place.bandPixels}, [&](const RowBand& rows) {
+                CMOKTexture band = copyBand(image, {z * size.height + rows.first, rows.count}, eColourSpaceLinear);
+                requireSuccess(Rotate90(band, eAxisZ, isClockwise), place.name, text);
+                const std::uint64_t column = isClockwise ? size.height - rows.first - rows.count : rows.first;
+                const auto* from = static_cast<const unsigned char*>(band.getDataPtr());
+                for (std::uint64_t y = 0; y < size.width; ++y, from += rows.count * pixelSize)
+                    std::memcpy(turned.row(z * size.width + y) + column * pixelSize, from, rows.count * pixelSize);
+            });
+        }
+        return turned;
+    }
+
     const bool isClockwise;
 };
 
@@ -79,9 +129,39 @@ public:
         size.height -= 2 * y;
         return size.width > 0 && size.height > 0;
     }
-    bool apply(CMOKTexture& texture, const OperationContext&) const override { return Border(texture, x, y, 0); }
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        for (Surface& surface : images.surfaces) {
+            surface.erase(surface.begin() + 1, surface.end());
+            surface.front() = extend(surface.front(), context.place);
+        }
+        CMOKTextureHeader& header = images.header;
+        header.setWidth(header.getWidth() + 2 * x);
+        header.setHeight(header.getHeight() + 2 * y);
+        header.setNumMIPLevels(1);
+        header.setBorder(x, y, 0);
+    }
 
 private:
+    /// The image with its rows mirrored above and below, and each of them left and right.
+    Image extend(const Image& image, const Workplace& place) const {
+        const ImageSize& size = image.getSize();
+        Image extended(image.getFormat(), {size.width + 2 * x, size.height + 2 * y, size.depth});
+        const std::uint64_t height = extended.getSize().height;
+        const auto mirrored = [&](std::uint64_t row) -> std::uint64_t {
+            if (row < y) return y - 1 - row;
+            return row - y < size.height ? row - y : 2 * std::uint64_t{size.height} + y - 1 - row;
+        };
+        forEachBand({extended.countRows(), extended.getSize().width, place.bandPixels}, [&](const RowBand& rows) {
+            CMOKTexture band = gatherBand(image, rows.count, eColourSpaceLinear, [&](std::uint32_t i) {
+                const std::uint64_t row = rows.first + i;
+                return row / height * size.height + mirrored(row % height);
+            });
+            requireSuccess(Border(band, x, 0, 0), place.name, text);
+            std::memcpy(extended.row(rows.first), band.getDataPtr(), rows.count * extended.getRowSize());
+        });
+        return extended;
+    }
+
     static std::string sizeText(const PlannedSize& size) {
         return std::to_string(size.width) + " x " + std::to_string(size.height);
     }
@@ -103,10 +183,16 @@ public:
         texture.hasMadeLevels = true;
     }
     bool isMipmaps() const override { return true; }
-    OperandFormat operandFormat() const override { return OperandFormat::exact; }
-    bool apply(CMOKTexture& texture, const OperationContext& context) const override {
-        // GenerateMIPMaps() keeps a chain that has the wanted length already, so the old chain is removed first.
-        return GenerateMIPMaps(texture, context.mipFilter, 1) && GenerateMIPMaps(texture, context.mipFilter, levels);
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        const ImageSize size = sizeOf(images.header);
+        const auto fullChain = static_cast<std::uint32_t>(std::bit_width(std::max({size.width, size.height, size.depth})));
+        const std::uint32_t count = levels == allMIPLevels ? fullChain : levels;
+        for (Surface& surface : images.surfaces) {
+            surface.erase(surface.begin() + 1, surface.end());
+            for (std::uint32_t level = 1; level < count; ++level)
+                surface.push_back(resample(surface.back(), levelSize(size, level), context.mipSettings));
+        }
+        images.header.setNumMIPLevels(count);
     }
 
 private:

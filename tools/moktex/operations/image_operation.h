@@ -5,7 +5,9 @@
 #include <string>
 #include <utility>
 
+#include "moktex/operations/band_operation.h"
 #include "moktex/operations/block_size_rule.h"
+#include "moktex/operations/resample.h"
 #include "moktex/report/console.h"
 
 namespace moktextool {
@@ -24,16 +26,10 @@ struct PlannedTexture {
     bool holdsNormals = false;
 };
 
-/// The formats that an operation accepts.
-enum class OperandFormat {
-    any,    ///< every format that the library operates on
-    bytes,  ///< RGBA8
-    exact,  ///< floats, if they fit the largest data size, so that no value is rounded between operations
-};
-
 struct OperationContext {
     double unit;  ///< as in PlannedTexture, before the operation
-    moktexture::EResizeMode mipFilter;
+    ResampleSettings mipSettings;
+    const Workplace& place;
 };
 
 /// One operation of `moktex convert` with its parameters.
@@ -49,9 +45,8 @@ public:
     /// Turns the size after the operation into the size needed before it; false if there is none.
     virtual bool undoSize(PlannedSize&) const { return true; }
     virtual bool isMipmaps() const { return false; }
-    virtual OperandFormat operandFormat() const { return OperandFormat::any; }
-    /// Applies the operation to a texture in operandFormat(). False if the library refuses.
-    virtual bool apply(moktexture::CMOKTexture& texture, const OperationContext& context) const = 0;
+    /// Applies the operation to images in RGBA8, RGBA16 or float RGBA.
+    virtual void apply(ImageSet& images, const OperationContext& context) const = 0;
 
     const std::string text;  ///< as on the command line, "--flip x"
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -43,8 +44,10 @@ public:
                    "--format rgba8888");
         texture.isPremultiplied = true;
     }
-    OperandFormat operandFormat() const override { return OperandFormat::bytes; }
-    bool apply(CMOKTexture& texture, const OperationContext&) const override { return PreMultiplyAlpha(texture); }
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        applyByBands(images, {text, PreMultiplyAlpha, rgba8Format}, context.place);
+        images.header.setIsPreMultiplied(true);
+    }
 };
 
 class BleedColours : public ImageOperation {
@@ -56,7 +59,10 @@ public:
             refuse(texture, ExitStatus::notSupported,
                    "transparent pixels of premultiplied colours must stay black; leave it out, or give it before --premultiply");
     }
-    bool apply(CMOKTexture& texture, const OperationContext&) const override { return Bleed(texture); }
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        constexpr std::uint32_t radius = 4;  // of Bleed()
+        applyByBands(images, {text, Bleed, {}, radius}, context.place);
+    }
 };
 
 class SetChannel : public ImageOperation {
@@ -70,14 +76,22 @@ public:
         const std::string largest = std::to_string(static_cast<unsigned int>(texture.unit));
         refuse(texture, ExitStatus::commandLine, "the texture's channels hold whole numbers; use 0 to " + largest);
     }
-    bool apply(CMOKTexture& texture, const OperationContext& context) const override {
-        EChannelName channels[] = {channel};
-        if (texture.getChannelType() == eVarFloat) {
-            float values[] = {static_cast<float>(value) / static_cast<float>(context.unit)};
-            return SetChannelsFloat(texture, 1, channels, values);
-        }
-        unsigned int values[] = {static_cast<unsigned int>(value)};
-        return SetChannels(texture, 1, channels, values);
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        const TextureFormat format = formatOf(images.header);
+        applyByBands(
+            images,
+            {text,
+             [&](CMOKTexture& band) {
+                 EChannelName channels[] = {channel};
+                 if (format == rgbaFloatFormat) {
+                     float values[] = {static_cast<float>(value) / static_cast<float>(context.unit)};
+                     return SetChannelsFloat(band, 1, channels, values);
+                 }
+                 const unsigned int largest = format == rgba8Format ? 255 : 65535;
+                 unsigned int values[] = {static_cast<unsigned int>(value) * (largest / static_cast<unsigned int>(context.unit))};
+                 return SetChannels(band, 1, channels, values);
+             }},
+            context.place);
     }
 
 private:
@@ -88,20 +102,40 @@ private:
 class Swizzle : public ImageOperation {
 public:
     Swizzle(const std::string& givenText, const std::string& letters) : ImageOperation(givenText) {
-        std::transform(letters.begin(), letters.end(), sources.begin(), channelOf);
+        std::transform(letters.begin(), letters.end(), sources.begin(), [](char letter) { return channelLetters.find(letter); });
     }
 
     void plan(PlannedTexture&) const override {}
-    // CopyChannels() between 16-bit channels changes some values by one.
-    OperandFormat operandFormat() const override { return OperandFormat::exact; }
-    bool apply(CMOKTexture& texture, const OperationContext&) const override {
-        std::array destinations = {eChannelRed, eChannelGreen, eChannelBlue, eChannelAlpha};
-        std::array from = sources;
-        return CopyChannels(texture, texture, 4, destinations.data(), from.data());
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        const TextureFormat format = formatOf(images.header);
+        for (Surface& surface : images.surfaces) {
+            for (Image& image : surface) {
+                if (format == rgba8Format)
+                    permute<std::uint8_t>(image, context.place);
+                else if (format == rgba16Format)
+                    permute<std::uint16_t>(image, context.place);
+                else
+                    permute<float>(image, context.place);
+            }
+        }
     }
 
 private:
-    std::array<EChannelName, 4> sources;
+    /// CopyChannels() rounds some 16-bit values, so that the channels are moved here.
+    template <class T>
+    void permute(Image& image, const Workplace& place) const {
+        forEachBand({image.countRows(), image.getSize().width, place.bandPixels}, [&](const RowBand& band) {
+            T* pixel = reinterpret_cast<T*>(image.row(band.first));
+            T* const end = pixel + std::size_t{band.count} * image.getSize().width * 4;
+            for (; pixel != end; pixel += 4) {
+                const std::array values = {pixel[0], pixel[1], pixel[2], pixel[3]};
+                for (std::size_t c = 0; c < 4; ++c)
+                    pixel[c] = values[sources[c]];
+            }
+        });
+    }
+
+    std::array<std::size_t, 4> sources;
 };
 
 class NormalMap : public ImageOperation {
@@ -118,10 +152,12 @@ public:
         texture.colourSpace = eColourSpaceLinear;
         texture.holdsNormals = true;
     }
-    bool apply(CMOKTexture& texture, const OperationContext&) const override {
-        if (!GenerateNormalMap(texture, scale, order.c_str())) return false;
-        texture.setColourSpace(eColourSpaceLinear);
-        return true;
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        applyByBands(images,
+                     {text, [&](CMOKTexture& band) { return GenerateNormalMap(band, scale, order.c_str()); }, {}, 1, true},
+                     rgbaFloatFormat, context.place);
+        images.header.setBumpMap(scale, order.c_str());
+        images.header.setColourSpace(eColourSpaceLinear);
     }
 
 private:
@@ -137,7 +173,30 @@ public:
         if (texture.size.levels == 1)
             refuse(texture, ExitStatus::commandLine, "there is no level below the first; give --mipmaps before it");
     }
-    bool apply(CMOKTexture& texture, const OperationContext&) const override { return ColourMIPMaps(texture); }
+    void apply(ImageSet& images, const OperationContext& context) const override {
+        for (Surface& surface : images.surfaces) {
+            for (std::uint32_t level = 1; level < surface.size(); ++level)
+                tint(surface[level], level, context.place);
+        }
+    }
+
+private:
+    /// Tints row by row, each as the level of a texture of one row.
+    void tint(Image& image, std::uint32_t level, const Workplace& place) const {
+        constexpr std::uint32_t colours = 6;  // of ColourMIPMaps(), which then repeat
+        const std::uint32_t index = (level - 1) % colours + 1;
+        CMOKTextureHeader header;
+        header.setPixelFormat(image.getFormat().pixelType);
+        header.setChannelType(image.getFormat().channelType);
+        header.setWidth(image.getSize().width << index);
+        header.setNumMIPLevels(index + 1);
+        CMOKTexture texture(header, nullptr);
+        for (std::uint64_t y = 0; y < image.countRows(); ++y) {
+            std::memcpy(texture.getDataPtr(index), image.row(y), image.getRowSize());
+            requireSuccess(ColourMIPMaps(texture), place.name, text);
+            std::memcpy(image.row(y), texture.getDataPtr(index), image.getRowSize());
+        }
+    }
 };
 
 }  // namespace
