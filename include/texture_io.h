@@ -31,7 +31,8 @@ MOKTEX_API const char* describe(ELoadStatus status);
 /// than 255 MIP levels, with 2^32 bytes of pixel data or more, or with 2^32 bits (512 MiB) or more in one face over all levels.
 ///
 /// The limits of metadata apply to the metadata in the file, not to the blocks that a loader makes of it. A legacy file holds the
-/// pixels of its first layer only: those of the others are zeroed memory, whose size only these limits bound.
+/// pixels of its first layer only: those of the others are zeroed memory, whose size maxExpansion bounds by the length of the
+/// file.
 struct LoadLimits {
     std::uint32_t maxEdge = 65536;                              ///< width, height and depth, in pixels
     std::uint32_t maxLevels = 17;                               ///< MIP levels
@@ -39,6 +40,8 @@ struct LoadLimits {
     std::uint32_t maxMetaDataSize = 16u << 20;                  ///< metadata, in bytes
     std::uint32_t maxMetaDataBlocks = 4096;                     ///< metadata blocks
     std::uint64_t maxTotalSize = (std::uint64_t{1} << 32) - 1;  ///< pixel data, in bytes
+    /// Pixel data as a multiple of the file's length, beyond 16 MiB. Only legacy files can have more than their length.
+    std::uint32_t maxExpansion = 16;
 };
 
 /// Loads a texture from a file in memory, which is not kept. The first bytes select the layout: native, legacy, KTX or DDS. A

@@ -78,6 +78,13 @@ CMOKTextureHeader makeTextureHeader(const LegacyHeader& legacy) {
     return header;
 }
 
+/// Whether the zeroed layers make the texture too large for its file.
+bool expandsTooFar(const CMOKTextureHeader& header, const ByteReader& source, const LoadLimits& limits) {
+    constexpr std::uint64_t alwaysAllowed = std::uint64_t{16} << 20;
+    const std::uint64_t fileLength = source.position() + source.remaining();
+    return header.getDataSize() > std::max(alwaysAllowed, limits.maxExpansion * fileLength);
+}
+
 /// Kept (legacy-read-order): pixels are read by face and, within a face, by level, and for the first layer only, though they are
 /// written in the order of the buffer; the cube maps with several levels that older writers made are ordered by face.
 ELoadStatus readPixels(ByteReader& source, CMOKTexture& texture) {
@@ -122,6 +129,7 @@ ELoadStatus readLegacyFile(ByteReader& source, const ReadPolicy& policy, CMOKTex
     CMOKTextureHeader header = makeTextureHeader(legacy);
     status = validatePixelData(header, source, header.getDataSize(CMOKTextureHeader::allLevels, false, true), policy);
     if (status != eLoadOk) return status;
+    if (policy.isStrict() && expandsTooFar(header, source, policy.limits)) return eLoadTooLarge;
     texture.CMOKTextureHeader::Swap(header);
     TextureInternals::allocate(texture);
     return readPixels(source, texture);

@@ -53,6 +53,22 @@ TEST(LegacyFile, RefusedFilesLeaveADefaultTexture) {
     // clang-format on
 }
 
+TEST(LegacyFile, LayersBeyondTheFileAreLimitedByItsLength) {
+    // 512 by 512 pixels of 4 bytes: 1 MiB a layer.
+    Bytes image = words({52, 512, 512, 0, 18, 0, 0, 0, 0, 0, 0, 0, 1});
+    image.resize(52 + (1u << 20));
+    // clang-format off
+    const struct { unsigned char layers; std::uint32_t expansion; ELoadStatus status; } cases[] = {
+        {16, 0, eLoadOk}, {17, 0, eLoadTooLarge}, {17, 16, eLoadTooLarge}, {17, 17, eLoadOk}, {64, 16, eLoadTooLarge}};
+    // clang-format on
+    for (const auto& [layers, expansion, status] : cases) {
+        image[48] = layers;
+        CMOKTexture loaded;
+        EXPECT_EQ(load(image, loaded, {.maxExpansion = expansion}), status) << int{layers};
+        EXPECT_EQ(CMOKTexture(static_cast<const void*>(image.data())).getNumArrayMembers(), layers);
+    }
+}
+
 TEST(LegacyFile, IsWrittenByteForByte) {
     const TemporaryFolder folder;
     const std::string path = folder.path("any.name");

@@ -113,7 +113,13 @@ TEST_F(ToolTest, LegacyFilesAndCSourceHoldTheTexture) {
         EXPECT_EQ(info("old.mok")["format"], format) << api;
         EXPECT_TRUE(areEqual("plain.mok", "old.mok")) << api;
     }
-    for (const auto& [file, name] : {std::pair{"2nd-leaf.v1.h", "_2nd_leaf_v1"}, {"texture.H", "texture"}}) {
+    for (const auto& [file, name] : {std::pair{"2nd-leaf.v1.h", "_2nd_leaf_v1"},
+                                     {"texture.H", "texture"},
+                                     {"class.h", "class_"},
+                                     {"and_eq.h", "and_eq_"},
+                                     {"_Bool.h", "_Bool_"},
+                                     {"A8BIT.h", "A8BIT_"},
+                                     {"Class.h", "Class"}}) {
         expectSuccess(std::string("convert @a.png @") + file);
         EXPECT_NE(read(file).find(std::string("A8BIT ") + name + "[] = {"), std::string::npos) << file;
     }

@@ -152,7 +152,7 @@ ExitStatus runConvert(ConvertArguments arguments, Console& console) {
         const ExitStatus jobStatus = console.guard([&] {
             requirePictureFor(arguments, job.output);
             requireLegacyPath({job.output, request.legacyApi});
-            requireWritable(job.output, arguments.overwrite);
+            requireWritable(job.output, arguments.overwrite, console);
             convertFile(request, job.input, job.output, console);
             return ExitStatus::success;
         });

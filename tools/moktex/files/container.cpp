@@ -119,13 +119,31 @@ std::string colourCaveat(const CMOKTextureHeader& header, const std::string& ext
            ", which gives other colours; choose another --format to be read there";
 }
 
-/// The file's name as a C identifier.
+// clang-format off
+/// What cannot name an array: the reserved words of C and C++ up to C23 and C++20, macros of compilers, and that of the file.
+constexpr std::string_view keywords[] = {
+    "A8BIT", "_Alignas", "_Alignof", "_Atomic", "_BitInt", "_Bool", "_Complex", "_Decimal128", "_Decimal32", "_Decimal64",
+    "_Generic", "_Imaginary", "_Noreturn", "_Static_assert", "_Thread_local", "linux", "unix",
+    "alignas", "alignof", "and", "and_eq", "asm", "auto", "bitand", "bitor", "bool", "break", "case", "catch", "char",
+    "char16_t", "char32_t", "char8_t", "class", "co_await", "co_return", "co_yield", "compl", "concept", "const", "const_cast",
+    "consteval", "constexpr", "constinit", "continue", "decltype", "default", "delete", "do", "double", "dynamic_cast", "else",
+    "enum", "explicit", "export", "extern", "false", "float", "for", "friend", "goto", "if", "inline", "int", "long", "mutable",
+    "namespace", "new", "noexcept", "not", "not_eq", "nullptr", "operator", "or", "or_eq", "private", "protected", "public",
+    "register", "reinterpret_cast", "requires", "restrict", "return", "short", "signed", "sizeof", "static", "static_assert",
+    "static_cast", "struct", "switch", "template", "this", "thread_local", "throw", "true", "try", "typedef", "typeid",
+    "typename", "typeof", "typeof_unqual", "union", "unsigned", "using", "virtual", "void", "volatile", "wchar_t", "while",
+    "xor", "xor_eq",
+};
+// clang-format on
+
+/// The file's name as an identifier of C and C++; an underscore follows what cannot be one.
 std::string arrayName(const std::string& path) {
     std::string name = fs::path(path).stem().string();
     for (char& letter : name) {
         const bool isPlain = static_cast<unsigned char>(letter) < 128 && std::isalnum(static_cast<unsigned char>(letter)) != 0;
         if (!isPlain) letter = '_';
     }
+    if (std::find(std::begin(keywords), std::end(keywords), name) != std::end(keywords)) name += '_';
     return std::isdigit(static_cast<unsigned char>(name.front())) != 0 ? '_' + name : name;
 }
 

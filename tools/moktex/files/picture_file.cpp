@@ -32,7 +32,12 @@ bool hasPictureExtension(const std::string& path) {
 }
 
 bool looksLikePicture(std::span<const unsigned char> bytes) {
-    return isPNG(bytes) || isJPEG(bytes) || isKnownToStb(bytes);
+    return isPNG(bytes) || isJPEG(bytes) || countPixelsByStb(bytes) > 0;
+}
+
+std::optional<std::uint64_t> picturePixels(std::span<const unsigned char> head) {
+    if (const std::uint64_t pixels = countPixelsByStb(head); pixels > 0) return std::min(pixels, mostPicturePixels);
+    return looksLikePicture(head) ? std::optional(mostPicturePixels) : std::nullopt;
 }
 
 Picture decodePicture(std::span<const unsigned char> bytes, const std::string& file, Console* console) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -14,6 +16,10 @@ struct Console;
 bool hasPictureExtension(const std::string& path);
 /// Whether `bytes` are such a file, by their header.
 bool looksLikePicture(std::span<const unsigned char> bytes);
+
+/// The number of pixels of a picture file whose beginning is known; the most that a picture may have if the header is longer.
+/// Nothing if it is no picture.
+std::optional<std::uint64_t> picturePixels(std::span<const unsigned char> head);
 
 /// A decoded picture file.
 struct Picture {

@@ -1,13 +1,11 @@
 #include "moktex/files/texture_file.h"
 
-#include <array>
-#include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <istream>
+#include <ostream>
 #include <vector>
 
 #include "moktex/files/TemporaryFile.h"
+#include "moktex/files/input_file.h"
 #include "moktex/files/picture_file.h"
 #include "moktex/report/console.h"
 
@@ -17,28 +15,6 @@ using namespace moktexture;
 namespace moktextool {
 
 namespace {
-
-std::vector<unsigned char> readAll(std::istream& stream, const std::string& name) {
-    std::vector<unsigned char> bytes;
-    std::array<char, 65536> chunk;
-    while (stream.read(chunk.data(), chunk.size()) || stream.gcount() > 0)
-        bytes.insert(bytes.end(), chunk.begin(), chunk.begin() + stream.gcount());
-    if (stream.bad()) throw Failure(ExitStatus::inputOutput, name, "reading failed; check the disk or the connection");
-    return bytes;
-}
-
-std::vector<unsigned char> readFile(const std::string& path) {
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error))
-        throw Failure(ExitStatus::inputOutput, path, "a folder; name the files in it");
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) {
-        const bool exists = std::filesystem::exists(path, error);
-        throw Failure(ExitStatus::inputOutput, path,
-                      exists ? "cannot be read; check its permissions" : "no such file; check the name");
-    }
-    return readAll(stream, path);
-}
 
 constexpr const char* readableFiles = "use a .mok, .ktx or .dds file, or a PNG, JPEG, TGA, BMP or HDR picture";
 
@@ -94,10 +70,8 @@ TextureInput inputOf(Picture picture) {
 }  // namespace
 
 TextureInput readTexture(const std::string& path, Console& console) {
-    const bool isStandard = path == standardStream;
     const std::string name = displayName(path);
-    const std::vector<unsigned char> bytes = isStandard ? readAll(console.in, name) : readFile(path);
-    if (bytes.empty()) throw Failure(ExitStatus::invalidInput, name, "empty; name a picture or texture");
+    const std::vector<unsigned char> bytes = readInput(path, console);
     const bool isPicture = !startsLikeTexture(bytes) &&
                            (hasPictureExtension(path) || (!isReadableExtension(extensionOf(path)) && looksLikePicture(bytes)));
     if (isPicture) return inputOf(decodePicture(bytes, name, &console));
@@ -115,7 +89,9 @@ OutputKind outputKind(const std::string& path) {
     throw Failure(ExitStatus::notSupported, path, "such files cannot be written; use .mok, .ktx, .dds, .h or .png");
 }
 
-void requireWritable(const std::string& path, bool overwrite) {
+void requireWritable(const std::string& path, bool overwrite, const Console& console) {
+    if (path == standardStream && console.outIsTerminal)
+        throw Failure(ExitStatus::commandLine, path, "standard output is a terminal; redirect it to a file or a program");
     if (path == standardStream) return;
     std::error_code error;
     const fs::path folder = behindLinks(path).parent_path();
@@ -132,8 +108,6 @@ namespace {
 std::size_t writeOutput(const std::vector<unsigned char>& image, const CMOKTexture& texture, const OutputTarget& output,
                         Console& console) {
     const std::string& path = output.path;
-    if (path == standardStream && console.outIsTerminal)
-        throw Failure(ExitStatus::commandLine, "-", "standard output is a terminal; redirect it to a file or a program");
     if (path == standardStream) {
         console.out.write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size())).flush();
         if (!console.out) throw Failure(ExitStatus::inputOutput, displayName(path), "writing failed; check what reads it");

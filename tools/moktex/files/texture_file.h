@@ -27,8 +27,8 @@ enum class OutputKind { texture, picture };
 /// The kind of output that a path's extension selects; "-" is a texture. A Failure for other extensions.
 OutputKind outputKind(const std::string& path);
 
-/// A Failure if the path exists and `overwrite` is not set, or cannot be a file.
-void requireWritable(const std::string& path, bool overwrite);
+/// A Failure if the path exists and `overwrite` is not set, or cannot be a file, or is a terminal.
+void requireWritable(const std::string& path, bool overwrite, const Console& console);
 
 /// Writes a texture to a file or, for "-", to standard output. The file appears under its name only when it is complete.
 /// @return the number of bytes written

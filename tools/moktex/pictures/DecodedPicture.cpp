@@ -6,16 +6,9 @@
 
 namespace moktextool {
 
-namespace {
-
-/// A picture above this would take gigabytes before it can be validated.
-constexpr std::uint64_t mostPixels = std::uint64_t{1} << 28;
-
-}  // namespace
-
 void requirePictureSize(std::uint32_t width, std::uint32_t height, const std::string& file) {
     if (width == 0 || height == 0) throw brokenPicture(file, "a side of 0");
-    if (std::uint64_t{width} * height > mostPixels)
+    if (std::uint64_t{width} * height > mostPicturePixels)
         throw Failure(
             ExitStatus::notSupported, file,
             std::to_string(width) + " x " + std::to_string(height) + " is more than 2^28 pixels; make the picture smaller");

@@ -13,6 +13,9 @@
 
 namespace moktextool {
 
+/// A picture of more would take gigabytes before it can be validated.
+inline constexpr std::uint64_t mostPicturePixels = std::uint64_t{1} << 28;
+
 struct FreeMemory {
     void operator()(unsigned char* memory) const { std::free(memory); }
 };

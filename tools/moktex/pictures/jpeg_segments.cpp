@@ -86,7 +86,7 @@ std::size_t endOfScan(Bytes bytes, std::size_t start) {
 }  // namespace
 
 bool isJPEG(Bytes bytes) {
-    return bytes.size() >= 3 && bytes[0] == 0xFF && bytes[1] == startOfImage && bytes[2] == 0xFF;
+    return bytes.size() >= 2 && bytes[0] == 0xFF && (bytes[1] == startOfImage || bytes[1] == 0xFF);
 }
 
 JPEGSegments readJPEGSegments(Bytes bytes, bool copies) {
@@ -97,6 +97,10 @@ JPEGSegments readJPEGSegments(Bytes bytes, bool copies) {
                                   bytes.begin() + static_cast<std::ptrdiff_t>(end));
     };
     std::size_t at = 2;
+    if (bytes.size() < at || bytes[1] != startOfImage) {
+        found.problem = "it does not start as JPEG";
+        return found;
+    }
     copy(0, at);
     while (at + 4 <= bytes.size()) {
         if (bytes[at] != 0xFF) break;

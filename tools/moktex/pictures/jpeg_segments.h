@@ -15,7 +15,7 @@ struct JPEGSegments {
     std::string problem;                  ///< why the file is broken; "" if its segments and Huffman tables are sound
 };
 
-/// Whether a file starts as JPEG.
+/// Whether a file starts as JPEG, maybe with bytes that fill, which not every reader accepts there.
 bool isJPEG(std::span<const unsigned char> bytes);
 
 /// Walks the segments of a JPEG file from an untrusted source, up to the first problem.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "moktex/pictures/jpeg_segments.h"
+
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STBI_ONLY_PNG
@@ -47,10 +49,12 @@ DecodedPicture takePixels(void* pixels, int width, int height, const TextureForm
 
 }  // namespace
 
-bool isKnownToStb(std::span<const unsigned char> bytes) {
+std::uint64_t countPixelsByStb(std::span<const unsigned char> bytes) {
+    if (isJPEG(bytes)) return 0;
     int width = 0, height = 0, channels = 0;
     const int size = static_cast<int>(std::min(bytes.size(), largestInt));
-    return stbi_info_from_memory(bytes.data(), size, &width, &height, &channels) != 0;
+    if (!stbi_info_from_memory(bytes.data(), size, &width, &height, &channels) || width < 1 || height < 1) return 0;
+    return static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
 }
 
 DecodedPicture decodeByStb(std::span<const unsigned char> bytes, const std::string& file) {

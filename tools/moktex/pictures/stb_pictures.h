@@ -11,8 +11,9 @@
 
 namespace moktextool {
 
-/// Whether stb finds the header of a TGA, BMP, HDR, PNG or JPEG picture.
-bool isKnownToStb(std::span<const unsigned char> bytes);
+/// The pixels of a TGA, BMP, HDR or PNG picture by its header; 0 if stb finds none. Nothing that may be JPEG is looked at,
+/// because stb reads Huffman tables before the header.
+std::uint64_t countPixelsByStb(std::span<const unsigned char> bytes);
 
 /// Decodes such a file: HDR to rgbaFloatFormat, a PNG of 16 bits to rgba16Format, others to rgba8Format.
 /// A Failure that names `file` if it is broken or too large.
