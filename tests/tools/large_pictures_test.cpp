@@ -138,5 +138,6 @@ TEST_F(LargePictureTest, ResultAboveTheLimitIsRefusedBeforeWorkBegins) {
     for (const char* arguments : {"@a.png @b.mok --resize 16384x8192", "@a.png @b.mok --resize 30000x30000 -m -f dxt5",
                                   "@a.png @b.mok --resize 65536x65536 --mips -f rgb565"})
         expectRefusal(std::string("convert ") + arguments, ExitStatus::notSupported, "536870911 (512 MiB)");
+    expectRefusal("convert @a.png @b.png --resize 16384x16385", ExitStatus::notSupported, "1 GiB of pixels");
     expectRefusal("convert @a.png @b.mok --resize 20000x20000 -f bw1 --dither", ExitStatus::notSupported, "leave out --dither");
 }

@@ -57,6 +57,12 @@ TextureFormat pictureFormat(const TextureFormat& format) {
     return isDeep ? rgba16Format : rgba8Format;
 }
 
+bool fitsPNG(const TextureFormat& format, const ImageSize& size) {
+    // Rows have a byte in front; the encoders count in 31 bits and need room to spare.
+    constexpr std::uint64_t limit = (std::uint64_t{1} << 30) - 1;
+    return imageSize(format.pixelType, {size.width, size.height, 1}) + size.height < limit;
+}
+
 std::vector<unsigned char> encodePNG(const Image& image, const std::string& file) {
     const bool isDeep = image.getFormat() == rgba16Format;
     std::vector<unsigned char> encoded =

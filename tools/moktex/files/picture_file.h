@@ -35,6 +35,9 @@ Picture decodePicture(std::span<const unsigned char> bytes, const std::string& f
 /// The format of the PNG file for an image of that format: rgba16Format for integers above 8 bits, else rgba8Format.
 TextureFormat pictureFormat(const TextureFormat& format);
 
+/// Whether encodePNG() takes an image of that format and size.
+bool fitsPNG(const TextureFormat& format, const ImageSize& size);
+
 /// The bytes of a PNG file with an image of either of these formats.
 std::vector<unsigned char> encodePNG(const Image& image, const std::string& file);
 

@@ -40,7 +40,7 @@ bool operator==(const ImageSize& a, const ImageSize& b) {
 }
 
 ImageSize levelSize(const ImageSize& size, std::uint32_t level) {
-    const auto side = [level](std::uint32_t edge) { return level < 32 ? std::max(1u, edge >> level) : 1u; };
+    const auto side = [level](std::uint32_t edge) { return std::max(1u, edge >> level % 32); };
     return {side(size.width), side(size.height), side(size.depth)};
 }
 

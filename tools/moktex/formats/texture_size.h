@@ -16,7 +16,7 @@ struct ImageSize {
     std::uint32_t depth = 1;
 };
 bool operator==(const ImageSize& a, const ImageSize& b);
-/// The size of a MIP level below an image of that size, at least 1 by 1 by 1.
+/// The size of a MIP level below an image of that size, at least 1 by 1 by 1. Levels count modulo 32, as in the library.
 ImageSize levelSize(const ImageSize& size, std::uint32_t level);
 
 unsigned int bitsPerPixel(moktexture::PixelType format);

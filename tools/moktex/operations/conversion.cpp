@@ -113,12 +113,17 @@ void checkLimit(const Conversion& conversion) {
     header.setHeight(size.height);
     header.setNumMIPLevels(size.levels);
     constexpr const char* remedy = "; use a smaller --resize, or a --format with fewer bits a pixel";
-    const bool isTexture = !conversion.isPictureOutput;
-    if (isTexture && (conversion.changesPixels() || conversion.input.isPicture()) && !fitsTexture(header))
+    const bool changes = conversion.changesPixels() || conversion.input.isPicture();
+    if (!conversion.isPictureOutput && changes && !fitsTexture(header))
         throw Failure(ExitStatus::notSupported, conversion.name, "the result would be " + limitText(header) + remedy);
+    const ImageSize picture = levelSize({size.width, size.height, 1}, conversion.request.level);
+    if (conversion.isPictureOutput && !fitsPNG(pictureFormat(conversion.target), picture))
+        throw Failure(ExitStatus::notSupported, conversion.name,
+                      "a picture of " + std::to_string(picture.width) + " x " + std::to_string(picture.height) +
+                          " is above what is written as PNG, 1 GiB of pixels; use a smaller --resize, or --level");
     header.setPixelFormat(PixelTypeRGBA8);
     header.setNumMIPLevels(1);
-    if (conversion.changesPixels() && needsWholeLevels(conversion.target, conversion.request.dither) && !fitsTexture(header))
+    if (changes && needsWholeLevels(conversion.target, conversion.request.dither) && !fitsTexture(header))
         throw Failure(ExitStatus::notSupported, conversion.name,
                       "dithering works on " + limitText(header) + "; use a smaller --resize, or leave out --dither");
 }

@@ -317,8 +317,9 @@ CMOKTexture encodeImages(ImageSet images, const FormatChange& change, const Work
     Losses losses;
     std::optional<ProgressLine> progress;
     if (isCompressed(change.target.pixelType)) progress.emplace(place.console, EncodingWork{layers * faces, levels});
-    for (std::uint32_t i = 0; i < layers * faces * levels; ++i) {
-        const std::uint32_t level = i % levels, face = i / levels % faces, layer = i / levels / faces;
+    for (std::uint64_t i = 0; i < std::uint64_t{layers} * faces * levels; ++i) {
+        const auto level = static_cast<std::uint32_t>(i % levels), face = static_cast<std::uint32_t>(i / levels % faces),
+                   layer = static_cast<std::uint32_t>(i / levels / faces);
         const Image image = std::move(images.surface(layer, face)[level]);
         encodeLevel(image, images.header, change, place, static_cast<unsigned char*>(texture.getDataPtr(level, layer, face)),
                     losses);

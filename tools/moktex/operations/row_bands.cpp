@@ -5,7 +5,6 @@
 #include <cstring>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 
 using namespace moktexture;
@@ -35,8 +34,8 @@ void runTasks(std::uint64_t count, const std::function<void(std::uint64_t)>& tas
         threads.reserve(wanted);
         while (threads.size() + 1 < wanted)
             threads.emplace_back(work);
-    } catch (const std::system_error&) {
-        // Fewer threads do the same work.
+    } catch (const std::exception&) {
+        // Without memory or permission for more threads, fewer do the same work.
     }
     work();
     for (std::thread& thread : threads)
