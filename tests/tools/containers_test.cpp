@@ -119,7 +119,7 @@ TEST_F(ToolTest, LegacyFilesAndCSourceHoldTheTexture) {
                                      {"and_eq.h", "and_eq_"},
                                      {"_Bool.h", "_Bool_"},
                                      {"A8BIT.h", "A8BIT_"},
-                                     {"Class.h", "Class"}}) {
+                                     {"Struct.h", "Struct"}}) {
         expectSuccess(std::string("convert @a.png @") + file);
         EXPECT_NE(read(file).find(std::string("A8BIT ") + name + "[] = {"), std::string::npos) << file;
     }

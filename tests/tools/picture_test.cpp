@@ -185,6 +185,7 @@ TEST(Pictures, EveryPrefixIsRefusedWithALine) {
     const auto at = std::search(vast.begin(), vast.end(), frame, frame + 2);
     at[5] = at[7] = 0x20;
     EXPECT_NE(messageOf([&] { decodeJPEG(vast, "a"); }), "");
+    EXPECT_NE(messageOf([&] { decodeJPEGByStb(vast, "a"); }).find("ends early"), std::string::npos);
 }
 
 TEST(Pictures, PNGsOfEveryFormHaveTheSamePixelsByBothLibraries) {

@@ -28,6 +28,7 @@ const char* nameOfJPEGLibrary() {
 DecodedPicture decodeJPEGByStb(std::span<const unsigned char> bytes, const std::string& file) {
     const JPEGSegments segments = readJPEGSegments(bytes, true);
     if (!segments.problem.empty()) throw brokenPicture(file, segments.problem);
+    if (segments.pixels > mostJPEGPixelsPerByte * bytes.size()) throw brokenPicture(file, "it ends early");
     return decodeByStb(segments.decoding, file);
 }
 

@@ -20,7 +20,9 @@ enum Marker : unsigned int {
     startOfImage = 0xD8,
     endOfImage = 0xD9,
     startOfScan = 0xDA,
-    huffmanTables = 0xC4,
+    firstFrame = 0xC0,
+    huffmanTables = 0xC4,  // among the markers of frames
+    lastFrame = 0xCF,
     firstApplication = 0xE0,
     exifApplication = 0xE1,
     profileApplication = 0xE2,
@@ -74,6 +76,13 @@ void readApplicationData(unsigned int marker, Bytes body, JPEGSegments& found) {
     }
 }
 
+/// The pixels of a frame by its segment.
+std::uint64_t pixelsOf(Bytes frame) {
+    if (frame.size() < 5) return 0;
+    const auto number = [&](std::size_t offset) { return std::uint64_t{frame[offset]} << 8 | frame[offset + 1]; };
+    return number(1) * number(3);
+}
+
 /// The end of the entropy-coded data from `start` on.
 std::size_t endOfScan(Bytes bytes, std::size_t start) {
     for (std::size_t i = start; i + 1 < bytes.size(); ++i) {
@@ -124,6 +133,8 @@ JPEGSegments readJPEGSegments(Bytes bytes, bool copies) {
             return found;
         }
         readApplicationData(marker, body, found);
+        if (marker >= firstFrame && marker <= lastFrame && marker != huffmanTables)
+            found.pixels = std::max(found.pixels, pixelsOf(body));
         std::size_t end = at + 2 + length;
         if (marker == startOfScan) end = endOfScan(bytes, end);
         if (isNeededForDecoding(marker)) copy(at, end);

@@ -11,6 +11,7 @@
 #include <jpeglib.h>
 
 #include "moktex/pictures/jpeg_reader.h"
+#include "moktex/pictures/jpeg_segments.h"
 
 namespace moktextool {
 
@@ -18,8 +19,6 @@ namespace {
 
 /// More scans than any encoder writes, each of which costs the time of the whole picture.
 constexpr int mostScans = 500;
-/// A block takes a bit of the file at least.
-constexpr std::uint64_t mostPixelsPerByte = 8 * 64;
 
 struct Decoder {
     jpeg_decompress_struct state;
@@ -113,7 +112,7 @@ DecodedPicture decodeJPEGByLibjpeg(std::span<const unsigned char> bytes, const s
     if (!readHeader(decoder, bytes.data(), bytes.size())) fail();
     const std::uint32_t width = decoder.state.image_width, height = decoder.state.image_height;
     DecodedPicture picture = makePicture(width, height, rgba8Format, file);
-    if (std::uint64_t{width} * height > mostPixelsPerByte * bytes.size()) throw brokenPicture(file, "it ends early");
+    if (std::uint64_t{width} * height > mostJPEGPixelsPerByte * bytes.size()) throw brokenPicture(file, "it ends early");
     if (!readPixels(decoder, picture.pixels.get())) fail();
     if (decoder.state.out_color_space == JCS_CMYK) convertInks(picture, decoder.state.saw_Adobe_marker);
     return picture;
