@@ -1,4 +1,5 @@
 #include <cmath>
+#include <cstring>
 
 #include "moktex/operations/colour_curve.h"
 #include "moktex/operations/filter_taps.h"
@@ -109,9 +110,31 @@ TEST(Resample, HalvingEqualsTheMeanComputedInDoubles) {
             pixels[i] = std::max<std::uint8_t>(pixels[i], 1);
         const ResampleSettings settings{eResizeLinear, true, true};
         EXPECT_EQ(bytesOf(resample(imageOf(pixels, 64), {32, 24, 1}, settings)), halvedByHand(pixels, 64, 48)) << nameOf(kind);
-        Bytes mirrored = bytesOf(resample(imageOf(Bytes(pixels.begin(), pixels.end()), 64), {64, 24, 1}, settings));
-        EXPECT_EQ(bytesOf(resample(imageOf(mirrored, 64), {64, 24, 1}, settings)), mirrored) << "an equal size changes nothing";
+        const Bytes flattened = bytesOf(resample(imageOf(pixels, 64), {64, 24, 1}, settings));
+        EXPECT_EQ(bytesOf(resample(imageOf(flattened, 64), {64, 24, 1}, settings)), flattened) << "an equal size";
     }
+}
+
+TEST(Resample, AveragesSlicesAndEveryElementType) {
+    Image volume(moktextool::rgba8Format, {1, 1, 2});
+    const Bytes slices = greys({10, 21});
+    std::copy(slices.begin(), slices.end(), volume.getData());
+    EXPECT_EQ(bytesOf(resample(volume, {1, 1, 1}, {eResizeLinear, false, true})), greys({16}));
+
+    const std::uint16_t words[] = {0, 65535, 1, 65535, 65535, 65535, 2, 65535};
+    Image deep(moktextool::rgba16Format, {2, 1, 1});
+    std::memcpy(deep.getData(), words, sizeof words);
+    const Image deepMean = resample(deep, {1, 1, 1}, {eResizeLinear, true, true});
+    const auto* mean = reinterpret_cast<const std::uint16_t*>(deepMean.getData());
+    EXPECT_EQ(mean[0], std::floor(storedOf(0.5) * 257 + 0.5));
+    EXPECT_EQ(mean[1], 65535);
+
+    const float floats[] = {0, 4, -2, 1, 3, 5, 2, 0};
+    Image bright(moktextool::rgbaFloatFormat, {2, 1, 1});
+    std::memcpy(bright.getData(), floats, sizeof floats);
+    const Image brightMean = resample(bright, {1, 1, 1}, {eResizeLinear, false, false});
+    const float expected[] = {1.5F, 4.5F, 0, 0.5F};
+    EXPECT_EQ(std::memcmp(brightMean.getData(), expected, sizeof expected), 0) << "floats are not clamped";
 }
 
 TEST(Resample, IsSymmetric) {

@@ -241,7 +241,8 @@ CMOKTextureHeader withFormat(const CMOKTextureHeader& header, const TextureForma
 }  // namespace
 
 bool needsWholeLevels(const TextureFormat& target, bool dither) {
-    return dither || (isCompressed(target.pixelType) && GetFormatInfo(target.pixelType).codec == eCodecMOKTC);
+    const bool dithers = dither && bitsPerPixel(target.pixelType) < 32;
+    return dithers || (isCompressed(target.pixelType) && GetFormatInfo(target.pixelType).codec == eCodecMOKTC);
 }
 
 ImageSet decodeTexture(const CMOKTexture& texture, const Workplace& place) {

@@ -46,7 +46,8 @@ void convertImages(ImageSet& images, const FormatChange& change, const Workplace
 /// hold the result.
 moktexture::CMOKTexture encodeImages(ImageSet images, const FormatChange& change, const Workplace& place);
 
-/// Whether a format is encoded from whole levels: blocks of MOKTC depend on their neighbours, and dithering passes errors on.
+/// Whether a format is encoded from whole levels: blocks of MOKTC depend on their neighbours, and dithering, which happens
+/// below 32 bits a pixel, passes errors on.
 bool needsWholeLevels(const TextureFormat& target, bool dither);
 
 }  // namespace moktextool
