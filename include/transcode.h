@@ -30,7 +30,30 @@ namespace moktexture {
 /// message on the standard error stream if the MOKTC encoder cannot start a thread.
 ///
 /// Thread safety: calls on different textures may run at the same time.
+/// TranscodeTexture() does the same and tells why it cannot.
 MOKTEX_API bool Transcode(CMOKTexture& texture, PixelType target, EMOKTVariableType channelType, EMOKTColourSpace colourSpace,
                           ECompressorQuality quality = eCompressorQuality3, bool dither = false);
+
+/// Why a texture can or cannot be converted.
+enum ETranscodeStatus : unsigned int {
+    eTranscodeOk = 0,
+    eTranscodeNoPixels = 1,   ///< the texture is empty or lacks pixels
+    eTranscodeNoDecoder = 2,  ///< the source's format cannot be decoded, or its channels contradict each other
+    eTranscodeNoEncoder = 3,  ///< the target's format cannot be encoded, or its channels contradict each other
+    eTranscodeBadSize = 4,    ///< the codec of the source or the target does not take the size of a level, or a volume
+    eTranscodeTooLarge = 5,   ///< the result, or RGBA8 on the way to it, does not fit in 32 bits
+    eTranscodeFailed = 6,     ///< the encoder gave up, for want of memory for instance
+};
+
+/// A sentence in English for a status; a static string.
+MOKTEX_API const char* describe(ETranscodeStatus status);
+
+/// Whether TranscodeTexture() can convert textures of that header to a format. Touches no pixels.
+MOKTEX_API ETranscodeStatus CheckTranscode(const CMOKTextureHeader& source, PixelType target, EMOKTVariableType channelType);
+
+/// Transcode() with a status. The texture is unchanged unless the result is eTranscodeOk.
+MOKTEX_API ETranscodeStatus TranscodeTexture(CMOKTexture& texture, PixelType target, EMOKTVariableType channelType,
+                                             EMOKTColourSpace colourSpace, ECompressorQuality quality = eCompressorQuality3,
+                                             bool dither = false);
 
 }  // namespace moktexture

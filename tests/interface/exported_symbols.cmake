@@ -6,7 +6,7 @@ string(REGEX REPLACE "\n$" "" listing "${listing}")
 string(REPLACE "\n" ";" lines "${listing}")
 
 set(owned "(CMOKTArray<|CMOKTMap<|CMOKTString::|MetaDataBlock::|moktexture::CMOKTextureHeader::|moktexture::CMOKTexture::)")
-set(functions "moktexture::(GetFormatInfo|Transcode|SetChannels|SetChannelsFloat|CopyChannels|Resize|GenerateMIPMaps|ColourMIPMaps|PreMultiplyAlpha|Bleed|Flip|Rotate90|Border|GenerateNormalMap|describe|LoadTexture|LoadTextureFile|SaveTexture)\\(")
+set(functions "moktexture::(GetFormatInfo|Transcode|CheckTranscode|TranscodeTexture|SetChannels|SetChannelsFloat|CopyChannels|Resize|GenerateMIPMaps|ColourMIPMaps|PreMultiplyAlpha|Bleed|Flip|Rotate90|Border|GenerateNormalMap|describe|LoadTexture|LoadTextureFile|SaveTexture|CheckContainer|CheckLegacyFile|GetStoredData)\\(")
 set(tables "(vtable|typeinfo|typeinfo name) for (CMOKTArray<|CMOKTString)")
 set(strings "operator\\+\\((CMOKTString const&|char|char const\\*), ")
 set(failures "")

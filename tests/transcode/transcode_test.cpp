@@ -217,3 +217,40 @@ TEST(CodecTable, HasTheDecodersAndEncodersThatTheFormatTableStates) {
         EXPECT_EQ(levelCodec(format.codec).encode != nullptr, format.hasEncoder) << format.name;
     }
 }
+
+TEST(Transcode, TheStatusTellsBeforehandWhatCanBeConverted) {
+    const PixelType twoReds('r', 'r', 0, 0, 8, 8, 0, 0);
+    // clang-format off
+    const struct { PixelType source; std::uint32_t width, height, depth; PixelType target; EMOKTVariableType type; ETranscodeStatus status; } cases[] = {
+        // Source        Width  Height Depth Target             Type            Status
+        {PixelTypeRGBA8, 8,     8,     1,    eFmtDXT1,          eVarUByteNorm,  eTranscodeOk},
+        {PixelTypeRGBA8, 8,     2,     1,    eFmtDXT5,          eVarUByteNorm,  eTranscodeOk},
+        {PixelTypeRGBA8, 8,     8,     1,    eFmtETC1,          eVarUByteNorm,  eTranscodeOk},
+        {eFmtDXT1,       8,     8,     1,    PixelTypeRGBA16,   eVarUShortNorm, eTranscodeOk},
+        {PixelTypeRGBA8, 10,    8,     1,    eFmtDXT1,          eVarUByteNorm,  eTranscodeBadSize},
+        {PixelTypeRGBA8, 8,     8,     2,    eFmtDXT1,          eVarUByteNorm,  eTranscodeBadSize},
+        {PixelTypeRGBA8, 24,    16,    1,    eFmtMOKTC4bppRGBA, eVarUByteNorm,  eTranscodeBadSize},
+        {PixelTypeRGBA8, 8,     8,     1,    eFmtBC7,           eVarUByteNorm,  eTranscodeNoEncoder},
+        {PixelTypeRGBA8, 8,     8,     1,    eFmtUnknown,       eVarUByteNorm,  eTranscodeNoEncoder},
+        {PixelTypeRGBA8, 8,     8,     1,    twoReds,           eVarUByteNorm,  eTranscodeNoEncoder},
+        {PixelTypeRGBA8, 8,     8,     1,    PixelTypeRGBA8,    eVarNone,       eTranscodeNoEncoder},
+        {eFmtBC4,        8,     8,     1,    PixelTypeRGBA8,    eVarUByteNorm,  eTranscodeNoDecoder},
+        {PixelTypeRGBA8, 65536, 65536, 1,    PixelTypeRGBA8,    eVarUByteNorm,  eTranscodeTooLarge},
+    };
+    // clang-format on
+    for (const auto& item : cases) {
+        SCOPED_TRACE(&item - cases);
+        const CMOKTextureHeader header(item.source.id, item.height, item.width, item.depth, 1, 1, 1, eColourSpaceLinear,
+                                       eVarUByteNorm, false);
+        EXPECT_EQ(CheckTranscode(header, item.target, item.type), item.status);
+        if (item.status == eTranscodeTooLarge) continue;
+        CMOKTexture texture(header, nullptr);
+        EXPECT_EQ(TranscodeTexture(texture, item.target, item.type, eColourSpaceLinear, eCompressorQuality0), item.status);
+        EXPECT_EQ(texture.getPixelType(), item.status == eTranscodeOk ? item.target : item.source);
+        CMOKTexture converted(header, nullptr);
+        const bool succeeds = Transcode(converted, item.target, item.type, eColourSpaceLinear, eCompressorQuality0);
+        if (item.status == eTranscodeOk) {
+            EXPECT_TRUE(succeeds);
+        }
+    }
+}
