@@ -8,6 +8,9 @@
 #include "formats/dds/dds_file.h"
 #include "formats/ktx/ktx_file.h"
 #include "formats/legacy/legacy_file.h"
+#include "formats/standard/dds_standard_file.h"
+#include "formats/standard/ktx1_standard_file.h"
+#include "formats/standard/ktx2_file.h"
 
 namespace moktexture {
 namespace {
@@ -75,6 +78,19 @@ ELoadStatus readTextureFile(ByteReader& source, FileLayout layout, const ReadPol
     if (layout == FileLayout::ktx) return readKTXFile(source, policy, texture);
     if (layout == FileLayout::dds) return readDDSFile(source, policy, texture);
     return readMOKFile(source, policy, texture);
+}
+
+ELoadStatus readPublishedFile(ByteReader& source, FileLayout layout, const ReadPolicy& policy, CMOKTexture& texture) {
+    if (layout == FileLayout::ktx && isKTX2(source)) return readKTX2(source, policy.limits, texture);
+    if (layout == FileLayout::ktx && isStandardKTX1(source, ownKTXPixelBytes(source)))
+        return readStandardKTX1(source, policy.limits, texture);
+    if (layout == FileLayout::dds && !isOwnDDS(source)) return readStandardDDS(source, policy.limits, texture);
+    const ELoadStatus status = readTextureFile(source, layout, policy, texture);
+    if (layout != FileLayout::dds || status != eLoadUnsupported) return status;
+    // A header like the library's own whose format only the standard reader knows.
+    source.seek(0);
+    texture = CMOKTexture();
+    return readStandardDDS(source, policy.limits, texture);
 }
 
 bool writeTextureFile(const CMOKTexture& texture, FileLayout layout, const char* arrayName, ByteWriter& target) {

@@ -37,6 +37,10 @@ bool startsFileLayout(std::uint32_t word, std::size_t length);
 /// layout's reader.
 ELoadStatus readTextureFile(ByteReader& source, FileLayout layout, const ReadPolicy& policy, CMOKTexture& texture);
 
+/// The same for files of any maker: KTX 1.1 and DDS as they are published, KTX 2, and the library's own arrangements, which are
+/// told apart by their sizes. The policy is a strict one.
+ELoadStatus readPublishedFile(ByteReader& source, FileLayout layout, const ReadPolicy& policy, CMOKTexture& texture);
+
 /// Writes a file of a layout. Returns false for an unknown layout and where the layout's writer does.
 /// @param arrayName  for cHeader
 bool writeTextureFile(const CMOKTexture& texture, FileLayout layout, const char* arrayName, ByteWriter& target);

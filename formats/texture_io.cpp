@@ -10,10 +10,16 @@
 namespace moktexture {
 namespace {
 
-/// Loads strictly into a texture that is unchanged on failure.
-ELoadStatus loadStrictly(CMOKTexture& texture, ByteReader& source, FileLayout layout, const LoadLimits& limits) {
+/// Loads strictly into a texture that is unchanged on failure. The first word tells the layout.
+ELoadStatus loadByFirstWord(CMOKTexture& texture, ByteReader& source, const LoadLimits& limits) {
+    std::uint32_t firstWord = 0;
+    const std::size_t length = source.read(&firstWord, sizeof(firstWord));
+    if (source.failed()) return eLoadUnreadable;
+    if (length < sizeof(firstWord)) return startsFileLayout(firstWord, length) ? eLoadTruncated : eLoadUnknown;
+    source.seek(0);
+    const FileLayout layout = fileLayoutOfFirstWord(firstWord);
     CMOKTexture loaded;
-    const ELoadStatus status = readTextureFile(source, layout, ReadPolicy::strict(limits), loaded);
+    const ELoadStatus status = readPublishedFile(source, layout, ReadPolicy::strict(limits), loaded);
     if (status == eLoadOk) texture.Swap(loaded);
     return status;
 }
@@ -21,7 +27,7 @@ ELoadStatus loadStrictly(CMOKTexture& texture, ByteReader& source, FileLayout la
 }  // namespace
 
 const char* describe(ELoadStatus status) {
-    static constexpr std::array<const char*, 7> sentences = {
+    static constexpr std::array<const char*, 8> sentences = {
         "The texture was loaded.",
         "The file cannot be opened or read.",
         "The data is not a texture file of a known kind.",
@@ -29,6 +35,7 @@ const char* describe(ELoadStatus status) {
         "The data contradicts itself.",
         "The texture exceeds the limits; whatever these are, one face stays below 512 MiB, and all pixel data below 4 GiB.",
         "The file is of a variant of its layout, or has a pixel format, that is not read.",
+        "The file is compressed with Zstandard, which this build of the library does not read.",
     };
     return status < sentences.size() ? sentences[status] : "The status is unknown.";
 }
@@ -36,11 +43,7 @@ const char* describe(ELoadStatus status) {
 ELoadStatus LoadTexture(CMOKTexture& texture, const void* image, std::size_t size, const LoadLimits& limits) {
     if (image == nullptr) return eLoadUnreadable;
     MemoryReader source(image, size);
-    std::uint32_t firstWord = 0;
-    const std::size_t length = source.read(&firstWord, sizeof(firstWord));
-    if (length < sizeof(firstWord)) return startsFileLayout(firstWord, length) ? eLoadTruncated : eLoadUnknown;
-    source.seek(0);
-    return loadStrictly(texture, source, fileLayoutOfFirstWord(firstWord), limits);
+    return loadByFirstWord(texture, source, limits);
 }
 
 ELoadStatus LoadTextureFile(CMOKTexture& texture, const char* filePath, const LoadLimits& limits) {
@@ -48,7 +51,7 @@ ELoadStatus LoadTextureFile(CMOKTexture& texture, const char* filePath, const Lo
     const FileHandle file(std::fopen(filePath, "rb"));
     if (file == nullptr) return eLoadUnreadable;
     FileReader source(file.get());
-    return loadStrictly(texture, source, fileLayoutForLoading(filePath), limits);
+    return loadByFirstWord(texture, source, limits);
 }
 
 bool SaveTexture(const CMOKTexture& texture, const char* extension, std::vector<unsigned char>& image) {

@@ -89,9 +89,12 @@ bool TextureInternals::hasValidPixelData(const CMOKTexture& texture) {
 }
 
 void TextureInternals::allocate(CMOKTexture& texture) {
-    const std::uint64_t size = texture.getDataSize();
+    allocate(texture, texture.getDataSize());
+}
+
+void TextureInternals::allocate(CMOKTexture& texture, std::uint64_t size) {
     unsigned char* const buffer = newBuffer(size, nullptr);
-    std::free(texture.data);
+    release(texture);
     texture.data = buffer;
     texture.dataSize = size;
 }

@@ -22,6 +22,8 @@ struct TextureInternals {
     static unsigned char* newBuffer(std::uint64_t size, const void* content);
     /// Replaces the buffer by a zeroed one of the header's data size, which must fit in 32 bits.
     static void allocate(CMOKTexture& texture);
+    /// Gives the texture a new zeroed buffer of another size.
+    static void allocate(CMOKTexture& texture, std::uint64_t size);
     /// Frees the buffer.
     static void release(CMOKTexture& texture);
     /// Sets the size of a buffer that was not allocated, as a failed load leaves it.

@@ -162,4 +162,9 @@ bool writeDDSFile(const CMOKTexture& texture, ByteWriter& target) {
     return written == texture.getDataSize();
 }
 
+bool readBackDDSHeader(const CMOKTextureHeader& header, CMOKTextureHeader& readBack) {
+    DDSHeader dds = makeDDSHeader(header);
+    return makePixelFormat(header.getD3DFormat(), dds.pixelFormat) && applyHeader(dds, readBack) == eLoadOk;
+}
+
 }  // namespace moktexture

@@ -23,4 +23,7 @@ ELoadStatus readDDSFile(ByteReader& source, const ReadPolicy& policy, CMOKTextur
 /// smaller than its header describes; also if a write failed.
 bool writeDDSFile(const CMOKTexture& texture, ByteWriter& target);
 
+/// The header that a reader makes of the file of a texture with that header; false if there is no such file.
+bool readBackDDSHeader(const CMOKTextureHeader& header, CMOKTextureHeader& readBack);
+
 }  // namespace moktexture

@@ -16,8 +16,8 @@
 //       64      K  key-value pairs, each: size (4 bytes), key, 0, value; padding up to a multiple of 4
 //     64+K         pixel data: the texture's buffer as it is
 //
-// The pixel data deviates from standard KTX: no imageSize word precedes a level, and neither rows nor levels are padded. Files of
-// other writers load with their sizes taken for pixels.
+// The pixel data deviates from standard KTX: no imageSize word precedes a level, and neither rows nor levels are padded. The
+// constructors take the sizes in files of other writers for pixels; LoadTexture() reads those as standard KTX.
 
 #include "formats/ktx/ktx_file.h"
 
@@ -28,6 +28,7 @@
 
 #include "core/base/numeric.h"
 #include "core/io/native_file.h"
+#include "core/texture/subresources.h"
 
 namespace moktexture {
 namespace {
@@ -200,6 +201,22 @@ bool writeKTXFile(const CMOKTexture& texture, ByteWriter& target) {
     written = target.write(value.data(), sizeof(value)) && written;
     written = target.write(zeroes.data(), padding) && written;
     return writePixelData(texture, target) && written;
+}
+
+std::uint64_t ownKTXPixelBytes(ByteReader& source) {
+    KTXHeader ktx;
+    CMOKTextureHeader header;
+    const bool isRead = readHeader(source, ktx) == eLoadOk;
+    source.seek(0);
+    if (isRead) applyHeader(ktx, header);
+    return isRead && sizesFit32Bits(header) ? header.getDataSize() : 0;
+}
+
+bool readBackKTXHeader(const CMOKTextureHeader& header, CMOKTextureHeader& readBack) {
+    const KTXHeader ktx = makeKTXHeader(header);
+    if (ktx.glInternalFormat == 0) return false;
+    applyHeader(ktx, readBack);
+    return true;
 }
 
 }  // namespace moktexture

@@ -23,4 +23,10 @@ ELoadStatus readKTXFile(ByteReader& source, const ReadPolicy& policy, CMOKTextur
 /// failed or the buffer is empty.
 bool writeKTXFile(const CMOKTexture& texture, ByteWriter& target);
 
+/// Bytes of the pixels that the header asks for in this arrangement; 0 if there are none. Leaves the source at its start.
+std::uint64_t ownKTXPixelBytes(ByteReader& source);
+
+/// The header that a reader makes of the file of a texture with that header; false if there is no such file.
+bool readBackKTXHeader(const CMOKTextureHeader& header, CMOKTextureHeader& readBack);
+
 }  // namespace moktexture

@@ -183,8 +183,8 @@ TEST(NativeFile, RefusalsHaveTheirStatus) {
     for (const char* name : {"none.mok", ""})
         EXPECT_EQ(LoadTextureFile(texture, folder.path(name).c_str()), eLoadUnreadable);
     EXPECT_EQ(load({'h', 'i'}), eLoadUnknown);
-    for (const auto& [name, status] : {std::pair{"a.png", eLoadOk}, {"a.ktx", eLoadUnknown}, {"a.DDS", eLoadUnknown}})
-        EXPECT_EQ(LoadTextureFile(texture, folder.write(name, make(smallRecord(0), {}, Bytes(smallSize))).c_str()), status);
+    for (const char* name : {"a.png", "a.ktx", "a.DDS"})
+        EXPECT_EQ(LoadTextureFile(texture, folder.write(name, make(smallRecord(0), {}, Bytes(smallSize))).c_str()), eLoadOk);
 }
 
 }  // namespace

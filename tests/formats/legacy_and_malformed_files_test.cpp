@@ -117,11 +117,14 @@ void expectSafeLoad(const Bytes& image, const std::string& extension, bool isTru
     EXPECT_EQ(contentsOf(loaded) == contentsOf(CMOKTexture()), status != eLoadOk);
     if (status != eLoadOk || fileStatus != eLoadOk) return;
     EXPECT_EQ(contentsOf(loaded), contentsOf(loadedFile));
-    EXPECT_EQ(contentsOf(loaded), contentsOf(fromFile));
+    // A changed KTX or DDS file may have become one of another maker, which LoadTexture() alone reads.
+    if (extension == "mok") {
+        EXPECT_EQ(contentsOf(loaded), contentsOf(fromFile));
+    }
 }
 
-// No load may crash, hang or read out of bounds; all loaders that succeed must load the same, and every buffer must have the size
-// that its header describes.
+// No load may crash, hang or read out of bounds; all loaders of native files that succeed must load the same, and every buffer
+// must have the size that its header describes.
 TEST(MalformedFiles, LoadSafelyInEveryLayout) {
     CMOKTexture native = random(PixelTypeRGBA8, eVarUByteNorm, 2, 2, 1);
     native.setBorder(1, 2, 3);

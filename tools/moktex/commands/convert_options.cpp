@@ -96,6 +96,10 @@ void addOutputOptions(Command& command, ConvertArguments& arguments) {
         apis.emplace_back(name, api);
     command.addChoice("--legacy", request.legacyApi, apis,
                       "Write .mok in the legacy layout, with the format numbers of that API");
+    const std::vector<std::pair<std::string, EContainerLayout>> layouts = {{"standard", eLayoutStandard}, {"own", eLayoutOwn}};
+    command.addChoice(
+        "--layout", request.layout, layouts,
+        "Arrangement of .ktx and .dds files: as published, or as the library's saveFile() writes them; default standard");
     command.addNumber("--level", arguments.level, "MIP level to write as a PNG; default 0");
     command.addNumber("--layer,--member", arguments.layer, "Array layer to write as a PNG; default 0");
     command.addNumber("--face", arguments.face, "Cube face to write as a PNG; default 0");

@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <string_view>
 
-#include "moktex/files/TemporaryFile.h"
 #include "moktex/formats/format_names.h"
 #include "moktex/formats/texture_format.h"
 #include "moktex/report/console.h"
@@ -20,9 +19,20 @@ namespace moktextool {
 
 namespace {
 
-constexpr std::array containerExtensions = {".mok", ".ktx", ".dds", ".h"};
+struct ContainerExtension {
+    const char* extension;
+    ETextureContainer container;
+};
 
 // clang-format off
+constexpr ContainerExtension containerExtensions[] = {
+    {".mok",  eContainerMOK},
+    {".ktx",  eContainerKTX},
+    {".ktx2", eContainerKTX2},
+    {".dds",  eContainerDDS},
+    {".h",    eContainerCSource},
+};
+
 constexpr LegacyApiName legacyApis[] = {
     // name    family of format numbers
     {"gl-a",   eLegacyApiGLFamilyA},
@@ -52,40 +62,47 @@ std::string joinAlternatives(const std::vector<std::string>& choices) {
     return text;
 }
 
-/// A texture of one pixel that a layout can hold if and only if it can hold the real one.
-CMOKTexture sampleOf(const CMOKTextureHeader& header) {
-    return {CMOKTextureHeader(header.getPixelType().id, 1, 1, 1, 1, 1, 1, header.getColourSpace(), header.getChannelType(),
-                              header.isPreMultiplied()),
-            nullptr};
-}
-
 std::string formText(const CMOKTextureHeader& header) {
     return nameOf(formatOf(header)) + (header.isPreMultiplied() ? ", premultiplied, " : ", ") + nameOf(header.getColourSpace());
 }
 
-void requireContainer(const CMOKTextureHeader& header, const std::string& path) {
-    const CMOKTexture sample = sampleOf(header);
-    const std::string wanted = path == standardStream ? ".mok" : extensionOf(path);
+/// The container of a path whose extension is one; the native one for standard output.
+ETextureContainer containerOf(const std::string& path) {
+    const std::string extension = extensionOf(path);
+    const auto found = std::find_if(std::begin(containerExtensions), std::end(containerExtensions),
+                                    [&](const ContainerExtension& row) { return extension == row.extension; });
+    return path == standardStream || found == std::end(containerExtensions) ? eContainerMOK : found->container;
+}
+
+void requireContainer(const CMOKTextureHeader& header, const OutputTarget& target) {
+    const ESaveStatus status = CheckContainer(header, containerOf(target.path), target.layout);
+    if (status == eSaveOk) return;
     std::vector<std::string> able;
-    for (const char* extension : containerExtensions) {
-        std::vector<unsigned char> image;
-        if (!SaveTexture(sample, extension, image)) continue;
-        if (extension == wanted) return;
-        able.push_back(extension);
+    for (const auto& [extension, container] : containerExtensions) {
+        if (CheckContainer(header, container, target.layout) == eSaveOk) able.push_back(extension);
     }
-    const std::string remedy = "use " + joinAlternatives(able) + ", or a --format that 'moktex formats --api' has numbers for";
-    throw Failure(ExitStatus::notSupported, path, wanted + " files cannot hold " + formText(header) + "; " + remedy);
+    const std::string wanted = target.path == standardStream ? ".mok" : extensionOf(target.path);
+    std::string reason = describe(status);
+    reason.pop_back();
+    reason[0] = static_cast<char>(std::tolower(reason[0]));
+    throw Failure(ExitStatus::notSupported, displayName(target.path),
+                  wanted + " files cannot hold " + formText(header) + ": " + reason + "; " +
+                      (able.empty() ? "choose another --format" : "use " + joinAlternatives(able) + ", or another --format"));
+}
+
+/// Whether a legacy file has the pixels; it may not say how they are meant.
+bool holdsPixels(ESaveStatus status) {
+    return status == eSaveOk || status == eSaveNoColourSpace || status == eSaveNoPremultiplied;
 }
 
 void requireLegacy(const CMOKTextureHeader& header, const std::string& path, ELegacyApi wanted) {
-    if (header.getDepth() > 1)
-        throw Failure(ExitStatus::notSupported, path, "the legacy layout cannot hold a volume; leave out --legacy");
-    const CMOKTexture sample = sampleOf(header);
-    const TemporaryFile probe(path);
+    if (CheckLegacyFile(header, wanted) == eSaveNoShape)
+        throw Failure(ExitStatus::notSupported, path,
+                      "the legacy layout cannot hold a volume, an array or a cube map with MIP levels; leave out --legacy");
     std::vector<std::string> able;
     std::string wantedName;
     for (const auto& [name, api] : legacyApis) {
-        const bool isAble = sample.saveFileLegacyMOK(probe.getPath().string().c_str(), api);
+        const bool isAble = holdsPixels(CheckLegacyFile(header, api));
         if (api == wanted) wantedName = name;
         if (isAble && api == wanted) return;
         if (isAble) able.push_back(name);
@@ -93,30 +110,6 @@ void requireLegacy(const CMOKTextureHeader& header, const std::string& path, ELe
     throw Failure(ExitStatus::notSupported, path,
                   "--legacy " + wantedName + " files cannot hold " + formText(header) +
                       (able.empty() ? "; " : "; use --legacy " + joinAlternatives(able) + ", or ") + "leave out --legacy");
-}
-
-/// Red, green and blue of a texture of one uncompressed pixel.
-std::array<unsigned char, 3> colourOf(CMOKTexture pixel) {
-    Transcode(pixel, PixelTypeRGBA8, eVarUByteNorm, pixel.getColourSpace(), eCompressorQuality0, false);
-    std::array<unsigned char, 3> colour{};
-    if (pixel.getDataSize() > colour.size()) std::memcpy(colour.data(), pixel.getDataPtr(), colour.size());
-    return colour;
-}
-
-/// Writes and reads one pixel whose bytes all differ; returns a warning if its colour changes.
-std::string colourCaveat(const CMOKTextureHeader& header, const std::string& extension) {
-    CMOKTexture sample = sampleOf(header);
-    if (isCompressed(header.getPixelType())) return "";
-    auto* bytes = static_cast<unsigned char*>(sample.getDataPtr());
-    for (std::uint32_t i = 0; i < sample.getDataSize(); ++i)
-        bytes[i] = static_cast<unsigned char>(0x31 + 0x16 * i);
-    std::vector<unsigned char> image;
-    CMOKTexture loaded;
-    if (!SaveTexture(sample, extension.c_str(), image) || LoadTexture(loaded, image.data(), image.size()) != eLoadOk) return "";
-    loaded.setColourSpace(sample.getColourSpace());
-    if (isCompressed(loaded.getPixelType()) || colourOf(sample) == colourOf(loaded)) return "";
-    return nameOf(formatOf(sample)) + " reads back from a " + extension + " file as " + nameOf(formatOf(loaded)) +
-           ", which gives other colours; choose another --format to be read there";
 }
 
 // clang-format off
@@ -170,7 +163,8 @@ std::string extensionOf(const std::string& path) {
 }
 
 bool isContainerExtension(const std::string& extension) {
-    return std::find(containerExtensions.begin(), containerExtensions.end(), extension) != containerExtensions.end();
+    return std::any_of(std::begin(containerExtensions), std::end(containerExtensions),
+                       [&](const ContainerExtension& row) { return extension == row.extension; });
 }
 
 bool isReadableExtension(const std::string& extension) {
@@ -196,22 +190,33 @@ void requireHoldable(const CMOKTextureHeader& header, const OutputTarget& target
     if (target.legacyApi)
         requireLegacy(header, target.path, *target.legacyApi);
     else
-        requireContainer(header, target.path);
+        requireContainer(header, target);
 }
 
 std::string containerCaveat(const CMOKTextureHeader& header, const OutputTarget& target) {
-    const std::string extension = extensionOf(target.path);
-    const bool isForeign = extension == ".dds" || extension == ".ktx";
-    if (!isForeign || target.path == standardStream) return "";
-    if (extension == ".dds" && (header.getDepth() > 1 || header.getNumArrayMembers() > 1))
-        return "a .dds file does not record slices and array layers; readers find only the first one";
-    return colourCaveat(header, extension);
+    if (target.legacyApi && CheckLegacyFile(header, *target.legacyApi) != eSaveOk)
+        return "a legacy file of that API does not say " +
+               std::string(header.isPreMultiplied() ? "that the colours are premultiplied, or " : "") +
+               "that the colour space is " + nameOf(header.getColourSpace());
+    const ETextureContainer container = containerOf(target.path);
+    const bool losesMetadata = container == eContainerDDS || (container == eContainerKTX && target.layout == eLayoutOwn);
+    if (!losesMetadata || target.legacyApi) return "";
+    const auto& owners = header.getMetaDataMap();
+    bool hasMetadata = false;
+    for (unsigned int owner = 0; owner < owners.GetSize(); ++owner)
+        hasMetadata = hasMetadata || owners.GetDataAtIndex(owner)->GetSize() > 0;
+    return hasMetadata ? "such a file holds no metadata: orientation, border, bump map and the like are left out" : "";
 }
 
-std::vector<unsigned char> encodeContainer(const CMOKTexture& texture, const std::string& path) {
-    const std::string extension = path == standardStream ? ".mok" : extensionOf(path);
+std::vector<unsigned char> encodeContainer(const CMOKTexture& texture, const OutputTarget& target) {
+    const ETextureContainer container = containerOf(target.path);
     std::vector<unsigned char> image;
-    if (SaveTexture(texture, extension.c_str(), image) && extension == ".h") renameArray(image, arrayName(path));
+    const ESaveStatus status = SaveTexture(texture, container, image, target.layout);
+    if (status == eSaveNoPixels)
+        throw Failure(ExitStatus::workFailed, displayName(target.path), "there are no pixels to write; check the input");
+    if (status != eSaveOk) requireContainer(texture, target);
+    if (status != eSaveOk) throw Failure(ExitStatus::workFailed, displayName(target.path), describe(status));
+    if (container == eContainerCSource) renameArray(image, arrayName(target.path));
     return image;
 }
 

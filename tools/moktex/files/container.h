@@ -15,9 +15,9 @@ inline constexpr const char* standardStream = "-";
 std::string displayName(const std::string& path);
 /// The extension of a path in lower case, with its dot.
 std::string extensionOf(const std::string& path);
-/// Whether textures are written to such a file: .mok, .ktx, .dds or .h.
+/// Whether textures are written to such a file: .mok, .ktx, .ktx2, .dds or .h.
 bool isContainerExtension(const std::string& extension);
-/// Whether textures are read from such a file: .mok, .ktx or .dds.
+/// Whether textures are read from such a file: .mok, .ktx, .ktx2 or .dds.
 bool isReadableExtension(const std::string& extension);
 /// Whether `bytes` start like a texture file of any layout, including the legacy one.
 bool startsLikeTexture(std::span<const unsigned char> bytes);
@@ -34,18 +34,17 @@ struct OutputTarget {
     std::string path;                                 ///< "-" for a native texture on standard output
     std::optional<moktexture::ELegacyApi> legacyApi;  ///< set for the legacy layout
     bool overwrites = false;                          ///< an existing file is replaced
+    moktexture::EContainerLayout layout = moktexture::eLayoutStandard;
 };
 
 /// A Failure if the legacy layout is requested for a file other than .mok.
 void requireLegacyPath(const OutputTarget& target);
-/// A Failure if the target's layout cannot hold such a texture; it names the layouts that can. This depends on format, channel
-/// type, colour space, premultiplication and depth.
+/// A Failure if the target cannot hold such a texture; it names the containers that can.
 void requireHoldable(const moktexture::CMOKTextureHeader& header, const OutputTarget& target);
-/// A warning about what readers of such a file will get wrong: colours, or slices and array layers; "" if nothing.
-/// Formats that cannot be read back at all give no warning.
+/// A warning if the target holds no metadata and the texture has some; "" if nothing is lost.
 std::string containerCaveat(const moktexture::CMOKTextureHeader& header, const OutputTarget& target);
-/// The bytes of a texture file, in the layout given by the path's extension. The array in C source is named after the path.
-/// Empty if the layout cannot hold the texture.
-std::vector<unsigned char> encodeContainer(const moktexture::CMOKTexture& texture, const std::string& path);
+/// The bytes of a texture file, in the container given by the path's extension. The array in C source is named after the path.
+/// A Failure if the container cannot hold the texture, or there are no pixels.
+std::vector<unsigned char> encodeContainer(const moktexture::CMOKTexture& texture, const OutputTarget& target);
 
 }  // namespace moktextool

@@ -16,7 +16,7 @@ namespace moktextool {
 
 namespace {
 
-constexpr const char* readableFiles = "use a .mok, .ktx or .dds file, or a PNG, JPEG, TGA, BMP or HDR picture";
+constexpr const char* readableFiles = "use a .mok, .ktx, .ktx2 or .dds file, or a PNG, JPEG, TGA, BMP or HDR picture";
 
 Failure loadFailure(ELoadStatus status, const std::string& name) {
     std::string what = describe(status);
@@ -27,9 +27,7 @@ Failure loadFailure(ELoadStatus status, const std::string& name) {
         case eLoadTooLarge:
             return {ExitStatus::notSupported, name, what + "; use a smaller texture"};
         case eLoadUnsupported:
-            return {
-                ExitStatus::notSupported, name,
-                what + "; export it as KTX 1 with all counts given, as DDS without pitch and extended header, or as a picture"};
+            return {ExitStatus::notSupported, name, what + "; export it without supercompression, or as a picture"};
         case eLoadTruncated:
             return {ExitStatus::invalidInput, name, what + "; copy or export it again"};
         case eLoadCorrupt:
@@ -37,17 +35,6 @@ Failure loadFailure(ELoadStatus status, const std::string& name) {
         default:
             return {ExitStatus::invalidInput, name, what + "; " + readableFiles};
     }
-}
-
-constexpr const char* noPixels = "there are no pixels, or empty metadata, to write; check the input";
-
-std::vector<unsigned char> encode(const moktexture::CMOKTexture& texture, const std::string& path) {
-    std::vector<unsigned char> image = encodeContainer(texture, path);
-    if (image.empty()) {
-        requireHoldable(texture, {path, {}});
-        throw Failure(ExitStatus::workFailed, displayName(path), noPixels);
-    }
-    return image;
 }
 
 /// Writes the legacy layout, which the library can write only to files.
@@ -86,7 +73,7 @@ OutputKind outputKind(const std::string& path) {
     const std::string extension = extensionOf(path);
     if (isContainerExtension(extension)) return OutputKind::texture;
     if (extension == ".png") return OutputKind::picture;
-    throw Failure(ExitStatus::notSupported, path, "such files cannot be written; use .mok, .ktx, .dds, .h or .png");
+    throw Failure(ExitStatus::notSupported, path, "such files cannot be written; use .mok, .ktx, .ktx2, .dds, .h or .png");
 }
 
 void requireWritable(const std::string& path, bool overwrite, const Console& console) {
@@ -124,7 +111,8 @@ std::size_t writeOutput(const std::vector<unsigned char>& image, const CMOKTextu
 }  // namespace
 
 std::size_t writeTexture(const CMOKTexture& texture, const OutputTarget& output, Console& console) {
-    return writeOutput(output.legacyApi ? std::vector<unsigned char>{} : encode(texture, output.path), texture, output, console);
+    return writeOutput(output.legacyApi ? std::vector<unsigned char>{} : encodeContainer(texture, output), texture, output,
+                       console);
 }
 
 std::size_t writePicture(const Image& image, const OutputTarget& output, Console& console) {

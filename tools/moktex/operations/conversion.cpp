@@ -149,9 +149,11 @@ void checkColourSpace(const ConversionRequest& request, const PlannedTexture& pl
 void checkContainer(const Conversion& conversion, const std::string& output, bool isPremultiplied) {
     if (conversion.isPictureOutput) return;
     const auto& [format, channelType] = conversion.target;
-    const CMOKTextureHeader header(format.id, 1, 1, conversion.size.depth, 1, 1, 1, conversion.colourSpace, channelType,
-                                   isPremultiplied);
-    requireHoldable(header, {output, conversion.request.legacyApi});
+    const CMOKTexture& texture = conversion.input.texture;
+    const CMOKTextureHeader header(format.id, conversion.size.height, conversion.size.width, conversion.size.depth,
+                                   conversion.size.levels, texture.getNumArrayMembers(), texture.getNumFaces(),
+                                   conversion.colourSpace, channelType, isPremultiplied);
+    requireHoldable(header, {output, conversion.request.legacyApi, false, conversion.request.layout});
 }
 
 /// The format of the output without --format: that of the input; that of the file for a picture, and RGBA8 for normals if the
@@ -329,9 +331,9 @@ void convertFile(const ConversionRequest& request, const std::string& input, con
     if (conversion.isPictureOutput) return convertToPicture(conversion, output, console);
 
     const CMOKTexture texture = makeTexture(conversion);
-    const std::string caveat = containerCaveat(texture, {output, request.legacyApi});
+    const std::string caveat = containerCaveat(texture, {output, request.legacyApi, false, request.layout});
     if (!caveat.empty()) console.note(output + ": " + caveat);
-    const std::size_t bytes = writeTexture(texture, {output, request.legacyApi, request.overwrites}, console);
+    const std::size_t bytes = writeTexture(texture, {output, request.legacyApi, request.overwrites, request.layout}, console);
     report(texture, output, bytes, console);
 }
 

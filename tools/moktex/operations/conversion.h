@@ -37,6 +37,7 @@ struct ConversionRequest {
     std::optional<moktexture::ELegacyApi> legacyApi;  ///< set to write the legacy layout
     bool overwrites = false;                          ///< an existing output is replaced
     std::uint64_t bandPixels = defaultBandPixels;     ///< of one step of the work; changes no byte
+    moktexture::EContainerLayout layout = moktexture::eLayoutStandard;
 };
 
 /// Converts one file to another. Every request that cannot be met is refused by a Failure before the conversion starts.
