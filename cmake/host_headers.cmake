@@ -1,4 +1,4 @@
-# Header-only libraries of the build machine: stb for pictures; for the tool also JSON for Modern C++.
+# Header-only libraries of the build machine: stb for pictures; for the tool also CLI11 for arguments and JSON for Modern C++.
 # A cross compiler must not see the rest of /usr/include, so the build tree has symbolic links to these folders alone.
 include_guard(GLOBAL)
 
@@ -17,6 +17,7 @@ endfunction()
 
 moktex_host_header(stb stb_image.h libstb-dev)
 if(MOKTEX_TOOL)
+    moktex_host_header(CLI CLI.hpp libcli11-dev)
     moktex_host_header(nlohmann json.hpp nlohmann-json3-dev)
 endif()
 

@@ -1,5 +1,8 @@
+// The only file that knows CLI11, which is slow to compile.
+
 #include "moktex/commands/Command.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <sstream>
@@ -114,71 +117,72 @@ void Command::refuseUnknown(const std::string& given) const {
                                                name + "' lists the options");
 }
 
-/// Gives an option the next argument as its value. An option there means that the value was forgotten.
-/// @return the index of the last argument used
-std::size_t Command::takeNext(const Option& option, const std::vector<std::string>& arguments, std::size_t at) const {
-    const std::string next = at + 1 < arguments.size() ? arguments[at + 1] : "--";
+/// Gives the option its value. An option in its place means that the value was forgotten.
+void Command::takeValue(const Option& option, const std::string& value) const {
     const bool mayBeDashed = option.operand.find("|-") != std::string::npos;
-    if (next.starts_with("--") || (find(next) != nullptr && !mayBeDashed))
-        throw Failure(ExitStatus::commandLine, option.longName() + ": its value is missing; use " + option.longName() +
-                                                   option.operand + ", 'moktex help " + name + "' explains it");
-    option.take(next);
-    return at + 1;
+    if (value.starts_with("--") || (find(value) != nullptr && !mayBeDashed)) refuseMissingValue(option);
+    option.take(value);
 }
 
-/// Takes the long option at `at`. @return the index of the last argument used
-std::size_t Command::takeLong(const std::vector<std::string>& arguments, std::size_t at) const {
-    const std::string& argument = arguments[at];
-    const std::size_t equals = argument.find('=');
-    const bool hasValue = equals != std::string::npos;
-    const Option* option = find(argument.substr(0, equals));
-    if (option == nullptr) refuseUnknown(argument.substr(0, equals));
-    if (hasValue && option->value == ValueRule::none)
-        throw Failure(ExitStatus::commandLine, argument + ": the option has no value; leave out " + argument.substr(equals));
-    if (!hasValue && option->value == ValueRule::required) return takeNext(*option, arguments, at);
-    const bool isNext =
-        !hasValue && option->value == ValueRule::joined && at + 1 < arguments.size() && isNumber(arguments[at + 1]);
-    option->take(hasValue ? argument.substr(equals + 1) : isNext ? arguments[at + 1] : option->missing);
-    return at + (isNext ? 1 : 0);
+void Command::refuseMissingValue(const Option& option) const {
+    throw Failure(ExitStatus::commandLine, option.longName() + ": its value is missing; use " + option.longName() +
+                                               option.operand + ", 'moktex help " + name + "' explains it");
 }
 
-/// Takes the short options that are joined in the argument at `at`. @return the index of the last argument used
-std::size_t Command::takeShort(const std::vector<std::string>& arguments, std::size_t at) const {
-    const std::string& argument = arguments[at];
-    if (argument.size() > 2 && find('-' + argument) != nullptr) refuseUnknown(argument);
-    for (std::size_t i = 1; i < argument.size(); ++i) {
-        const Option* option = find({'-', argument[i]});
-        if (option == nullptr) refuseUnknown(argument);
-        const std::size_t start = i + 1 < argument.size() && argument[i + 1] == '=' ? i + 2 : i + 1;
-        const std::string rest = argument.substr(start);
-        const bool isJoined = start == i + 2 || isNumber(rest);
-        if (option->value == ValueRule::required && rest.empty()) return takeNext(*option, arguments, at);
-        if (option->value == ValueRule::required || (option->value == ValueRule::joined && isJoined)) {
-            option->take(rest);
-            return at;
-        }
-        const bool isNext =
-            option->value == ValueRule::joined && rest.empty() && at + 1 < arguments.size() && isNumber(arguments[at + 1]);
-        option->take(isNext ? arguments[at + 1] : option->missing);
-        if (isNext) return at + 1;
-    }
-    return at;
+/// Brings an option into the spelling that the parser knows: canonical names, and an optional number joined by '='.
+/// @param next the argument behind it
+/// @return whether `next` has become part of it
+bool Command::normalise(std::string& argument, const std::string& next) const {
+    const bool isLong = argument.starts_with("--");
+    if (!isLong && argument.size() > 2 && find('-' + argument) != nullptr) refuseUnknown(argument);
+    const std::string given = isLong ? argument.substr(0, argument.find('=')) : argument.substr(0, 2);
+    const Option* option = find(given);
+    if (option == nullptr) return false;
+    std::string value = argument.substr(given.size());
+    if (isLong && !value.empty() && option->value == ValueRule::none)
+        throw Failure(ExitStatus::commandLine, argument + ": the option has no value; leave out " + value);
+    if (value == "=") refuseMissingValue(*option);
+    if (value.starts_with('=')) value.erase(0, 1);
+    const bool takesNext = option->value == ValueRule::joined && given == argument && isNumber(next);
+    if (takesNext) value = next;
+    const bool joins = isLong || (option->value == ValueRule::joined && isNumber(value)) || option->value == ValueRule::required;
+    if (joins) argument = option->longName() + (value.empty() ? "" : '=' + value);
+    return takesNext;
 }
 
 std::vector<std::string> Command::parse(const std::vector<std::string>& arguments) const {
-    std::vector<std::string> others;
-    bool areOptions = true;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        if (areOptions && argument == "--")
-            areOptions = false;
-        else if (argument.empty())
-            throw Failure(ExitStatus::commandLine, name + ": a file's name is empty; check where it comes from");
-        else if (!areOptions || argument.size() < 2 || argument[0] != '-')
-            others.push_back(argument);
-        else
-            i = argument[1] == '-' ? takeLong(arguments, i) : takeShort(arguments, i);
+    CLI::App parser;
+    parser.set_help_flag();
+    parser.allow_extras();
+    for (const Option& option : options) {
+        std::string names;
+        for (const std::string& each : option.names)
+            names += (names.empty() ? "" : ",") + each + (option.value == ValueRule::joined ? '{' + option.missing + '}' : "");
+        CLI::Option& parsed = *(option.value == ValueRule::required ? parser.add_option(names) : parser.add_flag(names));
+        parsed.trigger_on_parse()->each([this, &option](const std::string& value) { takeValue(option, value); });
     }
+
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    std::vector<std::string> words;
+    for (auto at = arguments.begin(); at != end; ++at) {
+        words.push_back(*at);
+        const std::string next = at + 1 != end ? at[1] : "";
+        if (at->starts_with('-') && normalise(words.back(), next)) ++at;
+    }
+    std::reverse(words.begin(), words.end());  // CLI11 takes them from the back
+    const std::string last = words.empty() ? "" : words.front();
+    try {
+        parser.parse(std::move(words));
+    } catch (const CLI::ArgumentMismatch&) {  // the last option has no value
+        const Option* option = find(last);
+        refuseMissingValue(option != nullptr ? *option : *find({'-', last.back()}));
+    }
+    std::vector<std::string> others = parser.remaining();
+    for (const std::string& each : others)
+        if (each.size() > 1 && each.starts_with('-')) refuseUnknown(each.substr(0, each.find('=')));
+    if (end != arguments.end()) others.insert(others.end(), end + 1, arguments.end());
+    if (std::find(others.begin(), others.end(), "") != others.end())
+        throw Failure(ExitStatus::commandLine, name + ": a file's name is empty; check where it comes from");
     return others;
 }
 

@@ -9,7 +9,7 @@
 
 namespace moktextool {
 
-/// The options of a subcommand: it reads them from a command line and describes them in a help text.
+/// The options of a subcommand: it reads them from a command line by CLI11 and describes them in a help text.
 ///
 /// Options are `--name VALUE`, `--name=VALUE`, `-n VALUE` or `-nVALUE`; short options without a value may be joined (`-ab`). In
 /// long names upper and lower case, `_` and `-`, `color` and `colour` are the same. `--` ends the options; `-` is an argument.
@@ -69,9 +69,9 @@ private:
 
     const Option* find(const std::string& given) const;
     [[noreturn]] void refuseUnknown(const std::string& given) const;
-    std::size_t takeLong(const std::vector<std::string>& arguments, std::size_t at) const;
-    std::size_t takeShort(const std::vector<std::string>& arguments, std::size_t at) const;
-    std::size_t takeNext(const Option& option, const std::vector<std::string>& arguments, std::size_t at) const;
+    [[noreturn]] void refuseMissingValue(const Option& option) const;
+    void takeValue(const Option& option, const std::string& value) const;
+    bool normalise(std::string& argument, const std::string& next) const;
 
     const std::vector<std::string> usageLines;
     const std::string description;
