@@ -46,9 +46,9 @@ struct LoadLimits {
 };
 
 /// Loads a texture from a file in memory, which is not kept. The first bytes select the layout: native, legacy, KTX 1.1, KTX 2
-/// without supercompression or with Zstandard, or DDS with the classic or the "DX10" header. KTX 1.1 and DDS files are read as they are published
-/// and as CMOKTexture::saveFile() writes them; the sizes in the file tell the two apart. In published files a count of 0 means 1;
-/// elsewhere it is eLoadUnsupported, and eLoadCorrupt in native files.
+/// without supercompression or with Zstandard, or DDS with the classic or the "DX10" header. KTX 1.1 and DDS files are read as
+/// they are published and as CMOKTexture::saveFile() writes them; the sizes in the file tell the two apart. In published files a
+/// count of 0 means 1; elsewhere it is eLoadUnsupported, and eLoadCorrupt in native files.
 ///
 /// Formats that this library cannot decode load as well. Textures of a few of them, see GetStoredData(), can only be saved again.
 /// @param texture  replaced on eLoadOk, else unchanged
@@ -59,8 +59,8 @@ MOKTEX_API ELoadStatus LoadTexture(CMOKTexture& texture, const void* image, std:
 /// The same from a file. Its extension plays no part.
 MOKTEX_API ELoadStatus LoadTextureFile(CMOKTexture& texture, const char* filePath, const LoadLimits& limits = {});
 
-/// Kinds of file that a texture can be written to. KTX 1.1 and KTX 2 are published by the Khronos Group (KTX file format, versions
-/// 1.1 and 2.0), DDS by Microsoft (DDS in the documentation of Direct3D).
+/// Kinds of file that a texture can be written to. KTX 1.1 and KTX 2 are published by the Khronos Group (KTX file format,
+/// versions 1.1 and 2.0), DDS by Microsoft (DDS in the documentation of Direct3D).
 enum ETextureContainer : unsigned int {
     eContainerMOK = 0,      ///< the native file
     eContainerKTX = 1,      ///< KTX 1.1

@@ -26,7 +26,7 @@ constexpr std::uint32_t caps2CubeMap = 0x200, caps2AllFaces = 0xFC00, caps2Volum
 // Flags of the pixel format.
 constexpr std::uint32_t pixelAlphaPixels = 0x1, pixelAlpha = 0x2, pixelFourCC = 0x4, pixelRGB = 0x40, pixelLuminance = 0x20000,
                         pixelBumpLuminance = 0x40000, pixelSigned = 0x80000;
-constexpr std::uint32_t dimension1D = 2, dimension2D = 3, dimension3D = 4;
+constexpr std::uint32_t dimension2D = 3, dimension3D = 4;
 constexpr std::uint32_t miscCubeMap = 0x4;
 constexpr std::uint32_t alphaModeMask = 0x7, alphaModePremultiplied = 2;
 
