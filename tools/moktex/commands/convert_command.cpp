@@ -131,6 +131,13 @@ std::vector<OperationPointer> parseOperations(const std::vector<GivenOperation>&
     return operations;
 }
 
+void noteIdleFilters(const ConversionRequest& request, Console& console) {
+    const bool makesLevels = std::any_of(request.operations.begin(), request.operations.end(),
+                                         [](const OperationPointer& operation) { return operation->isMipmaps(); });
+    if (request.mipFilter != eResizeLinear && !makesLevels) console.note("--mip-filter has no effect without --mipmaps");
+    if (request.resizeFilter != eResizeLinear && !request.resize) console.note("--resize-filter has no effect without --resize");
+}
+
 }  // namespace
 
 ExitStatus runConvert(ConvertArguments arguments, Console& console) {
@@ -145,6 +152,7 @@ ExitStatus runConvert(ConvertArguments arguments, Console& console) {
     request.face = arguments.face.value_or(0);
     if (arguments.resize) request.resize = parseResize(*arguments.resize);
     takeOutputFromPaths(arguments);
+    noteIdleFilters(request, console);
     ExitStatus status = ExitStatus::success;
     const std::vector<Job> jobs = planJobs(arguments);
     const bool isNewFolder = makeFolder(arguments);

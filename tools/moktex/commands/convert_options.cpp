@@ -11,8 +11,8 @@ namespace moktextool {
 namespace {
 
 constexpr const char* convertDescription =
-    "Converts pictures (PNG, JPEG, TGA, BMP, HDR) and textures (.mok, .ktx, .dds) to textures (.mok, .ktx, .dds, C source\n"
-    "in .h) or pictures (.png).";
+    "Converts pictures (PNG, JPEG, TGA, BMP, HDR) and textures (.mok, .ktx, .ktx2, .dds) to textures (the same, and C\n"
+    "source in .h) or pictures (.png).";
 
 const std::vector<std::string> convertExamples = {
     "photo.png photo.mok --format dxt1 --mipmaps --resize pow2", "photo.mok back.png",
@@ -36,10 +36,10 @@ constexpr const char* convertDetails =
     "  5 takes minutes for large pictures. 0 of moktc is a separate, fast encoder.\n"
     "  etc1: even numbers weight the channels equally, odd ones as the eye does; names select the odd ones (1 1 3 3 5 5).\n"
     "\nOutput:\n"
-    "  OUT ends in .mok, .ktx, .dds, .h or .png. A .ktx or .dds file can only hold formats for which 'moktex formats --api'\n"
-    "  shows a number of OpenGL or Direct3D 9; the array in a .h file is named after the file. Several inputs, or an OUT\n"
-    "  that is a folder, give one OUT/NAME.mok each; a missing folder is created. '-' is standard input or output; standard\n"
-    "  output receives a .mok texture.\n"
+    "  OUT ends in .mok, .ktx, .ktx2, .dds, .h or .png. Where it cannot hold the format of an uncompressed input, it gets an\n"
+    "  RGBA format that it holds, unless --format asks for one; the result's line names it. The array in a .h file is named\n"
+    "  after the file. Several inputs, or an OUT that is a folder, give one OUT/NAME.mok each; a missing folder is created.\n"
+    "  '-' is standard input or output; standard output receives a .mok texture.\n"
     "  A PNG holds MIP level 0, array layer 0, face 0 of a texture unless --level, --layer or --face select another; with\n"
     "  --format the picture is encoded in that format and decoded again.\n"
     "\nColour:\n"

@@ -23,8 +23,8 @@ constexpr const char* explanation =
     "channels or the word; float for channels of 32 bits.\n";
 
 constexpr const char* numbersExplanation =
-    "OpenGL's numbers are internal format, format and type; '-' is a format without a number. A .ktx file can hold the\n"
-    "formats with an OpenGL number, a .dds file most of those with a Direct3D 9 number.\n";
+    "OpenGL's numbers are internal format, format and type; '-' is a format without a number. .ktx files hold formats\n"
+    "with an OpenGL number, .dds files those with a Direct3D 9 or DXGI number.\n";
 
 /// The numbers of a format in linear colour space, and that of DXGI also in sRGB.
 Json describeNumbers(const TextureFormat& format) {

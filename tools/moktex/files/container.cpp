@@ -87,7 +87,8 @@ void requireContainer(const CMOKTextureHeader& header, const OutputTarget& targe
     reason[0] = static_cast<char>(std::tolower(reason[0]));
     throw Failure(ExitStatus::notSupported, displayName(target.path),
                   wanted + " files cannot hold " + formText(header) + ": " + reason + "; " +
-                      (able.empty() ? "choose another --format" : "use " + joinAlternatives(able) + ", or another --format"));
+                      (able.empty() ? "choose another --format" : "use " + joinAlternatives(able) + ", or another --format") +
+                      (target.layout == eLayoutOwn ? ", or leave out --layout own" : ""));
 }
 
 /// Whether a legacy file has the pixels; it may not say how they are meant.
@@ -184,6 +185,11 @@ std::span<const LegacyApiName> legacyApiNames() {
 void requireLegacyPath(const OutputTarget& target) {
     if (target.legacyApi && extensionOf(target.path) != ".mok")
         throw Failure(ExitStatus::commandLine, target.path, "--legacy writes .mok files only; name one");
+}
+
+bool holds(const OutputTarget& target, const CMOKTextureHeader& header) {
+    if (target.legacyApi) return holdsPixels(CheckLegacyFile(header, *target.legacyApi));
+    return CheckContainer(header, containerOf(target.path), target.layout) == eSaveOk;
 }
 
 void requireHoldable(const CMOKTextureHeader& header, const OutputTarget& target) {

@@ -39,6 +39,8 @@ struct OutputTarget {
 
 /// A Failure if the legacy layout is requested for a file other than .mok.
 void requireLegacyPath(const OutputTarget& target);
+/// Whether the target can hold such a texture.
+bool holds(const OutputTarget& target, const moktexture::CMOKTextureHeader& header);
 /// A Failure if the target cannot hold such a texture; it names the containers that can.
 void requireHoldable(const moktexture::CMOKTextureHeader& header, const OutputTarget& target);
 /// A warning if the target holds no metadata and the texture has some; "" if nothing is lost.

@@ -8,6 +8,7 @@
 #include "moktex/formats/format_names.h"
 #include "moktex/formats/texture_size.h"
 #include "moktex/operations/block_size_rule.h"
+#include "moktex/operations/container_format.h"
 #include "moktex/operations/format_change.h"
 #include "moktex/operations/resample.h"
 #include "moktex/report/console.h"
@@ -145,15 +146,11 @@ void checkColourSpace(const ConversionRequest& request, const PlannedTexture& pl
     }
 }
 
-/// A Failure if the output's layout cannot hold the result of the conversion.
-void checkContainer(const Conversion& conversion, const std::string& output, bool isPremultiplied) {
-    if (conversion.isPictureOutput) return;
-    const auto& [format, channelType] = conversion.target;
-    const CMOKTexture& texture = conversion.input.texture;
-    const CMOKTextureHeader header(format.id, conversion.size.height, conversion.size.width, conversion.size.depth,
-                                   conversion.size.levels, texture.getNumArrayMembers(), texture.getNumFaces(),
-                                   conversion.colourSpace, channelType, isPremultiplied);
-    requireHoldable(header, {output, conversion.request.legacyApi, false, conversion.request.layout});
+/// The header of the output: that of the input with what the conversion changes.
+CMOKTextureHeader outputHeader(const CMOKTextureHeader& input, const PlannedTexture& planned, const TextureFormat& format,
+                               EMOKTColourSpace colourSpace) {
+    return {format.pixelType.id,        planned.size.height, planned.size.width, planned.size.depth, planned.size.levels,
+            input.getNumArrayMembers(), input.getNumFaces(), colourSpace,        format.channelType, planned.isPremultiplied};
 }
 
 /// The format of the output without --format: that of the input; that of the file for a picture, and RGBA8 for normals if the
@@ -178,8 +175,15 @@ Conversion plan(const ConversionRequest& request, TextureInput input, const std:
         units.push_back(planned.unit);
         operation->plan(planned);
     }
-    const TextureFormat target = request.format.value_or(defaultFormat(source, isPictureOutput, planned.holdsNormals));
     const EMOKTColourSpace colourSpace = request.colourSpace.value_or(planned.colourSpace);
+    TextureFormat target = request.format.value_or(defaultFormat(source, isPictureOutput, planned.holdsNormals));
+    const OutputTarget place{output, request.legacyApi, false, request.layout};
+    if (!request.format && !isPictureOutput) {
+        target = formatHeldBy(place, outputHeader(texture, planned, target, colourSpace));
+        if (widestChannel(target) < widestChannel(source))
+            console.warn(name + ": " + output + " cannot hold " + nameOf(source) + " in " + nameOf(colourSpace) +
+                         "; it becomes " + nameOf(target) + ", choose another --format or --colour-space to keep more");
+    }
     checkColourSpace(request, planned, colourSpace);
     Conversion conversion{request,
                           name,
@@ -199,7 +203,7 @@ Conversion plan(const ConversionRequest& request, TextureInput input, const std:
     }
     checkSize(conversion);
     checkLimit(conversion);
-    checkContainer(conversion, output, planned.isPremultiplied);
+    if (!isPictureOutput) requireHoldable(outputHeader(conversion.input.texture, planned, target, colourSpace), place);
     return conversion;
 }
 
