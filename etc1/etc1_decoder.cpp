@@ -54,7 +54,8 @@ void writePixel(std::uint32_t pixel, const ImageView& image, std::size_t x, std:
 /// Writes a block that overhangs the image: row by row, each pixel of the first subblock followed by its counterpart in the
 /// second.
 /// Kept (etc1-last-write-wins): in images below 4 pixels wide two pixels of a block may have the same number; the one that this
-/// order writes last stays, even if it is the spilled one. The small MIP levels of .mok and KTX files would change.
+/// order writes last stays, even if it lies beyond the image's right edge. The small MIP levels of .mok and KTX files would
+/// change.
 void writeOverhanging(const PixelBlock& block, Split split, const ImageView& image, std::size_t x, std::size_t y) {
     const bool isFlipped = split == Split::topBottom;
     const std::size_t columns = isFlipped ? 4 : 2, rows = isFlipped ? 2 : 4;

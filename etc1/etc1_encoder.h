@@ -18,13 +18,14 @@ Codes QuantiseColour444Perceptual(const FloatColour& colour);
 Codes QuantiseColour555Perceptual(const FloatColour& colour);
 
 /// Codes a block around its subblocks' averages, rounded to the nearest codes. Each split uses the individual mode only where the
-/// differential mode cannot store the pair; top and bottom subblocks only win if strictly better.
+/// differential mode cannot store the pair; the split into top and bottom is chosen only if strictly better.
 CodedBlock FastRounded(const PixelBlock& block, ErrorMetric metric);
 
 /// The same around the averages quantised so that the hue is kept.
 CodedBlock FastQuantised(const PixelBlock& block, ErrorMetric metric);
 
-/// Memory to decode candidates into: one row of blocks as it lies in the image, spilled pixels included.
+/// Memory to decode candidates into: one row of blocks as it lies in the image, and the pixels by which the last block exceeds
+/// it.
 struct ScratchRow {
     ImageView image;  ///< of the image's size from this row of blocks on; only `scratchRowBytes` of its pixels exist
     std::size_t x;    ///< first column of the block
@@ -35,7 +36,7 @@ constexpr std::uint64_t scratchRowBytes(std::uint64_t width) {
     return (blockEdge * width + blockEdge) * bytesPerRGBA8Pixel;
 }
 
-/// The better of the two candidates, compared by their decoded pixels; the quantised one only wins if strictly better.
+/// The better of the two candidates, compared by their decoded pixels; the quantised one is chosen only if strictly better.
 BlockWords CompressBlockFast(const PixelBlock& block, const ScratchRow& scratch, ErrorMetric metric);
 
 /// Radii of the narrow search (qualities 2 and 3) and the wide one (4 and 5), in codes of 5 bits. A larger radius finds better

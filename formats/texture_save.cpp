@@ -1,4 +1,5 @@
-// Saving with an answer: what each container can hold, and the writers of all.
+// Saving with a status: what each container can hold, and which function writes it.
+
 #include <array>
 
 #include "core/io/byte_stream.h"
@@ -21,7 +22,7 @@ namespace {
 
 using HeaderTest = bool (*)(const CMOKTextureHeader&);
 
-/// The first property that a container cannot hold, found by leaving out one after the other.
+/// What a container cannot hold. Properties are reset one after the other until the container fits; the last one is the answer.
 ESaveStatus findObstacle(const CMOKTextureHeader& header, HeaderTest fits) {
     CMOKTextureHeader reduced = header;
     if (fits(reduced)) return eSaveOk;
@@ -46,6 +47,7 @@ bool readsBackFromOwnDDS(const CMOKTextureHeader& header) {
     return readBackDDSHeader(header, readBack) && describeSameImage(header, readBack);
 }
 
+/// Whether getDataSize() is the number of bytes that published containers store.
 bool countsAsStored(const CMOKTextureHeader& header) {
     return header.getDataSize() != 0 && StoredLayout(header).totalBytes() == header.getDataSize();
 }

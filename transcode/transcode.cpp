@@ -11,18 +11,18 @@
 /// The driver: from any format to any other, through RGBA8 where a codec or the dither needs it.
 ///
 ///     compressed source                       decompressStage()   -> RGBA8, linear
-///     dither requested, target below 32 bits  ditherStage()       -> RGBA8, the target's error spread
+///     dither requested, target below 32 bits  ditherStage()       -> RGBA8, with the target's quantisation error spread
 ///     layout, type or colour space differs    convertLayout()     -> the target, or RGBA8 if it is compressed; curve applied
 ///     compressed target                       compressStage()     -> the target
 ///
-/// A stage that has nothing to do is skipped. Each one builds a new texture and releases the one before. Precision is lost where
-/// RGBA8 is passed through, and once more by the curve, which works on quantised channels.
+/// A stage that has nothing to do is skipped. Each one builds a new texture and releases the one before. A conversion through
+/// RGBA8 loses precision, and so does the curve, which works on quantised channels.
 
 namespace moktexture {
 
 namespace {
 
-/// Whether the conversion can be started: there are pixels and a target, and every format on the way fits 32 bits.
+/// Whether the conversion can be started: there are pixels and a target, and the size in every format on the way fits 32 bits.
 bool isAcceptable(const CMOKTexture& texture, PixelType target, bool dithers) {
     if (!TextureInternals::hasValidPixelData(texture)) return false;
     if (isCompressed(target) && target.id >= eFmtUnknown) return false;
@@ -67,7 +67,7 @@ bool Transcode(CMOKTexture& texture, PixelType target, EMOKTVariableType channel
 
     if (isCompressed(texture.getPixelType())) decompressStage(texture);
     // Kept (dither-of-equal-format): a texture that has the target's format already is dithered too, so that callers who pass
-    // `dither` get pixels on the dithered levels whatever the source was.
+    // `dither` get dithered pixels whatever the source was.
     if (dithers) ditherStage(texture, target);
 
     // The texture is uncompressed now, so that a compressed target always differs.

@@ -7,7 +7,7 @@
 /// @file
 /// The library's parallel loop. One policy holds for threads that cannot be started, because the system has none left or no
 /// memory for their stacks: fewer threads share the tasks, the caller's thread at least. The result is the same, and nothing is
-/// reported. The slow encoder alone brings thread functions of its own, whose failure ends the process.
+/// reported. Only the slow encoder passes thread functions of its own, whose failure ends the process.
 
 namespace moktexture {
 

@@ -5,7 +5,7 @@
 //        4      4  height       the height precedes the width
 //        8      4  width
 //       12      4  mipMapCount  levels below the first
-//       16      4  flags        bits 0 to 7: number of the pixel format; above them LegacyFlag
+//       16      4  flags        bits 0 to 7: number of the pixel format; bits 8 to 31: LegacyFlag
 //       20      4  dataSize     written, not read; likewise the next six fields
 //       24      4  bitCount     bits per pixel
 //       28     16  red, green, blue and alpha mask
@@ -13,8 +13,8 @@
 //       48      4  numSurfaces  layers times faces; 1 layer if the header ends at 44
 //    44/52         pixel data
 //
-// The writer stores the texture's buffer as it is: level, layer, face. The reader expects face, then level, and one layer; the
-// two agree for one face or one level, of one layer.
+// The writer stores the texture's buffer as it is, ordered by level, layer and face. The reader expects one layer, ordered by
+// face and level. Both orders are the same for textures of one layer that have one face or one level.
 
 #include "formats/legacy/legacy_file.h"
 
@@ -78,7 +78,7 @@ CMOKTextureHeader makeTextureHeader(const LegacyHeader& legacy) {
     return header;
 }
 
-/// Whether the zeroed layers make the texture too large for its file.
+/// Whether the texture is too large for its file, which holds pixels of the first layer only; the other layers are zeroed.
 bool expandsTooFar(const CMOKTextureHeader& header, const ByteReader& source, const LoadLimits& limits) {
     constexpr std::uint64_t alwaysAllowed = std::uint64_t{16} << 20;
     const std::uint64_t fileLength = source.position() + source.remaining();

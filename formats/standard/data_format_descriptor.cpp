@@ -18,7 +18,7 @@ constexpr std::uint8_t primariesBT709 = 1, transferLinear = 1, transferSRGB = 2,
 constexpr std::uint8_t channel0 = 0, channel1 = 1, channel2 = 2, alpha = 15;
 constexpr std::uint8_t isLinear = 0x10, isExponent = 0x20, isSignedQualifier = 0x40, isFloat = 0x80;
 
-constexpr std::size_t flagsOffset = 4 + 11;  // behind the total size, the flags are the twelfth byte
+constexpr std::size_t flagsOffset = 4 + 11;  // after the total size, the flags are the twelfth byte
 
 /// A run of bits of a block that holds one channel.
 struct Sample {
@@ -119,7 +119,7 @@ void setRange(Sample& sample, EMOKTVariableType type) {
     }
 }
 
-/// Channels of 8, 16 or 32 bits lie one behind the other; others are packed from the highest bit of a word down.
+/// Channels of 8, 16 or 32 bits follow each other; others are packed from the highest bit of a word down.
 void appendLayoutSamples(const CMOKTextureHeader& header, std::vector<Sample>& samples) {
     const PixelType::Layout layout = header.getPixelType().layout;
     const unsigned int total = bitsPerPixel(header.getPixelType());

@@ -14,7 +14,7 @@ namespace moktexture {
 /// The descriptor with its total size in front, for a header whose format has a VkFormat.
 std::string encodeDataFormatDescriptor(const CMOKTextureHeader& header);
 
-/// Whether a descriptor marks colours as premultiplied by alpha. False where it is too short to say.
+/// Whether a descriptor marks colours as premultiplied by alpha. False also if it is too short to tell.
 bool isPremultiplied(std::span<const unsigned char> descriptor);
 
 }  // namespace moktexture

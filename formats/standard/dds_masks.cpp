@@ -94,7 +94,8 @@ std::optional<PixelMasks> masksFromLayout(const UncompressedLayout& layout) {
                           : isSigned     ? MaskKind::signedRGB
                                          : MaskKind::rgb;
     PixelMasks masks{kind, total, {}};
-    // Both orders of the channels are tried; the way back decides which one the layout means.
+    // A layout names its channels from the lowest or from the highest bit. The order whose masks give the layout back is the
+    // right one.
     for (const bool lowestFirst : {true, false}) {
         unsigned int shift = lowestFirst ? 0 : total;
         masks.masks = {};

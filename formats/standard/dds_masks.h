@@ -12,7 +12,7 @@
 
 namespace moktexture {
 
-/// Which channels the masks stand for.
+/// Which channels the masks describe.
 enum class MaskKind {
     rgb,
     luminance,

@@ -42,7 +42,8 @@ struct PixelFormatField {
     std::uint32_t masks[4];
 };
 
-/// What this library writes into words that are reserved for writers: its name, and what the rest of a header may not say.
+/// What this library writes into words that are reserved for writers: its name, and properties that the other
+/// fields cannot hold.
 struct WriterFields {
     std::array<char, 12> name;
     std::uint32_t pixelFormatLow, pixelFormatHigh, channelType, colourSpace, isPremultiplied;
@@ -133,7 +134,8 @@ bool applyCode(std::uint32_t code, CMOKTextureHeader& header) {
     return code < 256 && header.setD3DFormat(code);
 }
 
-/// The masks of a header; alpha counts only where the flags say so, as many writers leave a mask of old behind.
+/// The masks of a header; the alpha mask is used only if the flags announce it, because many writers
+/// leave an unused mask there.
 PixelMasks masksOf(const PixelFormatField& field) {
     const bool hasAlpha = (field.flags & (pixelAlphaPixels | pixelAlpha)) != 0;
     PixelMasks masks{
@@ -334,7 +336,7 @@ bool saysAll(const DDSHeaders& file, const CMOKTextureHeader& texture) {
     return describeSameImage(header, texture);
 }
 
-/// Whether the published fields give the sizes, counts and bits; the writer's fields say the rest.
+/// Whether the published fields hold the sizes, counts and bits; the writer's fields hold the other properties.
 bool saysShape(const DDSHeaders& file, const CMOKTextureHeader& texture) {
     CMOKTextureHeader plain = texture;
     CMOKTextureHeader header;
@@ -358,7 +360,7 @@ std::optional<DDSHeaders> makeDDSHeaders(const CMOKTextureHeader& texture) {
     return std::nullopt;
 }
 
-/// Takes over what the writer's fields say, if the header is the one that this library writes for it; false if it is not.
+/// Applies the writer's fields, if the header is the one that this library writes for them; false if it is not.
 bool applyWriterFields(const DDSHeaders& file, CMOKTextureHeader& header) {
     const WriterFields& writer = file.classic.writer;
     if (writer.name != writerName || writer.channelType > eVarNone || writer.colourSpace > eColourSpaceSRGB) return false;

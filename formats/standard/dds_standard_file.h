@@ -22,11 +22,11 @@ bool isOwnDDS(ByteReader& source);
 /// Reads a file into a default texture. Nothing beside the limits is trusted; on failure the texture is unspecified.
 ELoadStatus readStandardDDS(ByteReader& source, const LoadLimits& limits, CMOKTexture& texture);
 
-/// Whether a DDS header can hold everything that the header says, but for metadata.
+/// Whether a DDS header can hold all properties of the texture header except metadata.
 bool fitsStandardDDS(const CMOKTextureHeader& header);
 
-/// Writes a texture that fits and has its pixels: with the classic header where that says everything, else with "DX10". False if
-/// it does not fit or a write failed.
+/// Writes a texture that fits and has its pixels: with the classic header if that holds all properties, else with "DX10". False
+/// if it does not fit or a write failed.
 bool writeStandardDDS(const CMOKTexture& texture, ByteWriter& target);
 
 }  // namespace moktexture

@@ -57,6 +57,7 @@ bool addBlocks(std::string_view bytes, std::uint32_t maxBlocks, CMOKTextureHeade
     return true;
 }
 
+/// How orientation strings write an axis. A texture without an orientation has the default direction.
 struct AxisLetters {
     EMOKTAxis axis;
     char axisLetter, otherDirection, defaultDirection;

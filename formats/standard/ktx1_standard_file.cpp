@@ -49,7 +49,7 @@ ELoadStatus readKTX1Header(ByteReader& source, KTX1Header& header) {
     return eLoadOk;
 }
 
-/// Format, sizes and counts. Sizes and counts of 0 stand for an axis, an array or a chain that the texture does not have.
+/// Sets format, sizes and counts. A size or count of 0 means that the texture lacks this axis, or is no array, or has no chain.
 bool applyKTX1Header(const KTX1Header& from, CMOKTextureHeader& header) {
     const PublishedMatch match = findByOpenGL(from.glType, from.glFormat, from.glInternalFormat);
     if (match.format == nullptr) return false;
@@ -77,10 +77,10 @@ public:
 
     std::uint64_t rowBytes(std::uint32_t level) const { return stored.rowBytes(level); }
     std::uint64_t paddedRowBytes(std::uint32_t level) const { return isPaddedRow ? padded(rowBytes(level)) : rowBytes(level); }
-    /// Rows of blocks of one layer and face, slices one behind the other.
+    /// Rows of blocks of all slices of one layer and face.
     std::uint64_t rows(std::uint32_t level) const { return stored.rows(level) * stored.slices(level); }
     std::uint64_t faceBytes(std::uint32_t level) const { return rows(level) * paddedRowBytes(level); }
-    /// Bytes behind a face that are no pixels.
+    /// Padding after a face, in bytes.
     std::uint64_t facePadding(std::uint32_t level) const {
         return isSingleCube ? padded(faceBytes(level)) - faceBytes(level) : 0;
     }
@@ -88,7 +88,7 @@ public:
     std::uint64_t imageSize(std::uint32_t level) const {
         return isSingleCube ? faceBytes(level) : faceBytes(level) * layers * faces;
     }
-    /// From behind the `imageSize` to the next one.
+    /// Bytes between an `imageSize` and the next one.
     std::uint64_t levelBytes(std::uint32_t level) const {
         return padded((faceBytes(level) + facePadding(level)) * layers * faces);
     }
@@ -270,7 +270,7 @@ ELoadStatus readStandardKTX1(ByteReader& source, const LoadLimits& limits, CMOKT
     const FileRows rows(header, file.numberOfArrayElements != 0);
     status = validateStored(header, limits, 0, 0);
     if (status != eLoadOk) return status;
-    // The padding behind the last row may be missing.
+    // The padding after the last row may be missing.
     if (rows.totalBytes(header.getNumMIPLevels()) > source.remaining() + 3) return eLoadTruncated;
     texture = makeStoredTexture(header);
     for (std::uint32_t level = 0; level < header.getNumMIPLevels() && status == eLoadOk; ++level)

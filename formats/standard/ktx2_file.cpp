@@ -32,7 +32,7 @@ struct KTX2Header {
     std::uint64_t sgdByteOffset, sgdByteLength;
 };
 static_assert(sizeof(KTX2Header) == 80);
-/// Bytes up to the level count: what the header says of the image.
+/// Bytes of the header up to the level count, which describe the image.
 constexpr std::size_t bytesOfImage = offsetof(KTX2Header, supercompressionScheme);
 
 struct LevelIndexEntry {
@@ -44,7 +44,7 @@ static_assert(sizeof(LevelIndexEntry) == 24);
 constexpr std::uint32_t schemeZstandard = 2;
 constexpr std::uint32_t largestDescriptor = 1u << 16;
 
-/// A luminance or alpha layout travels as red with a swizzle that gives the four channels.
+/// A luminance or alpha layout is stored as red, with a swizzle that gives the four channels.
 struct SwizzledLayout {
     PixelType layout, stored;
     const char* swizzle;
@@ -77,7 +77,7 @@ void applySwizzle(std::string_view swizzle, CMOKTextureHeader& header) {
     }
 }
 
-/// Format, sizes and counts. Sizes and counts of 0 stand for an axis, an array or a chain that the texture does not have.
+/// Sets format, sizes and counts. A size or count of 0 means that the texture lacks this axis, or is no array, or has no chain.
 bool applyKTX2Header(const KTX2Header& from, CMOKTextureHeader& header) {
     const PublishedMatch match = findByVulkan(from.vkFormat);
     if (match.format == nullptr) return false;
@@ -141,7 +141,7 @@ ELoadStatus readDescriptor(ByteReader& source, const KTX2Header& file, std::vect
     return source.readAll(descriptor.data(), descriptor.size()) ? eLoadOk : truncatedStatus(source);
 }
 
-/// What the file says beside its header: premultiplication, orientation, swizzle, the stored header.
+/// Applies the properties outside the header: premultiplication, orientation, swizzle, the stored header.
 ELoadStatus applyMetadata(ByteReader& source, const KTX2Header& file, const LoadLimits& limits, CMOKTextureHeader& header) {
     std::vector<unsigned char> descriptor;
     ELoadStatus status = readDescriptor(source, file, descriptor);
@@ -158,7 +158,7 @@ ELoadStatus applyMetadata(ByteReader& source, const KTX2Header& file, const Load
     return eLoadOk;
 }
 
-/// Whether the levels have the lengths that the header asks for and lie within the file, whose source is at its start.
+/// Whether the levels have the lengths that follow from the header and lie within the file, whose source is at its start.
 ELoadStatus validateLevels(const ByteReader& source, const StoredLayout& layout, bool isCompressedFile,
                            std::span<const LevelIndexEntry> index) {
     for (std::size_t level = 0; level < index.size(); ++level) {
@@ -203,7 +203,7 @@ KeyValues makeKTX2KeyValues(const CMOKTextureHeader& texture, const KTX2Header& 
     return pairs;
 }
 
-/// Puts the levels behind `end`, the smallest first, and returns the end of the file.
+/// Places the levels after `end`, the smallest first, and returns the end of the file.
 std::uint64_t placeLevels(const StoredLayout& layout, std::uint64_t alignment, std::uint64_t end,
                           std::vector<LevelIndexEntry>& index) {
     for (std::size_t level = index.size(); level-- > 0;) {

@@ -153,7 +153,7 @@ bool haveEqualBlocks(PixelType a, PixelType b) {
            });
 }
 
-/// What a stored number stands for: how it is read, without its width.
+/// How a stored number is read, apart from its width.
 enum class NumberKind { uNorm, sNorm, uInt, sInt, floating };
 
 NumberKind kindOf(EMOKTVariableType type) {
@@ -276,7 +276,7 @@ PublishedMatch findByOpenGL(std::uint32_t glType, std::uint32_t glFormat, std::u
         const PublishedMatch match = findByNumber(glInternalFormat, &PublishedFormat::glInternal);
         return match.format != nullptr && match.format->glFormat == 0 ? match : PublishedMatch{};
     }
-    // GL_UNSIGNED_BYTE with GL_RGBA stands for several internal formats; the bytes are the same.
+    // GL_UNSIGNED_BYTE with GL_RGBA is shared by several internal formats; the bytes are the same.
     for (const PublishedFormat& row : publishedRows) {
         if (row.glType != glType || row.glFormat != glFormat || glType == 0) continue;
         const bool isSRGB = row.glInternal.sRGB != 0 && row.glInternal.sRGB == glInternalFormat;

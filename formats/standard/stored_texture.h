@@ -16,7 +16,7 @@ class StoredLayout {
 public:
     explicit StoredLayout(const CMOKTextureHeader& header);
 
-    /// Blocks, one behind the other, across a row of blocks.
+    /// Bytes of a row of blocks.
     std::uint64_t rowBytes(std::uint32_t level) const;
     /// Rows of blocks in one slice.
     std::uint64_t rows(std::uint32_t level) const;

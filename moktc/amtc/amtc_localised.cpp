@@ -1,6 +1,6 @@
 // The slow encoder, from an image to blocks:
 //
-//     copy the image into a work image of a fixed row stride; punch-through preprocessing, if wanted
+//     copy the image into a work image of a fixed row stride; punch-through preprocessing, if requested
 //     encode the top MIP level
 //     for each further MIP level:  tile the work image if it is too small to halve; halve it in place; encode it
 //
@@ -55,8 +55,8 @@ bool validateAndEncode(const AmtcImage& image, EncodeOptions options, std::uint8
     const BlockGrid grid = blockGridOf(image, rate);
     if (grid.bytes() == 0) return false;
 
-    // Kept (linear-order-for-other-grids): a grid whose sides are not both powers of two is stored row by row also where twiddled
-    // order is wanted. The first generation's decoder reads twiddled blocks there; hosts that decode such textures themselves
+    // Kept (linear-order-for-other-grids): a grid whose sides are not both powers of two is stored row by row even if twiddled
+    // order is requested. The first generation's decoder reads twiddled blocks there; hosts that decode such textures themselves
     // read them row by row.
     options.linearBlockOrder |= !isPowerOfTwo(grid.across) || !isPowerOfTwo(grid.down);
     std::memset(destination, 0, grid.bytes());
@@ -109,7 +109,7 @@ bool encodeImage(const EncodeRequest& request) {
     return true;
 }
 
-// Kept (unused-has-alpha-and-reserved): `hasAlpha` and `reserved` have no effect; hosts call with both, and translucency comes
+// Kept (unused-has-alpha-and-reserved): `hasAlpha` and `reserved` have no effect; hosts pass both, and translucency comes
 // from the pixels.
 std::uint32_t CompressImageLevels(const std::uint8_t* source, std::uint32_t isRGBAOrder, std::int32_t width, std::int32_t height,
                                   std::int32_t rowStride, std::uint8_t* destination, std::uint8_t quality, std::int32_t mipMode,

@@ -72,7 +72,7 @@ void rotate(SquareMatrix& a, std::size_t n, std::size_t p, std::size_t q, Square
 }
 
 /// Rotates every element whose magnitude is at least the threshold to 0. Returns the largest magnitude that was met.
-float sweep(SquareMatrix& a, std::size_t n, float threshold, SquareMatrix& eigenvectors) {
+float jacobiSweep(SquareMatrix& a, std::size_t n, float threshold, SquareMatrix& eigenvectors) {
     float largest = 0;
     for (std::size_t p = 0; p + 1 < n; ++p) {
         for (std::size_t q = p + 1; q < n; ++q) {
@@ -123,7 +123,7 @@ void EigenSymmetric(const SquareMatrix& matrix, std::size_t n, ColourVector& eig
     float threshold = startThreshold(a, n);
     const float stoppingThreshold = threshold * stoppingFraction;
     while (threshold > stoppingThreshold) {
-        const float largest = sweep(a, n, threshold, eigenvectors);
+        const float largest = jacobiSweep(a, n, threshold, eigenvectors);
         if (largest == 0) break;
         threshold *= thresholdDecay;
         while (threshold > largest)

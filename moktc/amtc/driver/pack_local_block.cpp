@@ -2,16 +2,16 @@
 //
 // Problem: the indices that a visit chose are stale, as neighbours may have changed after the block's own last visit.
 //
-//     load the footprint; gather the nine best pairs; build the blend table with the neighbours' real modes
+//     load the footprint; collect the best colours of the nine blocks; build the blend table with the neighbours' final modes
 //     4 bits per pixel:  each of the block's 16 pixels takes the nearest of its four colours
 //     2 bits, direct:    each of the 32 pixels takes A or B
-//     2 bits, samples:   each pixel whose row + column is even takes the nearest of four colours, the one or two pixels that also
-//                        hold the sub-mode A or B; the others decode to the mean of the samples around them
+//     2 bits, samples:   each pixel whose row + column is even takes the nearest of four colours; one or two of these pixels also
+//                        hold the sub-mode and take A or B; the other pixels decode to the mean of the samples around them
 //     modulation word = the indices in pixel order, two bits each or one, lowest bits first
 //     colour word     = A and B in their stored forms, opacity bits, flat bit, mode bit
 //
-// With 2 bits the samples of the whole footprint are chosen, not only the block's: the means at its border need them. They cost
-// nothing but time here; each neighbour packs its own.
+// With 2 bits the samples of the whole footprint are chosen, not only the block's: the means at its border need them. Each
+// neighbour chooses and packs its own samples again.
 //
 // The sums of squared differences are returned for tests, which compare them with those of the decoder's pixels.
 
@@ -48,20 +48,20 @@ constexpr std::array<std::array<std::uint8_t, 4>, 16> CornerPaletteBits = {{
 }};
 // clang-format on
 
-/// A block's footprint with everything needed to decode it.
+/// A block's footprint, with the blend table and the colours that it is decoded with.
 struct LocalPixels {
     const BlendTable& table;
     const Footprint& footprint;
     const NeighbourColours& colours;
 };
 
-/// A modulation word, and the squared error of the block's own pixels under it.
+/// A modulation word, and the squared error of the block's own pixels when decoded with it.
 struct LocalModulation {
     std::uint32_t word = 0;
     std::uint32_t error = 0;
 };
 
-/// The block itself in its footprint.
+/// Where the block's own pixels begin in its footprint.
 constexpr std::size_t firstRow = moktc::blockHeight / 2;
 constexpr std::size_t firstColumn(Rate rate) {
     return moktc::blockWidth(rate) / 2;

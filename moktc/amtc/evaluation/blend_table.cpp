@@ -1,7 +1,7 @@
 // Problem: how a pixel of a footprint decodes, and how much it should count, depends on the region modes of the blocks around
 // it. An evaluation repeats for every pair of colours that a visit tries, but the modes stay the same for all of them.
 //
-// Idea: work the mode logic out once per mode and variant into a table with one entry per pixel, which the evaluators only read.
+// Idea: evaluate the modes once per mode and variant, into a table with one entry per pixel, which the evaluators only read.
 //
 // A footprint consists of 5 by 5 cells of half a block each way. It reaches from the centres of the blocks around it to the next:
 //
@@ -19,8 +19,9 @@
 //     importance = horizontal kernel * vertical kernel / 16
 //     influence = importance * tent of the block
 //
-// The tent is the bilinear weight of the block's own colours, 64 at its centre. Importance follows what upscaling does to a pixel
-// along each axis: negative at the border of soft blocks to make up for their blur, wide and even where both blocks are flat.
+// The tent is the bilinear weight of the block's own colours, 64 at its centre. Importance depends on the two blocks that
+// a pixel's row or column crosses, which are soft (their colours are upscaled) or flat: it is negative at the border of soft
+// blocks, to compensate for their blur, and constant over a wide range where both blocks are flat.
 //
 // Cost: 81 or 153 copies of 36 bytes, two multiplications and a division each.
 
@@ -58,7 +59,8 @@ constexpr std::array<std::array<ImportanceKernel<17>, 2>, 2> importanceKernels17
 }};
 // clang-format on
 
-/// By modulation index, a colour of the 2 by 2 blocks around the pixel: 2 * position, row first, + 0 for A or 1 for B.
+/// The palette colours of a pixel by modulation index. Each is a colour of the 2 by 2 blocks around the pixel: 2 * position, row
+/// first, + 0 for A or 1 for B.
 using CornerTaps = std::array<std::uint8_t, 4>;
 
 // By pixel row and column of the footprint modulo 4. The pixel at 0, 0 is a block's centre and no tap.
@@ -71,11 +73,12 @@ constexpr std::array<std::array<CornerTaps, 4>, 4> CornerPaletteTable = {{
     {{{0, 1, 4, 5}, {4, 5, 0, 7}, {4, 5, 6, 7}, {6, 7, 4, 3}}},
 }};
 // clang-format on
-/// In the footprint's last row and column, whose cells begin beyond it.
+/// The taps of pixels in the footprint's last row and last column. These lie on a line through the centres of the lower or the
+/// right blocks and take colours from those blocks alone.
 constexpr CornerTaps lastRowTaps = {4, 5, 6, 7};
 constexpr CornerTaps lastColumnTaps = {2, 3, 6, 7};
 
-/// Of a pixel of a 9 by 9 footprint off the lattice.
+/// The taps of a pixel of a 9 by 9 footprint that is no block's centre.
 constexpr const CornerTaps& cornerTapsAt(std::size_t row, std::size_t column) {
     if (row == 8) return lastRowTaps;
     return column == 8 ? lastColumnTaps : CornerPaletteTable[row % 4][column % 4];
@@ -172,7 +175,7 @@ constexpr PixelBlendEntry makeEntry(std::size_t row, std::size_t column, std::ui
         return entry;
     }
     if (!is2bpp && cellMode == region_mode::punchThrough) setPunchThroughWeights(entry, secondGeneration);
-    // The lattice pixels of corner palette cells weigh the same either way.
+    // The block centres in corner palette cells have the same weights in both cases.
     const bool isFlat = (cellMode & flatBitOf(is2bpp)) != 0;
     entry.weightX = isFlat ? weights.flatWeight[column] : weights.softWeight[column];
     entry.weightY = isFlat ? weights9.flatWeight[row] : weights9.softWeight[row];
@@ -199,21 +202,21 @@ constexpr TablesByCellMode<width> makeTables(bool secondGeneration) {
     return tables;
 }
 
-// By generation. They differ only in punch-through, which exists at 4 bits per pixel.
+// The tables of 4 bits per pixel, by generation, differ only in punch-through, which 2 bits per pixel do not have.
 constexpr std::array<TablesByCellMode<footprintWidth4bpp>, 2> tables4bpp = {makeTables<footprintWidth4bpp>(false),
                                                                             makeTables<footprintWidth4bpp>(true)};
 constexpr TablesByCellMode<footprintWidth2bpp> tables2bpp = makeTables<footprintWidth2bpp>(true);
 
-/// Of the 3 by 3 blocks, row by row; with the flat bits that the variant inverts.
+/// The region modes of the 3 by 3 blocks, row by row. The flat bits that the variant selects are inverted.
 using BlockModes = std::array<std::uint32_t, 9>;
 
 BlockModes modesOf(std::uint32_t mode, const Neighbourhood& neighbours, std::uint32_t variant, bool is2bpp) {
-    constexpr std::array<std::size_t, 3> flippedBy = {0, 1, 3};
+    constexpr std::array<std::size_t, 3> invertedBlocks = {0, 1, 3};
     BlockModes modes{};
     for (std::size_t i = 0; i < modes.size(); ++i)
         modes[i] = i == centreOfNeighbourhood ? mode : neighbours[i]->bestMode;
-    for (std::size_t bit = 0; bit < flippedBy.size(); ++bit)
-        modes[flippedBy[bit]] ^= (variant >> bit & 1) * flatBitOf(is2bpp);
+    for (std::size_t bit = 0; bit < invertedBlocks.size(); ++bit)
+        modes[invertedBlocks[bit]] ^= (variant >> bit & 1) * flatBitOf(is2bpp);
     return modes;
 }
 

@@ -33,7 +33,7 @@ inline constexpr std::size_t levelValueCount = 10;
 struct PixelBlendEntry {
     std::uint8_t isOuterRing;                           ///< 1 on the footprint's border, which this block's colours do not reach
     std::uint8_t isPaletteTap;                          ///< 1 if the pixel chooses from the corner palette
-    std::uint8_t extendedLevels;                        ///< 0
+    std::uint8_t extendedLevels;                        ///< always 0
     std::uint8_t punchClass;                            ///< 1 if the pixel's cell is punch-through
     ModulationClass modulationClass;                    ///< 2 bits per pixel only
     std::uint8_t weightX, weightY;                      ///< bilinear weights of the right and the lower block, 0 to 8

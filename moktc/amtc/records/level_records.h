@@ -39,7 +39,7 @@ inline WorkImage makeWorkImage() {
     return WorkImage(static_cast<AmtcImage*>(std::calloc(1, sizeof(AmtcImage))));
 }
 
-/// The rate that was never finished: levels can be described and analysed, and the listing of its region modes aborts.
+/// The rate that was never finished: levels can be described and analysed, but listing its region modes aborts.
 inline constexpr Rate oneBpp{1};
 
 /// Region modes: whether a block's colours are upscaled, and how the modulation index of a pixel selects its blend.
@@ -163,11 +163,11 @@ struct BlockRecord {
     std::uint32_t lastChanged;                       ///< step of the last visit that changed the block
     std::uint32_t lastVisited;                       ///< step of the last visit
     std::array<RepStart, maxRegionModes> repStarts;  ///< in the order of ListRegionModes with extended modes
-    std::uint32_t bestMode;                          ///< the region mode in force, which the neighbours see
+    std::uint32_t bestMode;                          ///< the current region mode; it also affects how neighbours decode
     RefinementInputs lastInputs;                     ///< of the last visit
     std::uint32_t convergedModes;  ///< bit i: a visit with `lastInputs` left repStarts[i] unchanged, and would again
 
-    /// The best candidate of the mode in force.
+    /// The best candidate of the current mode.
     const Candidate& best() const;
 };
 

@@ -1,4 +1,4 @@
-// The only file that knows CLI11, which is slow to compile.
+// The only file that includes CLI11, which is slow to compile.
 
 #include "moktex/commands/Command.h"
 
@@ -129,8 +129,8 @@ void Command::refuseMissingValue(const Option& option) const {
                                                option.operand + ", 'moktex help " + name + "' explains it");
 }
 
-/// Brings an option into the spelling that the parser knows: canonical names, and an optional number joined by '='.
-/// @param next the argument behind it
+/// Converts an option to the spelling that the parser accepts: canonical names, and an optional number joined by '='.
+/// @param next the argument after it
 /// @return whether `next` has become part of it
 bool Command::normalise(std::string& argument, const std::string& next) const {
     const bool isLong = argument.starts_with("--");

@@ -46,7 +46,7 @@ public:
     /// Text at the end of the help.
     void setFooter(std::string text) { footer = std::move(text); }
 
-    /// Takes all options. A Failure for the first one that is unknown, or lacks its value, or has one that it cannot have.
+    /// Takes all options. Throws a Failure for the first one that is unknown, or lacks its value, or has one that it cannot have.
     /// @return the arguments that are not options, in order
     std::vector<std::string> parse(const std::vector<std::string>& arguments) const;
 

@@ -40,7 +40,7 @@ bool isFolder(const std::string& path) {
     return fs::is_directory(path, error);
 }
 
-/// Whether the last path is more likely an input than the output: a picture that is there already, behind other pictures, as
+/// Whether the last path is more likely an input than the output: an existing picture, after other pictures, as
 /// a shell makes it of '*.png'.
 bool lastIsPicture(const std::vector<std::string>& paths) {
     std::error_code error;
@@ -71,7 +71,7 @@ bool goesToFolder(const ConvertArguments& arguments) {
     return arguments.paths.size() > 1 || !fs::path(arguments.output).has_filename() || isFolder(arguments.output);
 }
 
-/// A Failure if the output for several inputs is not a folder's name.
+/// Throws a Failure if the output for several inputs is not a folder's name.
 void requireFolderName(const std::string& output) {
     if (output == standardStream)
         throw Failure(ExitStatus::commandLine, "several inputs cannot go to standard output; name a folder");
@@ -99,7 +99,7 @@ std::vector<Job> planJobs(const ConvertArguments& arguments) {
     return jobs;
 }
 
-/// A Failure if an option selects an image for a PNG and the output is no picture.
+/// Throws a Failure if an option selects an image for a PNG and the output is no picture.
 void requirePictureFor(const ConvertArguments& arguments, const std::string& output) {
     const char* option = arguments.level ? "--level" : arguments.layer ? "--layer" : arguments.face ? "--face" : nullptr;
     if (option != nullptr && outputKind(output) != OutputKind::picture)

@@ -32,7 +32,7 @@ ChannelDifference join(const DifferenceSums& sums, std::size_t first, std::size_
     return differenceFrom(squares / (static_cast<double>(sums.pixels) * static_cast<double>(count)), largest, peak);
 }
 
-/// Red, green and blue together, weighted.
+/// Red, green and blue together, with the weights of luminance.
 ChannelDifference joinWeighted(const DifferenceSums& sums, double peak) {
     const double squares = 0.299 * sums.squares[0] + 0.587 * sums.squares[1] + 0.114 * sums.squares[2];
     return differenceFrom(squares / static_cast<double>(sums.pixels), join(sums, 0, 3, peak).largest, peak);
@@ -61,10 +61,10 @@ ChannelDifferences differencesOf(const DifferenceSums& sums, double peak, const 
     differences[overAll - 1] = join(sums, 0, 3, peak);
     differences[overAll] = join(sums, 0, 4, peak);
     differences[overAll + 1] = joinWeighted(sums, peak);
-    const auto isNoNumber = [](const ChannelDifference& each) {
+    const auto isNotANumber = [](const ChannelDifference& each) {
         return std::isnan(each.meanSquaredError) || std::isnan(each.psnr);
     };
-    if (sums.pixels == 0 || std::any_of(differences.begin(), differences.end(), isNoNumber))
+    if (sums.pixels == 0 || std::any_of(differences.begin(), differences.end(), isNotANumber))
         throw Failure(ExitStatus::workFailed, file,
                       "the difference is no number, so nothing is known of it; check that both have pixels");
     return differences;

@@ -24,13 +24,14 @@ struct ChannelDifference {
     double largest;  ///< of the absolute differences
 };
 
-/// The names of the differences: single channels, the means over three and four of them, and the mean over three weighted as the
-/// eye sees them: 0.299, 0.587 and 0.114.
+/// The names of the differences: single channels, the means over three and four of them, and the mean over three with the weights
+/// of luminance: 0.299, 0.587 and 0.114.
 inline constexpr std::array differenceNames = {"r", "g", "b", "a", "rgb", "rgba", "weighted"};
 using ChannelDifferences = std::array<ChannelDifference, differenceNames.size()>;
 inline constexpr std::size_t overAll = 5;  ///< index of "rgba"
 
-/// The differences by the order of differenceNames. A Failure that names the file if one of them is no number, as of no pixels.
+/// The differences by the order of differenceNames. Throws a Failure that names the file if one of them is not a number, for
+/// example because there are no pixels.
 /// @param peak  the largest value of a channel
 ChannelDifferences differencesOf(const DifferenceSums& sums, double peak, const std::string& file);
 

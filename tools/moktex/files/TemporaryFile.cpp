@@ -98,7 +98,7 @@ bool moveWithoutReplacing(const fs::path& from, const fs::path& to) {
 
 }  // namespace
 
-fs::path behindLinks(const fs::path& path) {
+fs::path resolveLinks(const fs::path& path) {
     constexpr int mostLinks = 40;
     fs::path found = path;
     std::error_code error;
@@ -110,7 +110,7 @@ fs::path behindLinks(const fs::path& path) {
     return found;
 }
 
-TemporaryFile::TemporaryFile(const std::string& output) : name(output), target(behindLinks(output)) {
+TemporaryFile::TemporaryFile(const std::string& output) : name(output), target(resolveLinks(output)) {
     create();
 }
 

@@ -8,8 +8,8 @@
 
 namespace moktextool {
 
-/// The file that a write to `path` makes or replaces: behind symbolic links, also where it does not exist yet.
-std::filesystem::path behindLinks(const std::filesystem::path& path);
+/// The file that a write to `path` makes or replaces: symbolic links are resolved, even if the file does not exist yet.
+std::filesystem::path resolveLinks(const std::filesystem::path& path);
 
 /// An output file that is not complete yet. It stands beside its target under a short name of its own, takes the target's name
 /// when it is complete, and is removed otherwise: by the destructor, or by removeUnfinishedFiles() when a signal ends the
@@ -37,7 +37,7 @@ private:
     bool close();
 
     std::string name;              ///< of the output in messages
-    std::filesystem::path target;  ///< behind symbolic links
+    std::filesystem::path target;  ///< with symbolic links resolved
     std::filesystem::path path;    ///< empty once the file has its target's name
     std::optional<std::size_t> registration;
     std::optional<unsigned int> mode;  ///< of the file that stood at the target

@@ -29,7 +29,7 @@ struct LegacyApiName {
 };
 std::span<const LegacyApiName> legacyApiNames();
 
-/// Where a texture goes.
+/// Where and in which layout a texture is written.
 struct OutputTarget {
     std::string path;                                 ///< "-" for a native texture on standard output
     std::optional<moktexture::ELegacyApi> legacyApi;  ///< set for the legacy layout
@@ -37,16 +37,17 @@ struct OutputTarget {
     moktexture::EContainerLayout layout = moktexture::eLayoutStandard;
 };
 
-/// A Failure if the legacy layout is requested for a file other than .mok.
+/// Throws a Failure if the legacy layout is requested for a file other than .mok.
 void requireLegacyPath(const OutputTarget& target);
 /// Whether the target can hold such a texture.
 bool holds(const OutputTarget& target, const moktexture::CMOKTextureHeader& header);
-/// A Failure if the target cannot hold such a texture; it names the containers that can.
+/// Throws a Failure if the target cannot hold such a texture; it names the containers that can.
 void requireHoldable(const moktexture::CMOKTextureHeader& header, const OutputTarget& target);
-/// A warning if the target holds no metadata and the texture has some; "" if nothing is lost.
+/// A warning if the target cannot hold the texture's metadata, or in the legacy layout its colour space or that its colours are
+/// premultiplied; "" if nothing is lost.
 std::string containerCaveat(const moktexture::CMOKTextureHeader& header, const OutputTarget& target);
 /// The bytes of a texture file, in the container given by the path's extension. The array in C source is named after the path.
-/// A Failure if the container cannot hold the texture, or there are no pixels.
+/// Throws a Failure if the container cannot hold the texture, or there are no pixels.
 std::vector<unsigned char> encodeContainer(const moktexture::CMOKTexture& texture, const OutputTarget& target);
 
 }  // namespace moktextool

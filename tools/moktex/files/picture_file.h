@@ -27,9 +27,9 @@ struct Picture {
     EMOKTColourSpace colourSpace;
 };
 
-/// Decodes a picture file: to sRGB RGBA8, a 16-bit PNG to sRGB RGBA16, HDR to linear float RGBA; turned upright as its EXIF data
-/// says. A Failure that names `file` if it is broken or too large.
-/// @param console  is told what was done and what the file asks for in vain; may be null
+/// Decodes a picture file: to sRGB RGBA8, a 16-bit PNG to sRGB RGBA16, HDR to linear float RGBA; turned upright by its EXIF
+/// orientation. Throws a Failure that names `file` if it is broken or too large.
+/// @param console  prints notes on what was done and on what is ignored in the file; may be null
 Picture decodePicture(std::span<const unsigned char> bytes, const std::string& file, Console* console = nullptr);
 
 /// The format of the PNG file for an image of that format: rgba16Format for integers above 8 bits, else rgba8Format.

@@ -81,7 +81,7 @@ void requireWritable(const std::string& path, bool overwrite, const Console& con
         throw Failure(ExitStatus::commandLine, path, "standard output is a terminal; redirect it to a file or a program");
     if (path == standardStream) return;
     std::error_code error;
-    const fs::path folder = behindLinks(path).parent_path();
+    const fs::path folder = resolveLinks(path).parent_path();
     if (!folder.empty() && !fs::is_directory(folder, error))
         throw Failure(ExitStatus::inputOutput, path, "its folder does not exist; make it first");
     if (!fs::exists(path, error)) return;

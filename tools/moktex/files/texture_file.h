@@ -19,15 +19,15 @@ struct TextureInput {
 };
 
 /// Reads a picture or texture from a file or, for "-", from standard input. The content decides which of both it is, then the
-/// extension. A Failure that names the file if it cannot be read.
+/// extension. Throws a Failure that names the file if it cannot be read.
 TextureInput readTexture(const std::string& path, Console& console);
 
 enum class OutputKind { texture, picture };
 
-/// The kind of output that a path's extension selects; "-" is a texture. A Failure for other extensions.
+/// The kind of output that a path's extension selects; "-" is a texture. Throws a Failure for other extensions.
 OutputKind outputKind(const std::string& path);
 
-/// A Failure if the path exists and `overwrite` is not set, or cannot be a file, or is a terminal.
+/// Throws a Failure if the path exists and `overwrite` is not set, or cannot be a file, or is a terminal.
 void requireWritable(const std::string& path, bool overwrite, const Console& console);
 
 /// Writes a texture to a file or, for "-", to standard output. The file appears under its name only when it is complete.

@@ -16,9 +16,9 @@ namespace moktextool {
 class Image {
 public:
     Image() = default;
-    /// Pixels that are not set yet. Raises `std::bad_alloc`.
+    /// Allocates pixels and leaves their values unset. Raises `std::bad_alloc`.
     Image(const TextureFormat& imageFormat, const ImageSize& imageSize);
-    /// Takes over pixels that std::malloc() gave.
+    /// Takes ownership of pixels from std::malloc().
     Image(const TextureFormat& imageFormat, const ImageSize& imageSize, unsigned char* imagePixels);
 
     const TextureFormat& getFormat() const { return format; }
@@ -50,7 +50,7 @@ using Surface = std::vector<Image>;
 
 /// The images of an uncompressed texture.
 struct ImageSet {
-    /// Everything but the pixels. Of its sizes use textureSize(), because getDataSize() may wrap.
+    /// Everything but the pixels. Use textureSize() for its size, because getDataSize() may wrap.
     moktexture::CMOKTextureHeader header;
     std::vector<Surface> surfaces;  ///< layer by layer, in each face by face
 

@@ -31,7 +31,7 @@ EMOKTVariableType defaultChannelType(moktexture::PixelType layout);
 /// Why an uncompressed layout cannot be converted from or to; "" if it can.
 std::string layoutProblem(const TextureFormat& format);
 
-/// A Failure if textures of this format cannot be decoded.
+/// Throws a Failure if textures of this format cannot be decoded.
 void requireDecodable(const TextureFormat& format, const std::string& file);
 
 inline constexpr const char* qualityHelp = "0 to 5, or fastest, fast, medium, thorough, verythorough, exhaustive";
@@ -42,7 +42,7 @@ struct Quality {
     bool isNamed;
 };
 
-/// Parses a number or a name of a quality. A Failure for anything else.
+/// Parses a number or a name of a quality. Throws a Failure for anything else.
 Quality parseQuality(const std::string& text);
 
 /// The quality to pass to a format's encoder: a number stays as it is, a name depends on the format, the default is 3.

@@ -23,7 +23,7 @@ void applyByBands(ImageSet& images, const BandOperation& operation, const Workpl
 /// The same for an operation that gives pixels of another format.
 void applyByBands(ImageSet& images, const BandOperation& operation, const TextureFormat& result, const Workplace& place);
 
-/// A Failure if work that may need much memory did not succeed.
+/// Throws a Failure if work that may need much memory did not succeed.
 void requireSuccess(bool succeeded, const std::string& name, const std::string& work);
 
 }  // namespace moktextool

@@ -6,8 +6,8 @@ namespace moktextool {
 
 namespace {
 
-/// The root of a positive number by Newton's method, from a power of two that is not below it. Each step shrinks the rest by
-/// (degree - 1) / degree or better, then doubles the digits.
+/// The root of a positive number by Newton's method, from a power of two that is not below it. Each step multiplies the error by
+/// (degree - 1) / degree at most; near the root each step doubles the number of correct digits.
 double rootOf(double value, int degree) {
     int exponent = 0;
     std::frexp(value, &exponent);
@@ -32,7 +32,7 @@ double linearOfSRGB(double value) {
 double sRGBOfLinear(double value) {
     if (!(value > 0.04045 / 12.92)) return value * 12.92;
     if (std::isinf(value)) return value;
-    // The power 5 / 12 is a third and a twelfth.
+    // 5 / 12 = 1 / 3 + 1 / 12, and the twelfth root is the fourth root of the third root.
     const double third = rootOf(value, 3);
     return 1.055 * third * std::sqrt(std::sqrt(third)) - 0.055;
 }

@@ -50,8 +50,8 @@ private:
     static constexpr std::uint32_t buckets = 4096;
 
     std::vector<float> values;
-    std::vector<float> steps;                         ///< the least linear value that is stored as the index
-    std::array<std::uint32_t, buckets + 1> starts{};  ///< what the first value of each bucket is stored as
+    std::vector<float> steps;                         ///< by stored value: the least linear value that rounds to it
+    std::array<std::uint32_t, buckets + 1> starts{};  ///< by bucket: the stored value of its first linear value
 };
 
 template <>
@@ -66,7 +66,7 @@ public:
     using TableCurve::TableCurve;
 };
 
-/// Floats: computed, without a range.
+/// Floats: the curve is computed for each value, and nothing is clamped.
 template <>
 class ColourCurve<float> {
 public:

@@ -66,7 +66,7 @@ bool hasBorder(const CMOKTextureHeader& header) {
     return x != 0 || y != 0 || z != 0;
 }
 
-/// A Failure if the image to write as a picture does not exist.
+/// Throws a Failure if the image to write as a picture does not exist.
 void requireImage(const ConversionRequest& request, const CMOKTextureHeader& header, std::uint32_t levels,
                   const std::string& name) {
     const auto require = [&](const char* option, std::uint32_t index, std::uint32_t count) {
@@ -105,7 +105,7 @@ void checkSize(const Conversion& conversion) {
     }
 }
 
-/// A Failure if the result cannot be a texture of the library, or would have to be one in between.
+/// Throws a Failure if the result cannot be a texture of the library, or would have to be one in between.
 void checkLimit(const Conversion& conversion) {
     const PlannedSize& size = conversion.size;
     CMOKTextureHeader header = conversion.source();

@@ -14,7 +14,7 @@ namespace moktextool {
 
 struct Console;
 
-/// A wanted size; 0 by 0 asks for the nearest powers of two.
+/// A requested size; 0 by 0 asks for the nearest powers of two.
 struct ResizeRequest {
     std::uint32_t width;
     std::uint32_t height;

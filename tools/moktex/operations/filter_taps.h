@@ -12,13 +12,13 @@ struct FilterTaps {
     struct Run {
         std::uint32_t first;    ///< the first source pixel
         std::uint32_t count;    ///< source pixels that follow each other
-        std::size_t weightsAt;  ///< of the first, in `weights`
+        std::size_t weightsAt;  ///< index in `weights` of the first pixel's weight
     };
     std::vector<Run> runs;  ///< one for each pixel of the result
     std::vector<float> weights;
 };
 
-/// The taps from `source` to `target` pixels. Pixel centres stand at half-integers on both sides, and the edge is repeated.
+/// The taps from `source` to `target` pixels. Pixel centres lie at half-integers on both axes, and the edge is repeated.
 ///
 /// | mode    | reducing                                   | enlarging                      |
 /// | nearest | the pixel under the centre                 | the same                       |

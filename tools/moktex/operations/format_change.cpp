@@ -4,8 +4,8 @@
 //     convertImages()   pixels -> pixels     bands of rows
 //     encodeImages()    pixels -> any        bands of rows of blocks; MOKTC and dithered formats by whole levels
 //
-// Each band is a texture of its own, which Transcode() converts. The codecs of DXT, ETC1, packed YUV and 1 bit a pixel code every
-// block for itself, so that the bytes of a band do not depend on where it was cut.
+// Each band is a texture of its own, which Transcode() converts. The codecs of DXT, ETC1, packed YUV and 1 bit per pixel code
+// every block independently, so that the bytes do not depend on where the bands begin.
 
 #include "moktex/operations/format_change.h"
 
@@ -33,7 +33,7 @@ constexpr float belowOne = 0x1.FFFFFEp-1F;
 struct ValueRange {
     float low;
     float high;
-    float smallest;  ///< nearer to zero than this counts as zero
+    float smallest;  ///< values nearer to zero count as zero
 };
 
 ValueRange rangeOf(const TextureFormat& format) {
@@ -59,7 +59,7 @@ bool clampValues(std::span<float> values, const ValueRange& range) {
     return clamped;
 }
 
-/// Whether a conversion takes floats as an intermediate step: because values could be out of range, or would be rounded twice,
+/// Whether a conversion goes through floats, because values could be out of range, or would be rounded twice,
 /// before and after the curve.
 bool needsFloats(const TextureFormat& source, const TextureFormat& target, bool hasCurve) {
     if (target.channelType == eVarFloat && !isCompressed(target.pixelType) && widestChannel(target) == 32) return false;
@@ -82,7 +82,7 @@ AlphaKept alphaKept(PixelType format) {
     return info.codec == eCodecMOKTC ? AlphaKept::all : AlphaKept::none;
 }
 
-/// What a conversion loses, gathered from all bands.
+/// What a conversion loses, collected from all bands.
 struct Losses {
     std::atomic<bool> clamps = false;
     std::atomic<bool> hasAlpha = false;
@@ -107,7 +107,7 @@ void transcode(CMOKTexture& texture, const FormatChange& change, const std::stri
     }
 }
 
-/// Notes the alpha of pixels that are about to lose it.
+/// Records the alpha of pixels that are about to lose it.
 void inspectAlpha(const CMOKTexture& band, const TextureFormat& target, const std::string& name, Losses& losses) {
     if (alphaKept(target.pixelType) == AlphaKept::all || alphaKept(band.getPixelType()) == AlphaKept::none) return;
     CMOKTexture bytes;

@@ -22,7 +22,7 @@ struct PlannedTexture {
     EMOKTColourSpace colourSpace;
     bool isPremultiplied;
     bool hasBorder;
-    bool hasMadeLevels = false;  ///< the levels come from --mipmaps, not from the input
+    bool hasMadeLevels = false;  ///< --mipmaps made the levels; they are not those of the input
     bool holdsNormals = false;
 };
 
@@ -40,7 +40,8 @@ public:
     ImageOperation(const ImageOperation&) = delete;
     ImageOperation& operator=(const ImageOperation&) = delete;
 
-    /// Updates the plan to the state after the operation. A Failure if the operation would damage the texture or do nothing.
+    /// Updates the plan to the state after the operation. Throws a Failure if the operation would damage the texture or do
+    /// nothing.
     virtual void plan(PlannedTexture& texture) const = 0;
     /// Turns the size after the operation into the size needed before it; false if there is none.
     virtual bool undoSize(PlannedSize&) const { return true; }
@@ -75,7 +76,7 @@ std::string operationHelp();
 /// A number of 1 to 65536, or 0 for anything else.
 std::uint32_t parseEdge(const std::string& text);
 
-/// @name Each creates the operation of an option from its value. A Failure for invalid values.
+/// @name Each creates the operation of an option from its value. Throws a Failure for invalid values.
 /// @{
 OperationPointer parseMipmaps(const std::string& text, const std::string& value);
 OperationPointer parseColourMips(const std::string& text, const std::string& value);

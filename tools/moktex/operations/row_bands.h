@@ -6,11 +6,11 @@
 #include "moktex/formats/Image.h"
 
 /// @file
-/// Work on images by bands of rows, so that what the library needs beside an image is a few MiB however large the image is.
+/// Work on images by bands of rows, so that the library needs only a few MiB beside an image of any size.
 
 namespace moktextool {
 
-/// Pixels of a band, if nothing else is asked for: about what a processor's cache holds.
+/// Default number of pixels in a band: about what a processor's cache holds.
 inline constexpr std::uint64_t defaultBandPixels = std::uint64_t{1} << 18;
 
 /// Rows that follow each other, counted through all slices.
@@ -27,7 +27,8 @@ struct BandCut {
     std::uint32_t step = 1;  ///< all bands but the last have a multiple of these rows
 };
 
-/// Calls `work` for every band, from several threads at once, in no order. The first exception ends it and is raised again.
+/// Calls `work` for every band, from several threads at once, in no order. The first exception stops the work and is thrown
+/// again.
 void forEachBand(const BandCut& cut, const std::function<void(const RowBand&)>& work);
 
 /// A texture of `count` rows of one slice, with room for pixels.

@@ -26,14 +26,14 @@ struct DecodedPicture {
     std::uint32_t height = 0;
     TextureFormat format = rgba8Format;  ///< that, rgba16Format or rgbaFloatFormat
     std::unique_ptr<unsigned char[], FreeMemory> pixels;
-    std::vector<std::string> warnings;  ///< what the file asks for and is not done
-    std::vector<std::string> notes;     ///< what it asks for and is done
+    std::vector<std::string> warnings;  ///< properties of the file that are ignored
+    std::vector<std::string> notes;     ///< properties of the file that were applied
 
     std::size_t pixelSize() const { return format == rgba8Format ? 4 : format == rgba16Format ? 8 : 16; }
     std::size_t rowSize() const { return width * pixelSize(); }
 };
 
-/// A Failure that names `file` if a side is 0 or there are more pixels than a picture may have.
+/// Throws a Failure that names `file` if a side is 0 or there are more pixels than a picture may have.
 void requirePictureSize(std::uint32_t width, std::uint32_t height, const std::string& file);
 
 /// A picture of a size that is allowed, whose pixels are not set yet. Raises `std::bad_alloc`.

@@ -4,14 +4,14 @@
 
 namespace moktextool {
 
-/// Decodes a JPEG file to RGBA8 and turns it upright as its EXIF data says.
-/// A Failure that names `file` if it is broken or too large.
+/// Decodes a JPEG file to RGBA8, rotated and mirrored upright by the orientation in its EXIF data.
+/// Throws a Failure that names `file` if it is broken or too large.
 DecodedPicture decodeJPEG(std::span<const unsigned char> bytes, const std::string& file);
 
 /// Which library decodeJPEG() uses. Their pixels differ by a few units: see README.md.
 const char* nameOfJPEGLibrary();
 
-/// @name The two ways of decoding a JPEG file, before it is turned.
+/// @name The two ways of decoding a JPEG file, before it is turned upright.
 /// @{
 
 /// By stb, after all that it does not check itself: the segments and Huffman tables.

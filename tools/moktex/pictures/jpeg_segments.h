@@ -8,7 +8,7 @@
 
 namespace moktextool {
 
-/// What a JPEG file says beside its pixels.
+/// The properties of a JPEG file beside its pixels.
 struct JPEGSegments {
     std::uint64_t pixels = 0;             ///< of the largest frame
     unsigned int orientation = 1;         ///< EXIF's, 1 to 8
@@ -17,7 +17,7 @@ struct JPEGSegments {
     std::string problem;                  ///< why the file is broken; "" if its segments and Huffman tables are sound
 };
 
-/// The most pixels that a byte of a JPEG file can stand for: a block takes a bit at least.
+/// The most pixels that a byte of a JPEG file can encode: a block takes at least one bit.
 inline constexpr std::uint64_t mostJPEGPixelsPerByte = 8 * 64;
 
 /// Whether a file starts as JPEG, maybe with bytes that fill, which not every reader accepts there.

@@ -17,7 +17,7 @@ constexpr std::string_view signature = "\x89PNG\r\n\x1A\n";
 constexpr std::size_t chunkFrame = 12;  // length, name and checksum
 constexpr std::size_t headerEnd = 8 + chunkFrame + 13;
 
-/// What a PNG file says about its values.
+/// How a PNG file describes its values.
 struct Remarks {
     bool isSRGB = false, hasProfile = false;
     std::string profile;

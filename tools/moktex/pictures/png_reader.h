@@ -8,7 +8,7 @@ namespace moktextool {
 bool isPNG(std::span<const unsigned char> bytes);
 
 /// Decodes a PNG file: 16 bits a channel to RGBA16, others to RGBA8, both without loss. Turns it upright if it has EXIF data.
-/// A Failure that names `file` if it is broken or too large.
+/// Throws a Failure that names `file` if it is broken or too large.
 DecodedPicture decodePNG(std::span<const unsigned char> bytes, const std::string& file);
 
 #ifdef MOKTEX_HAS_LIBPNG

@@ -58,7 +58,7 @@ int predict(unsigned int filter, int left, int above, int aboveLeft) {
     return toAbove <= toBoth ? above : aboveLeft;
 }
 
-/// Appends the row behind the number of its best filter.
+/// Appends the number of the row's best filter, then the filtered row.
 void putFiltered(std::vector<unsigned char>& target, const Row& row, const Row& above) {
     std::vector<unsigned char> best, filtered(row.size() + 1);
     std::uint64_t smallest = ~std::uint64_t{0};

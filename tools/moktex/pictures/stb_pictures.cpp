@@ -32,7 +32,7 @@ namespace {
 
 constexpr std::size_t largestInt = std::numeric_limits<int>::max();
 
-/// Takes over pixels that stb has allocated by malloc().
+/// Takes ownership of pixels that stb has allocated by malloc().
 DecodedPicture takePixels(void* pixels, int width, int height, const TextureFormat& format, const std::string& file) {
     if (pixels == nullptr) {
         const std::string reason = stbi_failure_reason();

@@ -16,7 +16,7 @@ namespace moktextool {
 std::uint64_t countPixelsByStb(std::span<const unsigned char> bytes);
 
 /// Decodes such a file: HDR to rgbaFloatFormat, a PNG of 16 bits to rgba16Format, others to rgba8Format.
-/// A Failure that names `file` if it is broken or too large.
+/// Throws a Failure that names `file` if it is broken or too large.
 DecodedPicture decodeByStb(std::span<const unsigned char> bytes, const std::string& file);
 
 /// Compresses bytes as zlib does, the same on every system. Empty if there are too many.

@@ -4,10 +4,11 @@
 
 namespace moktextool {
 
-/// What lack of memory is called on the error stream.
+/// The message on the error stream if memory is short.
 inline constexpr const char* noMemoryMessage = "moktex: not enough memory; use smaller pictures or close other programs\n";
 
-/// Prints an exception as one line on standard error, and null as lack of memory for the exception itself. Takes no memory.
+/// Prints an exception as one line on standard error. Null stands for an exception that could not be stored for lack of
+/// memory. Allocates nothing.
 void printException(const std::exception_ptr& exception);
 
 }  // namespace moktextool
