@@ -91,7 +91,7 @@ bool write(const CMOKTexture& texture, ETextureContainer container, EContainerLa
 }  // namespace
 
 const char* describe(ESaveStatus status) {
-    static constexpr std::array<const char*, 7> sentences = {
+    static constexpr std::array<const char*, 8> sentences = {
         "The texture can be saved.",
         "The texture has no pixels.",
         "The container has no number for the pixel format and channel type.",
@@ -99,12 +99,13 @@ const char* describe(ESaveStatus status) {
         "The container cannot mark the colours as premultiplied by alpha.",
         "The container cannot hold so many layers, faces or slices.",
         "Writing failed.",
+        "The texture is too large: its size does not fit in 32 bits.",
     };
     return status < sentences.size() ? sentences[status] : "The status is unknown.";
 }
 
 ESaveStatus CheckContainer(const CMOKTextureHeader& header, ETextureContainer container, EContainerLayout layout) {
-    if (!sizesFit32Bits(header)) return eSaveNoPixels;
+    if (!sizesFit32Bits(header)) return eSaveTooLarge;
     return findObstacle(header, testOf(container, layout));
 }
 
@@ -112,7 +113,8 @@ ESaveStatus CheckLegacyFile(const CMOKTextureHeader& header, ELegacyApi api) {
     const LegacyFormat wanted = {header.getPixelType(), header.getChannelType(), header.getColourSpace(),
                                  header.isPreMultiplied()};
     const std::optional<std::uint8_t> number = legacyNumberOf(wanted, api);
-    if (!sizesFit32Bits(header) || header.getDataSize() == 0) return eSaveNoPixels;
+    if (!sizesFit32Bits(header)) return eSaveTooLarge;
+    if (header.getDataSize() == 0) return eSaveNoPixels;
     if (!number) return eSaveNoFormat;
     const LegacyFormat read = formatOfLegacyNumber(*number);
     if (!haveSameBits(read.format, read.channelType, wanted.format, wanted.channelType)) return eSaveNoFormat;

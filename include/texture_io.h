@@ -84,6 +84,7 @@ enum ESaveStatus : unsigned int {
     eSaveNoPremultiplied = 4,  ///< the container cannot mark colours as premultiplied by alpha
     eSaveNoShape = 5,          ///< the container cannot hold so many layers, faces or slices
     eSaveNotWritten = 6,       ///< writing failed
+    eSaveTooLarge = 7,         ///< the texture's size does not fit in 32 bits
 };
 
 /// A sentence in English for a status; a static string.

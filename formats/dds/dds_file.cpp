@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "core/texture/TextureInternals.h"
 #include "core/texture/subresources.h"
@@ -165,6 +166,20 @@ bool writeDDSFile(const CMOKTexture& texture, ByteWriter& target) {
 bool readBackDDSHeader(const CMOKTextureHeader& header, CMOKTextureHeader& readBack) {
     DDSHeader dds = makeDDSHeader(header);
     return makePixelFormat(header.getD3DFormat(), dds.pixelFormat) && applyHeader(dds, readBack) == eLoadOk;
+}
+
+bool isOwnDDS(ByteReader& source) {
+    DDSHeader file;
+    CMOKTextureHeader header;
+    bool isOwn = readHeader(source, file) == eLoadOk && applyHeader(file, header) == eLoadOk && sizesFit32Bits(header);
+    if (isOwn) {
+        DDSHeader own = makeDDSHeader(header);
+        const std::uint32_t layerSize = header.getDataSize();
+        isOwn = makePixelFormat(header.getD3DFormat(), own.pixelFormat) && std::memcmp(&own, &file, sizeof(own)) == 0 &&
+                layerSize != 0 && source.remaining() != 0 && source.remaining() % layerSize == 0;
+    }
+    source.seek(0);
+    return isOwn;
 }
 
 }  // namespace moktexture

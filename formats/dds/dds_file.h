@@ -26,4 +26,8 @@ bool writeDDSFile(const CMOKTexture& texture, ByteWriter& target);
 /// The header that a reader makes of the file of a texture with that header; false if there is no such file.
 bool readBackDDSHeader(const CMOKTextureHeader& header, CMOKTextureHeader& readBack);
 
+/// Whether writeDDSFile() could have written the file: its header is, bit by bit, the one that this library writes for what it
+/// reads there, and the pixels are those of whole layers without padding. The source is rewound.
+bool isOwnDDS(ByteReader& source);
+
 }  // namespace moktexture

@@ -62,7 +62,8 @@ EMOKTVariableType typeOfWidth(unsigned int bits, bool isSigned) {
 }  // namespace
 
 std::optional<UncompressedLayout> layoutFromMasks(const PixelMasks& masks) {
-    if (masks.bitCount == 0 || masks.bitCount > 32 || masks.bitCount % 8 != 0) return std::nullopt;
+    if (masks.masks == decltype(masks.masks){} || masks.bitCount == 0 || masks.bitCount > 32 || masks.bitCount % 8 != 0)
+        return std::nullopt;
     std::vector<Field> fields = fieldsOf(masks);
     if (fields.empty() || fields.size() > 4) return std::nullopt;
     const unsigned int width = fields[0].bits;

@@ -390,16 +390,6 @@ void setUnusedBits(CMOKTexture& texture) {
 
 }  // namespace
 
-bool isOwnDDS(ByteReader& source) {
-    DDSHeaders file;
-    const bool isRead = readDDSHeaders(source, file) == eLoadOk;
-    source.seek(0);
-    const ClassicHeader& header = file.classic;
-    const std::uint32_t flags = flagsAlways | (header.mipMapCount > 1 ? flagMipMapCount : 0);
-    return isRead && !file.isExtended() && header.flags == flags && header.pitchOrLinearSize == 0 && header.depth == 0 &&
-           header.mipMapCount > 0 && std::ranges::all_of(header.writer.name, [](char letter) { return letter == 0; });
-}
-
 ELoadStatus readStandardDDS(ByteReader& source, const LoadLimits& limits, CMOKTexture& texture) {
     DDSHeaders file;
     CMOKTextureHeader header;

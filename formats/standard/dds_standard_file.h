@@ -16,9 +16,6 @@
 
 namespace moktexture {
 
-/// Whether the header is one that CMOKTexture::saveFile() writes and the constructors read. Leaves the source at its start.
-bool isOwnDDS(ByteReader& source);
-
 /// Reads a file into a default texture. Nothing beside the limits is trusted; on failure the texture is unspecified.
 ELoadStatus readStandardDDS(ByteReader& source, const LoadLimits& limits, CMOKTexture& texture);
 

@@ -238,6 +238,12 @@ PublishedMatch findByNumber(std::uint32_t number, Field field) {
     return {};
 }
 
+/// The sized number of an unsized sRGB format: GL_SRGB, GL_SRGB_ALPHA, GL_SLUMINANCE_ALPHA, GL_SLUMINANCE. Others stay.
+std::uint32_t sizedSRGB(std::uint32_t glInternalFormat) {
+    const bool isUnsized = glInternalFormat >= 0x8C40 && glInternalFormat <= 0x8C46 && glInternalFormat % 2 == 0;
+    return isUnsized ? glInternalFormat + 1 : glInternalFormat;
+}
+
 }  // namespace
 
 std::span<const PublishedFormat> publishedFormats() {
@@ -276,10 +282,11 @@ PublishedMatch findByOpenGL(std::uint32_t glType, std::uint32_t glFormat, std::u
         const PublishedMatch match = findByNumber(glInternalFormat, &PublishedFormat::glInternal);
         return match.format != nullptr && match.format->glFormat == 0 ? match : PublishedMatch{};
     }
+    const std::uint32_t sized = sizedSRGB(glInternalFormat);
     // GL_UNSIGNED_BYTE with GL_RGBA is shared by several internal formats; the bytes are the same.
     for (const PublishedFormat& row : publishedRows) {
         if (row.glType != glType || row.glFormat != glFormat || glType == 0) continue;
-        const bool isSRGB = row.glInternal.sRGB != 0 && row.glInternal.sRGB == glInternalFormat;
+        const bool isSRGB = row.glInternal.sRGB != 0 && row.glInternal.sRGB == sized;
         return {&row, isSRGB ? eColourSpaceSRGB : eColourSpaceLinear};
     }
     return {};

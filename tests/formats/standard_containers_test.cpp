@@ -262,6 +262,10 @@ TEST(StandardKTX1, ReadsUnsizedFormatsAndCountsOfZeroAndOrientations) {
     EXPECT_EQ(pixelsOf(loaded), pixelsOf(texture));
     for (const EMOKTAxis axis : {eAxisX, eAxisY, eAxisZ})
         EXPECT_EQ(loaded.getOrientation(axis), texture.getOrientation(axis)) << axis;
+    EXPECT_EQ(loaded.getColourSpace(), eColourSpaceLinear);
+    setWord(image, 28, 0x8C42);  // GL_SRGB_ALPHA
+    ASSERT_EQ(load(image, loaded), eLoadOk);
+    EXPECT_EQ(loaded.getColourSpace(), eColourSpaceSRGB);
 }
 
 TEST(StandardKTX2, ReadsZstandardWhereItWasBuiltIn) {
@@ -314,6 +318,7 @@ TEST(StandardDDS, ReadsTheHeadersOfOtherTools) {
         {"A8L8",                      pitch,    8,     1,    luminance | 1,      0,          16,   0xFF,       0,          0,          0xFF00,     {'l', 'a', 0, 0, 8, 8, 0, 0},           eVarUByteNorm},
         {"DXT1 with a size",          0x80000,  8,     0,    fourCC,             0x31545844, 0,    0,          0,          0,          0,          eFmtDXT1,                               eVarUByteNorm},
         {"ATI2",                      0x80000,  16,    1,    fourCC,             0x32495441, 0,    0,          0,          0,          0,          eFmtBC5,                                eVarUByteNorm},
+        {"R16F without a pitch",      0,        0,     1,    fourCC,             111,        0,    0,          0,          0,          0,          {'r', 0, 0, 0, 16, 0, 0, 0},           eVarFloat},
         {"A16B16G16R16F",             pitch,    32,    1,    fourCC,             113,        0,    0,          0,          0,          0,          {'r', 'g', 'b', 'a', 16, 16, 16, 16},   eVarFloat},
     };
     // clang-format on
@@ -344,9 +349,13 @@ TEST(StandardDDS, BitsWithoutAMeaningAreSet) {
     EXPECT_EQ(pixelsOf(texture), (Bytes{0x33, 0x22, 0x11, 0xFF, 0x66, 0x55, 0x44, 0xFF}));
 }
 
-TEST(StandardDDS, ReadsRowsThatArePaddedToFourBytes) {
+/// With a pitch, and without: then the header is the one that the library's own arrangement has.
+class StandardDDSRows : public testing::TestWithParam<bool> {};
+INSTANTIATE_TEST_SUITE_P(WithAndWithoutPitch, StandardDDSRows, testing::Bool());
+
+TEST_P(StandardDDSRows, MayBePaddedToFourBytes) {
     Bytes image;
-    appendWords(image, {0x20534444, 124, 0x100F, 2, 3, 12, 0, 1});
+    appendWords(image, {0x20534444, 124, GetParam() ? 0x100Fu : 0x1007u, 2, 3, GetParam() ? 12u : 0u, 0, 1});
     image.resize(76);
     appendWords(image, {32, 0x40, 0, 24, 0xFF0000, 0xFF00, 0xFF, 0, 0x1000, 0, 0, 0, 0});
     for (const unsigned char row : {1, 2}) {
