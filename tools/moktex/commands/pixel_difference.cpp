@@ -66,7 +66,7 @@ ChannelDifferences differencesOf(const DifferenceSums& sums, double peak, const 
     };
     if (sums.pixels == 0 || std::any_of(differences.begin(), differences.end(), isNotANumber))
         throw Failure(ExitStatus::workFailed, file,
-                      "the difference is no number, so nothing is known of it; check that both have pixels");
+                      "the difference cannot be computed; check that both files have pixels and no NaN");
     return differences;
 }
 

@@ -107,7 +107,7 @@ void readMore(std::istream& stream, Bytes& bytes, std::uint64_t count, const std
     if (limit <= headSize)
         throw Failure(
             ExitStatus::invalidInput, name,
-            "neither a texture nor a picture of a known kind; use a .mok, .ktx or .dds file, or a PNG, JPEG, TGA, BMP or "
+            "neither a texture nor a picture of a known kind; use a .mok, .ktx, .ktx2 or .dds file, or a PNG, JPEG, TGA, BMP or "
             "HDR picture");
     throw Failure(ExitStatus::invalidInput, name,
                   "longer than its header allows, which is " + std::to_string(limit) + " bytes; export it again");

@@ -27,7 +27,8 @@ Failure loadFailure(ELoadStatus status, const std::string& name) {
         case eLoadTooLarge:
             return {ExitStatus::notSupported, name, what + "; use a smaller texture"};
         case eLoadUnsupported:
-            return {ExitStatus::notSupported, name, what + "; export it without supercompression, or as a picture"};
+            return {ExitStatus::notSupported, name,
+                    what + "; export it in a format that 'moktex formats' lists, without supercompression, or as a picture"};
         case eLoadTruncated:
             return {ExitStatus::invalidInput, name, what + "; copy or export it again"};
         case eLoadCorrupt:

@@ -258,7 +258,7 @@ bool averages(const Conversion& conversion) {
 void noteAveraging(const Conversion& conversion) {
     const auto& request = conversion.request;
     if (conversion.resizes() && conversion.source().getNumMIPLevels() > 1 && !makesLevels(request))
-        conversion.console.note(conversion.name + ": only the first level is resized, the others are dropped");
+        conversion.console.warn(conversion.name + ": only the first level is resized, the others are dropped");
     if (!averages(conversion) || conversion.holdsNormals) return;
     const bool isSRGB = conversion.source().getColourSpace() == eColourSpaceSRGB;
     conversion.console.note(!isSRGB ? "colours that are not marked as sRGB are averaged as they are stored"
@@ -278,14 +278,24 @@ void operate(const Conversion& conversion, ImageSet& images) {
     }
 }
 
+/// Tells what the texture says of its pixels and a picture cannot say.
+void warnOfLostMeaning(const Conversion& conversion, const CMOKTextureHeader& header) {
+    if (header.isPreMultiplied())
+        conversion.console.warn(conversion.name + ": the colours are premultiplied by alpha, which the picture does not say");
+    if ((header.getOrientation(eAxisX) | header.getOrientation(eAxisY)) != eOrientRight)
+        conversion.console.warn(conversion.name +
+                                ": the rows or columns run backwards, which the picture does not say; use --flip");
+}
+
 /// The image of the result that is written as a picture, in the format of the file.
 Image makePicture(const Conversion& conversion, ImageSet images) {
     const auto& request = conversion.request;
     const TextureFormat format = pictureFormat(conversion.target);
+    warnOfLostMeaning(conversion, images.header);
     if (widestChannel(formatOf(conversion.source())) > 8 && format == rgba8Format)
-        conversion.console.note(conversion.name + ": the picture is written with 8 bits a channel");
+        conversion.console.warn(conversion.name + ": the picture is written with 8 bits a channel");
     if (images.surface(0, 0)[request.level].getSize().depth > 1)
-        conversion.console.note(conversion.name + ": the picture holds the first slice of the volume");
+        conversion.console.warn(conversion.name + ": the picture holds the first slice of the volume");
     ImageSet image = takeImage(std::move(images), request.level, request.layer, request.face);
     const FormatChange change{conversion.target, conversion.colourSpace, conversion.quality, request.dither};
     if (isCompressed(conversion.target.pixelType))
@@ -336,7 +346,7 @@ void convertFile(const ConversionRequest& request, const std::string& input, con
 
     const CMOKTexture texture = makeTexture(conversion);
     const std::string caveat = containerCaveat(texture, {output, request.legacyApi, false, request.layout});
-    if (!caveat.empty()) console.note(output + ": " + caveat);
+    if (!caveat.empty()) console.warn(output + ": " + caveat);
     const std::size_t bytes = writeTexture(texture, {output, request.legacyApi, request.overwrites, request.layout}, console);
     report(texture, output, bytes, console);
 }

@@ -89,7 +89,7 @@ struct Losses {
     std::atomic<bool> hasHalfAlpha = false;  ///< neither 0 nor opaque
 
     void tell(const TextureFormat& target, const Workplace& place) const {
-        if (clamps) place.console.note(place.name + ": values that " + nameOf(target) + " cannot hold are clamped");
+        if (clamps) place.console.warn(place.name + ": values that " + nameOf(target) + " cannot hold are clamped");
         const AlphaKept kept = alphaKept(target.pixelType);
         if (kept == AlphaKept::none && hasAlpha)
             place.console.warn(place.name + ": " + nameOf(target) + " has no alpha; that of the pixels is dropped");

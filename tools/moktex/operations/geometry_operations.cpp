@@ -22,7 +22,7 @@ public:
 
     void plan(PlannedTexture& texture) const override {
         if (axis == eAxisZ && texture.size.depth == 1)
-            texture.console.note(texture.name + ": " + text + " changes nothing, because there is only one slice");
+            texture.console.warn(texture.name + ": " + text + " changes nothing, because there is only one slice");
     }
     void apply(ImageSet& images, const OperationContext& context) const override {
         if (axis == eAxisX)
@@ -115,7 +115,7 @@ public:
         if (texture.hasMadeLevels)
             refuse(texture, ExitStatus::commandLine, "drops the levels that --mipmaps made; give it before --mipmaps");
         if (size.levels > 1)
-            texture.console.note(texture.name + ": " + text + " keeps only the first level; --mipmaps after it makes new ones");
+            texture.console.warn(texture.name + ": " + text + " keeps only the first level; --mipmaps after it makes new ones");
         size = {size.width + 2 * x, size.height + 2 * y, size.depth, 1};
         if (std::max(size.width, size.height) > largestEdge)
             refuse(texture, ExitStatus::notSupported,
