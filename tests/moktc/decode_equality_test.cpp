@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <utility>
 
 #include "moktc/decode/decode_cells.h"
@@ -89,17 +88,6 @@ TEST(MOKTCDecodeEquality, RandomBlocksDecodeAsInTheSecondImplementation) {
             all.insert(all.end(), pixels.begin(), pixels.end());
         }
         EXPECT_EQ(testimages::digest(all), digests[i]) << allVariants[i] << std::hex << " 0x" << testimages::digest(all);
-    }
-}
-
-TEST(MOKTCDecodeEquality, ReferencePixelWalkReadsFirstGenerationStreams) {
-    for (const Level& level : {Level{64, 16, allVariants[0]}, {64, 16, allVariants[1]}, {4, 4, allVariants[0]}}) {
-        const Bytes blocks = randomBlocks(level, 0, 0, 3);
-        PixelImage image = {level.width, level.height, std::vector<std::uint32_t>(level.width * level.height)};
-        DecodeImage(blocks.data(), {true, level.variant, true, false}, level.width, level.height, image);
-        Bytes pixels(image.pixels.size() * 4);
-        std::memcpy(pixels.data(), image.pixels.data(), pixels.size());
-        EXPECT_EQ(pixels, decodedByCells(level, blocks)) << level.width << ", " << level.variant;
     }
 }
 

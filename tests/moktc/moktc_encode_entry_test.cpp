@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <numeric>
-
 #include "moktc/amtc/amtc_localised.h"
 #include "moktc/moktc.h"
 #include "support/test_images.h"
@@ -68,27 +65,4 @@ TEST(MOKTCEncodeEntry, UsesTheSlowEncoderExceptAtQuality0OfTheFirstGeneration) {
                       size);
             EXPECT_EQ(blocks, expected) << width << " x " << height << " at " << quality;
         }
-}
-
-TEST(MOKTCBlockPadding, RepeatsTheLastColumnsAndRows) {
-    // clang-format off
-    const struct { std::uint32_t width, height; std::vector<std::uint32_t> columns, rows; } cases[] = {
-        // size    source of each column                                    source of each row
-        {  12, 6,  {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 8, 9, 10, 11},    {0, 1, 2, 3, 4, 5, 4, 5}},
-        {  5,  3,  {0, 1, 2, 3, 4, 2, 3, 4},                                {0, 1, 2, 2}},
-        {  3,  1,  {0, 1, 2, 0, 1, 2, 0, 1},                                {0, 0, 0, 0}}};  // smaller than the padding
-    // clang-format on
-    for (const auto& c : cases) {
-        std::vector<std::uint32_t> image(c.width * c.height), expected;
-        std::iota(image.begin(), image.end(), 0u);
-        for (const std::uint32_t y : c.rows)
-            for (const std::uint32_t x : c.columns)
-                expected.push_back(y * c.width + x);
-        std::vector<std::uint32_t> actual(expected.size());
-        const auto padded =
-            moktc::padByRepeating(packedImage(image.data(), c.width, c.height), static_cast<std::uint32_t>(c.columns.size()),
-                                  static_cast<std::uint32_t>(c.rows.size()));
-        std::memcpy(actual.data(), padded.data(), padded.size());
-        EXPECT_EQ(actual, expected) << c.width << " x " << c.height;
-    }
 }

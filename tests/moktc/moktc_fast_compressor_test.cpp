@@ -40,21 +40,18 @@ Bytes encode(const Image& image, std::uint32_t passes, std::uint32_t threads = 1
     return blocks;
 }
 
-template <class Compressor>
-Bytes encodeWith(const FastKernels& kernels, const Image& image) {
-    Compressor compressor(image.view(), kernels);
-    compressor.setIterations(8);
-    compressor.initialise(true);
-    MOKTCCompressorDriver(compressor, 1).run();
-    Bytes blocks(image.blockBytes(), 0xCD);
-    compressor.writeBlocks(blocks.data(), true);
-    return blocks;
-}
-
 /// What the scalar kernels give with 8 passes.
 Bytes encodeScalar(const Image& image) {
-    return image.rate == Rate::twoBpp ? encodeWith<MOKTC2bppCompressor>(scalarFastKernels, image)
-                                      : encodeWith<MOKTC4bppCompressor>(scalarFastKernels, image);
+    Bytes blocks(image.blockBytes(), 0xCD);
+    const auto encodeWith = [&blocks](auto&& compressor) {
+        compressor.setIterations(8);
+        compressor.initialise(true);
+        MOKTCCompressorDriver(compressor, 1).run();
+        compressor.writeBlocks(blocks.data(), true);
+    };
+    if (image.rate == Rate::twoBpp) encodeWith(MOKTC2bppCompressor(image.view(), scalarFastKernels));
+    if (image.rate == Rate::fourBpp) encodeWith(MOKTC4bppCompressor(image.view(), scalarFastKernels));
+    return blocks;
 }
 
 Block blockAt(const Bytes& blocks, std::uint64_t index) {
@@ -159,20 +156,6 @@ TEST(MOKTCCompressorDriver, GivesTheBytesOfTheSerialLoop) {
     EXPECT_EQ(twiddled, encode(image, 5));
     compressor.writeBlocks(linear.data(), false);
     EXPECT_EQ(blockAt(linear, 3 * 16 + 9).modulation, blockAt(twiddled, TwiddleIndex(16, 8, 9, 3)).modulation);
-}
-
-TEST(MOKTCFastCompressor, StartsFromTheDarkerOrLowerOfTwoColours) {
-    const std::uint32_t red = 0xFF00003B, green = 0xFF001E00, white = 0xFFFFFFFF;  // red and green have luminance 17
-    for (const auto& [one, other] : {std::pair(white, green), {green, white}, {red, green}, {green, red}, {red, red}}) {
-        Image image(4, 4, Rate::twoBpp);
-        for (std::uint32_t i = 0; i < image.width() * image.height(); ++i)
-            for (std::uint32_t shift = 0; shift < 32; shift += 8)
-                image.pixels.push_back(static_cast<std::uint8_t>((i % 4 == 2 ? other : one) >> shift));
-        Block expected = {0, 0};
-        packColourA(expected, std::min(one, other));
-        packColourB(expected, std::max(one, other));
-        EXPECT_EQ(blockAt(encode(image, 0), 5).colours & ~modeBit, expected.colours) << std::hex << one << ' ' << other;
-    }
 }
 
 TEST(MOKTCFastCompressor, TakesTheFirstOfEqualModesAndIndices) {

@@ -4,7 +4,6 @@
 #include <array>
 #include <string>
 
-#include "moktc/fast/colour_fit.h"
 #include "moktc/fast/fast_kernels.h"
 #include "support/test_images.h"
 
@@ -95,29 +94,6 @@ TEST(MOKTCFastKernels, ChooseTheSameModulationInEveryMode) {
     }
     for (const int count : {modes4bpp[0], modes4bpp[1], modes2bpp[0], modes2bpp[1], modes2bpp[2], modes2bpp[3]})
         EXPECT_GT(count, 20);
-}
-
-TEST(MOKTCColourFit, MovesColoursByTheRuleOfTheBlock) {
-    // Means over the block, and colours before and after, are equal in all four channels.
-    // clang-format off
-    const struct { float t, t2, e, et, threshold; std::uint32_t oldA, oldB, newA, newB; const char* what; } cases[] = {
-        // t     t*t      e       e*t    threshold  old A, B    new A, B
-        {  0.5f, 0.3f,    2.75f,  1.0f,  32.0f,     10,  20,    10,  20,  "residual below the threshold"},
-        {  0.0f, 0.0f,    4.0f,   0.0f,  64.0f,     10,  20,    14,  17,  "residual at the threshold"},
-        {  0.5f, 0.375f,  10.0f,  7.5f,  32.0f,     50,  50,    50,  70,  "line with slope 2.5 / 0.125"},
-        {  0.5f, 0.3125f, 0.0f,   20.0f, 0.0f,      120, 50,    20,  150, "correction limited to 100"},
-        {  0.5f, 0.375f,  40.0f,  20.0f, 0.0f,      250, 230,   255, 255, "colours limited to 255"},
-        {  0.5f, 0.25f,   40.0f,  20.0f, 32.0f,     100, 100,   120, 120, "equal weights share the residual"},
-        {  0.5f, 0.25f,   8.0f,   4.0f,  32.0f,     100, 140,   114, 134, "equal weights draw the colours together"},
-        {  0.5f, 0.25f,   100.0f, 50.0f, 32.0f,     240, 100,   228, 176, "equal weights limit first"},
-        {  0.0f, 0.0f,    19.5f,  0.0f,  32.0f,     100, 120,   119, 120, "equal weights keep a difference below 1"}};
-    // clang-format on
-    for (const auto& c : cases) {
-        const ResidualSums sums = {c.t, c.t2, {c.e, c.e, c.e, c.e}, {c.et, c.et, c.et, c.et}};
-        const RGBAPair fitted = fitColours(sums, {1, c.threshold}, {c.oldA * 0x01010101, c.oldB * 0x01010101});
-        EXPECT_EQ(fitted.a, c.newA * 0x01010101) << c.what;
-        EXPECT_EQ(fitted.b, c.newB * 0x01010101) << c.what;
-    }
 }
 
 TEST(MOKTCModulationEstimate, UsesNeighboursInsideTheBlockOnly) {

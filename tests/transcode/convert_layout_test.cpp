@@ -127,19 +127,6 @@ TEST(ConvertLayout, CountsThePixelsOfLargeTexturesIn64Bits) {
     }
 }
 
-TEST(ConvertLayout, ConvertsEveryLevelLayerAndFace) {
-    const Layout fromLayout{rgba8, u8}, toLayout{rgb565, u16};
-    for (const std::uint32_t width : {2u, 37u}) {
-        const CMOKTexture from = textureOf(rgba8, {width, 5, 1, 3, 2, 6});
-        CMOKTexture to = textureOf(rgb565, {width, 5, 1, 3, 2, 6}, eColourSpaceLinear, u16);
-        PixelCodec fromCodec = fromLayout.codec(), toCodec = toLayout.codec();
-        const int bytes = convertLayout(from, to, fromCodec, toCodec, eColourSpaceSRGB, eColourSpaceLinear);
-        EXPECT_EQ(bytes, static_cast<int>(to.getDataSize()));
-        // Both buffers are in the same order without gaps, so that the whole converts as one run.
-        EXPECT_EQ(bytesOf(to), converted(fromLayout, toLayout, spaces[1], bytesOf(from), from.getTextureSize()));
-    }
-}
-
 TEST(ConvertLayout, StaysInsideBothTexturesWhateverTheCodecsAre) {
     for (const Layout& layout : {Layout{rgba8, u8}, {rgb565, u16}, {PixelTypeRGBA32, real}}) {
         const CMOKTexture from = textureOf(rgb8, {20, 20, 1, 3, 2, 6});

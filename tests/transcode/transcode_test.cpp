@@ -28,13 +28,13 @@ Bytes encodedDXTn(const Bytes& pixels, std::uint32_t width, std::uint32_t height
     return blocks;
 }
 
-constexpr PixelType oneBitGrey('l', 0, 0, 0, 1, 0, 0, 0);
+constexpr PixelType oneBitGrey('l', 0, 0, 0, 1, 0, 0, 0), twoReds('r', 'r', 0, 0, 8, 8, 0, 0);
 
 }  // namespace
 
 TEST(Transcode, ConvertsOnlyIfTheFormatDiffers) {
     // A layout with an error converts to zeros, so that zeroed pixels show a conversion.
-    const PixelType twoReds('r', 'r', 0, 0, 8, 8, 0, 0), fourReds('r', 'r', 'r', 'r', 8, 8, 8, 8);
+    const PixelType fourReds('r', 'r', 'r', 'r', 8, 8, 8, 8);
     constexpr auto linear = eColourSpaceLinear;
     // clang-format off
     const struct { PixelType source, target; EMOKTVariableType channelType; EMOKTColourSpace colourSpace;
@@ -219,7 +219,6 @@ TEST(CodecTable, HasTheDecodersAndEncodersThatTheFormatTableStates) {
 }
 
 TEST(Transcode, TheStatusTellsBeforehandWhatCanBeConverted) {
-    const PixelType twoReds('r', 'r', 0, 0, 8, 8, 0, 0);
     // clang-format off
     const struct { PixelType source; std::uint32_t width, height, depth; PixelType target; EMOKTVariableType type; ETranscodeStatus status; } cases[] = {
         // Source        Width  Height Depth Target             Type            Status
@@ -235,8 +234,7 @@ TEST(Transcode, TheStatusTellsBeforehandWhatCanBeConverted) {
         {PixelTypeRGBA8, 8,     8,     1,    twoReds,           eVarUByteNorm,  eTranscodeNoEncoder},
         {PixelTypeRGBA8, 8,     8,     1,    PixelTypeRGBA8,    eVarNone,       eTranscodeNoEncoder},
         {eFmtBC4,        8,     8,     1,    PixelTypeRGBA8,    eVarUByteNorm,  eTranscodeNoDecoder},
-        {PixelTypeRGBA8, 65536, 65536, 1,    PixelTypeRGBA8,    eVarUByteNorm,  eTranscodeTooLarge},
-    };
+        {PixelTypeRGBA8, 65536, 65536, 1,    PixelTypeRGBA8,    eVarUByteNorm,  eTranscodeTooLarge}};
     // clang-format on
     for (const auto& item : cases) {
         SCOPED_TRACE(&item - cases);
@@ -247,10 +245,5 @@ TEST(Transcode, TheStatusTellsBeforehandWhatCanBeConverted) {
         CMOKTexture texture(header, nullptr);
         EXPECT_EQ(TranscodeTexture(texture, item.target, item.type, eColourSpaceLinear, eCompressorQuality0), item.status);
         EXPECT_EQ(texture.getPixelType(), item.status == eTranscodeOk ? item.target : item.source);
-        CMOKTexture converted(header, nullptr);
-        const bool succeeds = Transcode(converted, item.target, item.type, eColourSpaceLinear, eCompressorQuality0);
-        if (item.status == eTranscodeOk) {
-            EXPECT_TRUE(succeeds);
-        }
     }
 }

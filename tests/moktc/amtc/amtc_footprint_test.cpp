@@ -127,8 +127,7 @@ TEST(AmtcFootprintStatistics, CountTransparencyByRateAndGeneration) {
         {Format{4, 1}, hidden,  0, {50, 60, 70,   0}},
         {Format{4, 1}, nothing, 1, {90, 90, 90, 200}},
         {Format{2, 0}, hidden,  0, {50, 60, 70,   0}},
-        {Format{2, 1}, nothing, 0, { 0,  0,  0,   0}},
-    };
+        {Format{2, 1}, nothing, 0, { 0,  0,  0,   0}}};
     // clang-format on
     for (const auto& [format, pixel, isTransparent, opaqueLeast] : cases) {
         const std::size_t left = format.settings.blockWidth / 2u;
@@ -171,24 +170,6 @@ TEST(AmtcFootprintStatistics, OfOneOpaqueColourKeepAnUndividedMeanAndMakeTheWhol
     const BlockRecord first = at4Bits.analyse(columns(1, rgba(200, 100, 40, 0), roundToRGBA(colour)));
     expectFlat(first.reps[opaqueRep], colour, {200, 100, 40, 255}, colour, colour);
     expectFlat(first.reps[wholeRep], colour, {200, 100, 40, 249}, {200, 100, 40, 0}, colour);
-}
-
-TEST(AmtcDetailStatistics, VanishOnTheInterpolatedMeansThemselves) {
-    constexpr std::size_t down[] = {0, 16, 64, 0}, across[] = {8, 104, 40, 0};
-    const auto between = [](const std::size_t* values, std::size_t at, std::size_t side) {
-        return (values[at / side] * (side - at % side) + values[at / side + 1] * (at % side)) / side;
-    };
-    NeighbourMeans means;
-    for (std::size_t i = 0; i < means.size(); ++i)
-        means[i].fill(static_cast<std::uint8_t>(down[i / 3] + across[i % 3]));
-    for (const Format& format : {Format{4, 0}, Format{2, 1}}) {
-        const auto grey = [&](std::size_t y, std::size_t x) {
-            return static_cast<std::uint32_t>(between(down, y, 4) + between(across, x, format.settings.blockWidth)) * 0x01010101;
-        };
-        const BlockRecord block = format.analyse(grey, means);
-        for (const RepIndex rep : {detailRep, opaqueDetailRep})
-            expectFlat(block.reps[rep], {}, {120, 120, 120, 120}, toVector(0x78787878), toVector(0x78787878));
-    }
 }
 
 TEST(AmtcDetailStatistics, DescribeColoursAroundTheBlocksMean) {

@@ -125,48 +125,6 @@ TEST(AmtcPasses, DoNotRefineImagesOneBlockHigh) {
     EXPECT_NE(level.compressed(1, 2), level.packed());
 }
 
-TEST(AmtcVisits, SkipABlockWhoseNeighboursHaveNotChanged) {
-    // clang-format off
-    const struct { std::uint32_t across, ownChange, neighbourChange; bool isVisited; } cases[] = {
-     // blocks across, steps of its own and of its neighbour's last change, visited
-        {4, 8, 7, false}, {4, 0, 8, true}, {1, 8, 7, true}};  // alone in its row it is its own neighbour
-    // clang-format on
-    for (const auto& [across, ownChange, neighbourChange, isVisited] : cases) {
-        VisitedLevel level(Kind::edges, {across, 4, 4, 1});
-        level.settings.forceVisit = 0;
-        level.rows[0][across - 1].lastChanged = neighbourChange;  // across the left edge
-        level.rows[1][0].lastChanged = ownChange;
-        level.rows[1][0].lastVisited = 8;
-        EXPECT_EQ(level.visit(1, 0, 20).lastVisited == 20, isVisited) << across << ' ' << neighbourChange;
-    }
-}
-
-TEST(AmtcVisits, KeepTheBestCandidatesInOrderAndRecordChanges) {
-    for (const Kind kind : testimages::allKinds) {
-        VisitedLevel level(kind, {3, 4, 4, 1});
-        for (std::uint32_t step = 1; step <= 4; ++step) {
-            level.settings.refineIterations = step == 4 ? 1 : 3;  // one iteration counts as a change
-            level.forEach([&](const BlockRecord& block, std::uint32_t row, std::uint32_t column) {
-                const BlockRecord before = block;
-                level.visit(row, column, step);
-                bool hasChanged = block.bestMode != before.bestMode || step == 4;
-                for (std::size_t mode = 0; mode < 4; ++mode) {
-                    const RepStart& record = block.repStarts[mode];
-                    hasChanged |= record.candidates[0].colours() != before.repStarts[mode].candidates[0].colours();
-                    EXPECT_GE(record.candidates[0].error, block.best().error + (mode < block.bestMode)) << "earlier modes win";
-                    ASSERT_GE(record.count, 1u);
-                    ASSERT_LE(record.count, maxCandidates);
-                    for (std::size_t i = 1; i < record.count; ++i) {
-                        EXPECT_LE(record.candidates[i - 1].error, record.candidates[i].error);
-                        EXPECT_NE(record.candidates[i - 1].colours(), record.candidates[i].colours());
-                    }
-                }
-                EXPECT_EQ(block.lastChanged == step, hasChanged);
-            });
-        }
-    }
-}
-
 TEST(AmtcVisits, TakeTheBestOfAllVariantsOfTheNeighboursModes) {
     std::size_t better = 0;
     for (const Kind kind : testimages::allKinds) {

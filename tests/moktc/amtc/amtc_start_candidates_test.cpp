@@ -120,25 +120,21 @@ TEST(AmtcClusterStart, PairsTheLargestClustersFirst) {
     }
 }
 
-/// The peak signal-to-noise ratio, over four channels, of two flat halves of 32 by 32 pixels at 4 bits per pixel of the second
-/// generation and quality 2.
-double psnrOfHalves(std::uint32_t left, std::uint32_t right) {
-    constexpr std::uint32_t side = 32, generation = 1;
-    std::array<std::uint32_t, side * side> pixels, decoded;
-    std::array<std::uint64_t, side * side / 16> blocks;
-    for (std::size_t i = 0; i < pixels.size(); ++i)
-        pixels[i] = i % side < side / 2 ? left : right;
-    moktexture::CompressMOKTC(pixels.data(), blocks.data(), &side, &side, true, false, generation, 2);
-    moktexture::DecompressMOKTC(blocks.data(), decoded.data(), &side, &side, false, &generation);
-    double error = 0;
-    for (std::size_t i = 0; i < pixels.size(); ++i)
-        error += squaredDistance(pixels[i], decoded[i]);
-    return 10 * std::log10(255.0 * 255.0 * 4 * side * side / error);
-}
-
+/// Two halves of 32 by 32 pixels: above 50 dB, and 45 if an exchanged pair kept colours of the other depth.
 TEST(AmtcClusterStart, EncodesTwoFlatHalvesWithoutAnErrorFromExchangedPairs) {
-    for (const auto& [left, right] : {ColourPair{0xff350650, 0xff46fc8a}, {0xff7c4e84, 0xffc74d0e}})
-        EXPECT_GT(psnrOfHalves(left, right), 50);  // 45 if an exchanged pair keeps colours of the other depth
+    constexpr std::uint32_t side = 32, generation = 1;
+    for (const auto& [left, right] : {ColourPair{0xff350650, 0xff46fc8a}, {0xff7c4e84, 0xffc74d0e}}) {
+        std::array<std::uint32_t, side * side> pixels, decoded;
+        std::array<std::uint64_t, side * side / 16> blocks;
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            pixels[i] = i % side < side / 2 ? left : right;
+        moktexture::CompressMOKTC(pixels.data(), blocks.data(), &side, &side, true, false, generation, 2);
+        moktexture::DecompressMOKTC(blocks.data(), decoded.data(), &side, &side, false, &generation);
+        double error = 0;
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            error += squaredDistance(pixels[i], decoded[i]);
+        EXPECT_LT(error / (4 * side * side), 0.65);
+    }
 }
 
 TEST(AmtcStartCandidates, EachModeStartsFromItsRepresentative) {
@@ -149,8 +145,7 @@ TEST(AmtcStartCandidates, EachModeStartsFromItsRepresentative) {
         {4, 1, 5, 5, {detailRep, opaqueRep, centreRep, wholeRep}},
         {4, 1, 4, 5, {wholeRep, opaqueRep, centreRep, wholeRep}},
         {2, 0, 4, 5, {wholeRep, wholeRep, wholeRep, wholeRep}},
-        {2, 1, 9, 5, {detailRep, detailRep, detailRep, detailRep, centreRep, centreRep, centreRep, centreRep}},
-    };
+        {2, 1, 9, 5, {detailRep, detailRep, detailRep, detailRep, centreRep, centreRep, centreRep, centreRep}}};
     // clang-format on
     for (const auto& [bitsPerPixel, generation, wholeRange, detailRange, axes] : cases) {
         const AmtcLevelSettings settings = makeLevelSettings(64, 64, {Rate(bitsPerPixel), Generation(generation)});
